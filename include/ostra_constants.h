@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Text constants that the library and the hosting services share. Each is one immutable object per program, built when
+// the program or library that uses it is loaded and released when it is unloaded; reading them is safe from any thread
+// in between.
+
+#ifndef OSTRA_CONSTANTS_H
+#define OSTRA_CONSTANTS_H
+
+#include <string>
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+
+// Package name under which the adapter presents itself to the platform's services.
+inline const std::string OSTRA_PKG_NAME = "ohos.dhardware.osatraadapter";
+// Permission name of the distributed hardware framework.
+inline const std::u16string DH_ACCESS_TOKEN_PERMISSION = u"ohos.distributedhardware.accessToken";
+
+// Result and initialisation texts.
+inline const std::string DH_SUCCESS_TEXT = "DH_SUCCESS";
+inline const std::string DH_FAILED_TEXT = "DH_FAILED";
+inline const std::string OSTRA_ADAPTER_INIT_TEXT = "OSTRA_ADAPTER_INIT";
+
+// Stands between key and value of an entry that crosses a process border.
+inline const std::string SEPARATOR = "#";
+// What CheckIsNum accepts, as an ECMAScript regular expression.
+inline const std::string NUMBER_PATTERN = "^[-+]?[0-9]+$";
+
+// Keys and texts of the notifications about devices whose state changed.
+inline const std::string ISOMERISM_CHANGE = "change";
+inline const std::string ISOMERISM_EVENT = "isomerism_event";
+inline const std::string ISOMERISM_CONNECT = "isomerism_connect";
+inline const std::string ISOMERISM_DISCONNECT = "isomerism_disconnect";
+inline const std::string DEV_ID_KEY = "dev_id";
+
+}  // namespace OHOS::DistributedHardware::OstraAdapter
+
+#endif  // OSTRA_CONSTANTS_H
