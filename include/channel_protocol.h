@@ -31,8 +31,12 @@ struct UnPackagedEA {
 // once per object: a buffer that it already holds is replaced, not released.
 class ChannelProtocol {
 public:
-    OSTRA_EXPORT ChannelProtocol();
-    OSTRA_EXPORT ~ChannelProtocol();
+    ChannelProtocol() = default;
+    ~ChannelProtocol()
+    {
+        delete[] protocolBuffer_;
+        protocolBuffer_ = nullptr;
+    }
     ChannelProtocol(const ChannelProtocol &) = delete;
     ChannelProtocol &operator=(const ChannelProtocol &) = delete;
 

@@ -21,24 +21,26 @@ constexpr int EA_GROUP_BITS = 7;
 constexpr uint32_t EA_GROUP_MASK = 0x7F;
 constexpr uint8_t EA_END_MARK = 0x80;
 
-struct EncodedEA {
-    std::array<uint8_t, MAX_EA_LENGTH> bytes{};
-    int length = 0;
-};
-
-EncodedEA EncodeEA(uint32_t value)
+constexpr bool HasEndMark(uint8_t byte)
 {
-    EncodedEA ea;
-    while (ea.length < MAX_EA_LENGTH) {
-        uint8_t &group = ea.bytes[static_cast<size_t>(ea.length++)];
-        group = static_cast<uint8_t>(value & EA_GROUP_MASK);
+    return (byte & EA_END_MARK) != 0;
+}
+
+using EncodedEA = std::array<uint8_t, MAX_EA_LENGTH>;
+
+// Encodes the low 28 bits of `value` and returns the number of bytes used.
+int EncodeEA(uint32_t value, EncodedEA &ea)
+{
+    int length = 0;
+    while (length < MAX_EA_LENGTH) {
+        const auto group = static_cast<uint8_t>(value & EA_GROUP_MASK);
         value >>= EA_GROUP_BITS;
+        ea[static_cast<size_t>(length++)] = value == 0 ? group | EA_END_MARK : group;
         if (value == 0) {
-            group |= EA_END_MARK;
             break;
         }
     }
-    return ea;
+    return length;
 }
 
 // Reads the groups of bytes[begin .. end-1]; a field that stops without an end mark ends at `end`.
@@ -49,7 +51,7 @@ UnPackagedEA DecodeEA(const uint8_t *bytes, int begin, int end)
     for (int shift = 0; ea.offset < end; shift += EA_GROUP_BITS) {
         const uint8_t group = bytes[ea.offset++];
         ea.value |= (group & EA_GROUP_MASK) << shift;
-        if (ChannelProtocol::HasEA(group)) {
+        if (HasEndMark(group)) {
             break;
         }
     }
@@ -99,37 +101,30 @@ uint32_t ComputeCrc(const uint8_t *data, size_t length)
 
 }  // namespace
 
-ChannelProtocol::ChannelProtocol() = default;
-
-ChannelProtocol::~ChannelProtocol()
-{
-    delete[] protocolBuffer_;
-    protocolBuffer_ = nullptr;
-}
-
 bool ChannelProtocol::Create(int eaValue, int contentSize)
 {
     if (eaValue > MAX_EA_VALUE || contentSize < 0) {
         OSTRA_LOGE("ChannelProtocol::Create: Invalid para.");
         return false;
     }
-    const EncodedEA ea = EncodeEA(static_cast<uint32_t>(eaValue));
-    if (contentSize > INT_MAX - ea.length) {
+    EncodedEA ea{};
+    const int eaLength = EncodeEA(static_cast<uint32_t>(eaValue), ea);
+    if (contentSize > INT_MAX - eaLength) {
         return false;
     }
-    const int size = contentSize + ea.length;
+    const int size = contentSize + eaLength;
     protocolBuffer_ = new (std::nothrow) unsigned char[static_cast<size_t>(size)];
     if (protocolBuffer_ == nullptr) {
         return false;
     }
-    if (memcpy_s(protocolBuffer_, static_cast<size_t>(size), ea.bytes.data(), static_cast<size_t>(ea.length)) != 0) {
+    if (memcpy_s(protocolBuffer_, static_cast<size_t>(size), ea.data(), static_cast<size_t>(eaLength)) != 0) {
         OSTRA_LOGE("ChannelProtocol::Create: memcpy failed.");
         delete[] protocolBuffer_;
         protocolBuffer_ = nullptr;
         return false;
     }
     bufferSize_ = size;
-    offset_ = ea.length;
+    offset_ = eaLength;
     return true;
 }
 
@@ -192,7 +187,7 @@ bool ChannelProtocol::ReadEA(UnPackagedEA &ea, int offset)
 
 bool ChannelProtocol::HasEA(unsigned char byte)
 {
-    return (byte & EA_END_MARK) != 0;
+    return HasEndMark(byte);
 }
 
 uint32_t ChannelProtocol::GetCrc(unsigned char *data, int length) const
