@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The two sides of the example pair. Each runs in a process of its own, joined to the other by a socket that keeps
+// message borders, and prints a summary to standard output when it ends.
+
+#ifndef EXAMPLES_STREAM_PAIR_H
+#define EXAMPLES_STREAM_PAIR_H
+
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <string>
+
+#include "dh_utils_tools.h"
+
+// The stream's format: 48 kHz, 16 bits, stereo, sent in pieces of 20 ms.
+constexpr uint32_t SAMPLE_RATE = 48000;
+constexpr uint32_t CHANNELS = 2;
+constexpr uint32_t BYTES_PER_SAMPLE = 2;
+constexpr uint32_t PIECE_MS = 20;
+constexpr uint32_t PIECE_BYTES = SAMPLE_RATE / 1000 * PIECE_MS * CHANNELS * BYTES_PER_SAMPLE;
+
+struct PairOptions {
+    std::optional<uint64_t> flippedFrame;  // the frame that gets a bit flipped on the way
+};
+
+// What both sides know of the link between them.
+struct PairLink {
+    int socket = -1;  // this side's end
+    OHOS::DistributedHardware::OstraAdapter::DHConnectInfo connection;
+};
+
+// Reads `input` to its end and sends it piece by piece. Returns true when every piece was sent.
+bool RunSource(const PairLink &link, const PairOptions &options, FILE *input);
+
+// Writes the content of every frame that arrives whole to `output`. Returns true when nothing was broken or lost.
+bool RunSink(const PairLink &link, FILE *output);
+
+#endif  // EXAMPLES_STREAM_PAIR_H
