@@ -1,0 +1,345 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "channel_protocol.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+#include "securec.h"
+#include "support/allocation_fault.h"
+#include "support/log_recorder.h"
+
+namespace {
+
+bool g_copyingFails = false;
+
+}  // namespace
+
+errno_t memcpy_s(void *destination, size_t destinationSize, const void *source, size_t count)
+{
+    static const auto platformCopy = reinterpret_cast<decltype(&memcpy_s)>(dlsym(RTLD_NEXT, "memcpy_s"));
+    return g_copyingFails ? -1 : platformCopy(destination, destinationSize, source, count);
+}
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+static_assert(!std::is_copy_constructible_v<ChannelProtocol> && !std::is_copy_assignable_v<ChannelProtocol>);
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes FrameOf(const ChannelProtocol &frame)
+{
+    return {frame.GetBuffer(), frame.GetBuffer() + frame.GetBufferSize()};
+}
+
+TEST(ChannelFrame, EncodesHeaderValues)
+{
+    const struct {
+        int value;
+        Bytes expected;
+    } table[] = {{0, {0x80}},
+                 {5, {0x85}},
+                 {127, {0xFF}},
+                 {128, {0x00, 0x81}},
+                 {300, {0x2C, 0x82}},
+                 {16383, {0x7F, 0xFF}},
+                 {16384, {0x00, 0x00, 0x81}},
+                 {2097151, {0x7F, 0x7F, 0xFF}},
+                 {2097152, {0x00, 0x00, 0x00, 0x81}},
+                 {0x0FFFFFFF, {0x7F, 0x7F, 0x7F, 0xFF}},
+                 {-1, {0x7F, 0x7F, 0x7F, 0x7F}},
+                 {INT_MIN, {0x00, 0x00, 0x00, 0x00}},
+                 {INT_MIN + 300, {0x2C, 0x02, 0x00, 0x00}}};
+    for (const auto &row : table) {
+        ChannelProtocol frame;
+        ASSERT_TRUE(frame.Create(row.value, 0)) << row.value;
+        EXPECT_EQ(FrameOf(frame), row.expected) << row.value;
+        EXPECT_EQ(frame.offset_, static_cast<int32_t>(row.expected.size())) << row.value;
+    }
+}
+
+// Every value near each border of the encoding, and a sweep over the whole range.
+TEST(ChannelFrame, HeaderValuesRoundTrip)
+{
+    std::vector<int> values;
+    for (int border : {0, 1 << 7, 1 << 14, 1 << 21, 0x0FFFFFFF}) {
+        for (int value = std::max(0, border - 300); value <= std::min(0x0FFFFFFF, border + 300); ++value) {
+            values.push_back(value);
+        }
+    }
+    for (int value = 0; value <= 0x0FFFFFFF - 40009; value += 40009) {
+        values.push_back(value);
+    }
+    for (int value : values) {
+        ChannelProtocol sent;
+        ASSERT_TRUE(sent.Create(value, 0));
+        ASSERT_EQ(sent.GetBufferSize(), value < 1 << 7 ? 1 : value < 1 << 14 ? 2 : value < 1 << 21 ? 3 : 4) << value;
+        ChannelProtocol received;
+        ASSERT_TRUE(received.CreateFromBuffer(sent.GetBuffer(), sent.GetBufferSize()));
+        UnPackagedEA ea;
+        ASSERT_TRUE(received.ReadEA(ea, 0));
+        ASSERT_EQ(ea.value, static_cast<uint32_t>(value));
+        ASSERT_EQ(ea.offset, sent.GetBufferSize()) << value;
+    }
+}
+
+TEST(ChannelFrame, ContentRoundTripsAtEveryLength)
+{
+    Bytes content(700);
+    std::iota(content.begin(), content.end(), static_cast<unsigned char>(1));
+    for (int length = 1; length <= static_cast<int>(content.size()); ++length) {
+        ChannelProtocol sent;
+        ASSERT_TRUE(sent.Create(length * 97, length));
+        ASSERT_TRUE(sent.WriteContent(content.data(), length));
+        ASSERT_FALSE(sent.WriteContent(content.data(), length + 1));
+
+        Bytes onTheWay = FrameOf(sent);
+        ChannelProtocol received;
+        ASSERT_TRUE(received.CreateFromBuffer(onTheWay.data(), static_cast<int>(onTheWay.size())));
+        EXPECT_EQ(received.offset_, 0);
+        onTheWay.assign(onTheWay.size(), 0);
+        UnPackagedEA ea;
+        ASSERT_TRUE(received.ReadEA(ea, 0));
+        ASSERT_EQ(ea.value, static_cast<uint32_t>(length * 97));
+        ASSERT_EQ(Bytes(received.GetBuffer() + ea.offset, received.GetBuffer() + received.GetBufferSize()),
+                  Bytes(content.begin(), content.begin() + length));
+    }
+}
+
+// An independent reading of the encoding: value and position of the field at `offset`.
+UnPackagedEA ReadIndependently(const Bytes &frame, int64_t offset)
+{
+    UnPackagedEA ea;
+    ea.offset = static_cast<int32_t>(offset);
+    uint32_t weight = 1;
+    for (int64_t at = offset; at < offset + 4 && at < static_cast<int64_t>(frame.size()); ++at, weight *= 128) {
+        const unsigned char byte = frame[static_cast<size_t>(at)];
+        ea.value += byte % 128 * weight;
+        ea.offset = static_cast<int32_t>(at + 1);
+        if (byte >= 128) {
+            break;
+        }
+    }
+    return ea;
+}
+
+TEST(ChannelFrame, DecodesAnyBytesAtAnyOffset)
+{
+    std::mt19937 random(3);
+    for (int round = 0; round < 2000; ++round) {
+        Bytes bytes(1 + random() % 12);
+        const bool fewMarks = round % 2 == 0;
+        for (unsigned char &byte : bytes) {
+            byte = static_cast<unsigned char>(fewMarks && random() % 4 != 0 ? random() % 128 : random() % 256);
+        }
+        // An exact copy on the heap, so that the address sanitizer sees a read past its end.
+        ChannelProtocol frame;
+        ASSERT_TRUE(frame.CreateFromBuffer(bytes.data(), static_cast<int>(bytes.size())));
+        std::vector<int> offsets = {INT_MAX, INT_MAX - 1, INT_MAX - 4, 1 << 30};
+        offsets.resize(offsets.size() + bytes.size() + 6);
+        std::iota(offsets.begin() + 4, offsets.end(), 0);
+        for (int offset : offsets) {
+            const UnPackagedEA expected = ReadIndependently(bytes, offset);
+            UnPackagedEA ea{77, 77};
+            ASSERT_TRUE(frame.ReadEA(ea, offset));
+            ASSERT_EQ(ea.value, expected.value) << ::testing::PrintToString(bytes) << " at " << offset;
+            ASSERT_EQ(ea.offset, expected.offset) << ::testing::PrintToString(bytes) << " at " << offset;
+            ASSERT_EQ(frame.offset_, expected.offset);
+        }
+    }
+}
+
+TEST(ChannelFrame, ReadingRefusesWhatItCannotRead)
+{
+    LogRecorder log;
+    UnPackagedEA ea{77, 78};
+    ChannelProtocol empty;
+    EXPECT_FALSE(empty.ReadEA(ea, 0));
+    EXPECT_EQ(log.Take(), (LogLines{ErrorLine("ReadEA",
+                                              "ChannelProtocol::ReadEA: protocolBuffer is nullptr or bufferSize < 1, "
+                                              "please check.")}));
+    ChannelProtocol frame;
+    ASSERT_TRUE(frame.Create(300, 0));
+    for (int offset : {-1, -4, INT_MIN}) {
+        EXPECT_FALSE(frame.ReadEA(ea, offset));
+        EXPECT_EQ(log.Take(), (LogLines{ErrorLine("ReadEA", "ChannelProtocol::ReadEA: Invalid para.")}));
+    }
+    EXPECT_EQ(ea.value, 77U);
+    EXPECT_EQ(ea.offset, 78);
+    EXPECT_EQ(frame.offset_, 2);
+}
+
+TEST(ChannelFrame, CreateRefusesBadArguments)
+{
+    LogRecorder log;
+    const LogLine invalid = ErrorLine("Create", "ChannelProtocol::Create: Invalid para.");
+    ChannelProtocol frame;
+    for (auto [value, size] : {std::pair{0x10000000, 0}, {INT_MAX, 0}, {5, -1}, {5, INT_MIN}}) {
+        EXPECT_FALSE(frame.Create(value, size));
+        EXPECT_EQ(log.Take(), (LogLines{invalid}));
+    }
+    for (auto [value, size] : {std::pair{5, INT_MAX}, {128, INT_MAX - 1}, {-1, INT_MAX - 3}}) {
+        EXPECT_FALSE(frame.Create(value, size));
+        EXPECT_TRUE(log.Take().empty());
+    }
+    EXPECT_EQ(frame.GetBuffer(), nullptr);
+    EXPECT_EQ(frame.GetBufferSize(), 0);
+
+    unsigned char byte = 0;
+    const LogLine invalidBuffer = ErrorLine("CreateFromBuffer", "ChannelProtocol::CreateFromBuffer: Invalid para.");
+    EXPECT_FALSE(frame.CreateFromBuffer(nullptr, 1));
+    EXPECT_FALSE(frame.CreateFromBuffer(&byte, 0));
+    EXPECT_FALSE(frame.CreateFromBuffer(&byte, INT_MIN));
+    EXPECT_EQ(log.Take(), (LogLines{invalidBuffer, invalidBuffer, invalidBuffer}));
+}
+
+TEST(ChannelFrame, FailedAllocationOrCopyTurnsIntoFalse)
+{
+    LogRecorder log;
+    ChannelProtocol frame;
+    Bytes bytes = {0x85};
+    {
+        const AllocationFault fault(0);
+        EXPECT_FALSE(frame.Create(5, 5));
+    }
+    EXPECT_TRUE(log.Take().empty());
+    {
+        const AllocationFault fault(0);
+        EXPECT_FALSE(frame.CreateFromBuffer(bytes.data(), 1));
+    }
+    EXPECT_EQ(
+        log.Take(),
+        (LogLines{ErrorLine("CreateFromBuffer", "ChannelProtocol::CreateFromBuffer: new protocolBuffer failed.")}));
+    g_copyingFails = true;
+    EXPECT_FALSE(frame.Create(5, 5));
+    EXPECT_FALSE(frame.CreateFromBuffer(bytes.data(), 1));
+    g_copyingFails = false;
+    EXPECT_EQ(log.Take(),
+              (LogLines{ErrorLine("Create", "ChannelProtocol::Create: memcpy failed."),
+                        ErrorLine("CreateFromBuffer", "ChannelProtocol::CreateFromBuffer: memcpy failed.")}));
+    EXPECT_EQ(frame.GetBuffer(), nullptr);
+    EXPECT_EQ(frame.bufferSize_, 0);
+    EXPECT_EQ(frame.offset_, 0);
+}
+
+TEST(ChannelFrame, WritingRefusesWhatDoesNotFit)
+{
+    LogRecorder log;
+    const LogLine invalid = ErrorLine("WriteContent", "ChannelProtocol::WriteContent: Invalid para.");
+    const LogLine tooLong = ErrorLine("WriteContent", "ChannelProtocol::WriteContent: datalen Invalid.");
+    Bytes content = {1, 2, 3, 4};
+    EXPECT_FALSE(ChannelProtocol().WriteContent(content.data(), 1));
+    ChannelProtocol frame;
+    ASSERT_TRUE(frame.Create(300, 3));
+    ASSERT_TRUE(frame.WriteContent(content.data(), 3));
+    EXPECT_FALSE(frame.WriteContent(nullptr, 1));
+    EXPECT_FALSE(frame.WriteContent(content.data(), 0));
+    EXPECT_FALSE(frame.WriteContent(content.data(), INT_MIN));
+    EXPECT_EQ(log.Take(), (LogLines{invalid, invalid, invalid, invalid}));
+    EXPECT_FALSE(frame.WriteContent(content.data(), 4));
+    EXPECT_FALSE(frame.WriteContent(content.data(), INT_MAX));
+    EXPECT_EQ(log.Take(), (LogLines{tooLong, tooLong}));
+    EXPECT_FALSE(frame.WriteContent(frame.GetBuffer() + 1, 3));  // overlaps
+    EXPECT_EQ(log.Take(), (LogLines{ErrorLine("WriteContent", "ChannelProtocol::WriteContent: memcpy failed.")}));
+    EXPECT_EQ(FrameOf(frame), (Bytes{0x2C, 0x82, 1, 2, 3}));
+
+    ASSERT_TRUE(frame.WriteContent(content.data() + 1, 2));  // again at the same place
+    EXPECT_EQ(FrameOf(frame), (Bytes{0x2C, 0x82, 2, 3, 3}));
+    UnPackagedEA ea;
+    ASSERT_TRUE(frame.ReadEA(ea, INT_MAX));
+    EXPECT_FALSE(frame.WriteContent(content.data(), 1));
+    EXPECT_EQ(log.Take(), (LogLines{tooLong}));
+}
+
+TEST(ChannelFrame, EndMarkIsBit7)
+{
+    for (int byte = 0; byte < 256; ++byte) {
+        EXPECT_EQ(ChannelProtocol::HasEA(static_cast<unsigned char>(byte)), byte >= 0x80);
+    }
+}
+
+uint32_t BitwiseCrc(const Bytes &bytes)
+{
+    uint32_t crc = 0;
+    for (unsigned char byte : bytes) {
+        for (int bit = 0; bit < 8; ++bit) {
+            const bool isOdd = (((static_cast<uint32_t>(byte) >> bit) ^ crc) & 1) != 0;
+            crc = (crc >> 1) ^ (isOdd ? 0xA001 : 0);
+        }
+    }
+    return crc;
+}
+
+TEST(ChannelCrc, GivesThePublishedValuesAndLogsThemMasked)
+{
+    const struct {
+        const char *text;
+        uint32_t crc;
+        const char *masked;
+    } table[] = {{"123456789", 0xBB3D, "4******3"},  // 47933
+                 {"hello", 0x34D2, "1******2"},      // 13522
+                 {"\x85hello", 0xA1CD, "4******1"},  // 41421
+                 {"\x2C\x82\xAA\xBB", 0x6B96, "2******2"},
+                 {"", 0, "******"}};
+    LogRecorder log;
+    ChannelProtocol frame;
+    for (const auto &row : table) {
+        std::string text = row.text;
+        EXPECT_EQ(frame.GetCrc(reinterpret_cast<unsigned char *>(text.data()), static_cast<int>(text.size())), row.crc);
+        EXPECT_EQ(log.Take(),
+                  (LogLines{InfoLine("GetCrc", "ChannelProtocol::GetCrc: getCrc16:" + std::string(row.masked))}));
+    }
+    unsigned char byte = 1;
+    for (auto [data, length] :
+         {std::pair<unsigned char *, int>{&byte, 0}, {&byte, -1}, {&byte, INT_MIN}, {nullptr, 9}}) {
+        EXPECT_EQ(frame.GetCrc(data, length), 0U);
+        EXPECT_EQ(log.Take().size(), 1U);
+    }
+}
+
+TEST(ChannelCrc, EqualsTheBitwiseComputation)
+{
+    std::mt19937 random(4);
+    ChannelProtocol frame;
+    for (size_t length = 0; length <= 300; ++length) {
+        Bytes bytes(length);
+        for (unsigned char &byte : bytes) {
+            byte = static_cast<unsigned char>(random());
+        }
+        ASSERT_EQ(frame.GetCrc(bytes.data(), static_cast<int>(length)), BitwiseCrc(bytes)) << length;
+    }
+    for (int byte = 0; byte < 256; ++byte) {
+        Bytes single = {static_cast<unsigned char>(byte)};
+        ASSERT_EQ(frame.GetCrc(single.data(), 1), BitwiseCrc(single));
+    }
+}
+
+TEST(ChannelCrc, RunsOnManyThreadsAtOnce)
+{
+    Bytes bytes(5000, 0x5A);
+    const uint32_t expected = BitwiseCrc(bytes);
+    ChannelProtocol frame;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int j = 0; j < 50; ++j) {
+                EXPECT_EQ(frame.GetCrc(bytes.data(), static_cast<int>(bytes.size())), expected);
+            }
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+}
+
+}  // namespace
+}  // namespace OHOS::DistributedHardware::OstraAdapter

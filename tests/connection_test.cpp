@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <new>
+#include <random>
+#include <type_traits>
+
+#include "dh_utils_tools.h"
+#include "support/allocation_fault.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+static_assert(!std::is_copy_constructible_v<DHData> && !std::is_copy_assignable_v<DHData>);
+static_assert(sizeof(DHBusinessId) == 4 && sizeof(DHChannelType) == 4);
+
+TEST(Data, StartsZeroedWithAZeroBehindIt)
+{
+    for (size_t capacity : {1U, 10U, 4096U}) {
+        DHData data(capacity);
+        EXPECT_EQ(data.Capacity(), capacity);
+        EXPECT_EQ(data.Size(), capacity);
+        EXPECT_EQ(data.Offset(), 0U);
+        EXPECT_EQ(std::string(data.Data(), data.Data() + capacity + 1), std::string(capacity + 1, '\0'));
+    }
+    const uint64_t before = AllocationCount();
+    DHData empty(0);
+    EXPECT_EQ(AllocationCount(), before);
+    EXPECT_EQ(empty.Data(), nullptr);
+    EXPECT_EQ(empty.Capacity() + empty.Size() + empty.Offset(), 0U);
+}
+
+TEST(Data, TakesExactlyTheRangesInsideTheCapacity)
+{
+    for (size_t capacity : {0U, 1U, 10U}) {
+        DHData data(capacity);
+        uint8_t *begin = data.data_;
+        size_t heldOffset = 0;
+        size_t heldSize = capacity;
+        for (size_t offset = 0; offset <= capacity + 2; ++offset) {
+            for (size_t size = 0; size <= capacity + 2; ++size) {
+                const bool fits = offset <= capacity && size <= capacity - offset;
+                ASSERT_EQ(data.SetRange(offset, size), fits ? 0 : -1) << offset << " " << size << " of " << capacity;
+                heldOffset = fits ? offset : heldOffset;
+                heldSize = fits ? size : heldSize;
+                ASSERT_EQ(data.Offset(), heldOffset);
+                ASSERT_EQ(data.Size(), heldSize);
+                ASSERT_EQ(data.Data(), begin + heldOffset);
+            }
+        }
+    }
+    DHData data(10);
+    EXPECT_EQ(data.SetRange(std::numeric_limits<size_t>::max(), 1), -1);
+}
+
+TEST(Data, RaisesOutOfMemoryForWhatCannotBeHad)
+{
+    constexpr size_t max = std::numeric_limits<size_t>::max();
+    for (size_t capacity : {max, max - 1, max / 2}) {
+        EXPECT_THROW(DHData{capacity}, std::bad_alloc) << capacity;
+    }
+    const AllocationFault fault(0);
+    EXPECT_THROW(DHData{10}, std::bad_alloc);
+}
+
+DHConnectInfo MakeConnection()
+{
+    DHConnectInfo info;
+    info.sourceNetworkId = "0123456789abcdef0123456789abcdef";
+    info.sinkNetworkId = "fedcba98765432100";
+    info.sourceIp = "10.0.0.7";
+    info.sinkIp = "192.168.1.10";
+    info.sinkBrMac = "00:00:5E:00:53:01";
+    info.port = 8080;
+    info.extraInfo = "info";
+    info.extraData = {1, 2, 3};
+    info.extraParam = "param";
+    return info;
+}
+
+TEST(ConnectInfo, PrintsEveryIdentifyingFieldMasked)
+{
+    EXPECT_EQ(MakeConnection().String(),
+              "sourceNetworId: 0123******cdef sinkNetworkId: f******0 sourceIp: 1******7 sinkIp: 1******0 "
+              "sinkBrMac: 0******1 port: 8***");
+    EXPECT_EQ(DHConnectInfo().String(),
+              "sourceNetworId: ****** sinkNetworkId: ****** sourceIp: ****** sinkIp: ****** sinkBrMac: ****** port: *");
+}
+
+TEST(ConnectInfo, IsItsAddressesAndPort)
+{
+    const DHConnectInfo info = MakeConnection();
+    using TextField = std::string DHConnectInfo::*;
+    for (TextField field : {&DHConnectInfo::sourceNetworkId, &DHConnectInfo::sinkNetworkId, &DHConnectInfo::sourceIp,
+                            &DHConnectInfo::sinkIp, &DHConnectInfo::sinkBrMac}) {
+        DHConnectInfo other = info;
+        other.*field += '\0';
+        EXPECT_FALSE(info == other);
+        EXPECT_TRUE(info < other || other < info);
+    }
+    DHConnectInfo other = info;
+    other.port = -8080;
+    EXPECT_FALSE(info == other);
+
+    other = info;
+    other.extraInfo.clear();
+    other.extraData.clear();
+    other.extraParam.clear();
+    EXPECT_TRUE(info == other);
+    EXPECT_FALSE(info < other || other < info);
+}
+
+// Records over a small alphabet, so that equal keys from different splits come up often.
+TEST(ConnectInfo, OrdersByTheJoinedKey)
+{
+    std::mt19937 random(1);
+    const auto text = [&random] {
+        const size_t length = random() % 3;
+        return std::string(length, random() % 8 == 0 ? '\xe9' : '1');
+    };
+    const auto record = [&] {
+        DHConnectInfo info;
+        info.sourceNetworkId = text();
+        info.sinkNetworkId = text();
+        info.sourceIp = text();
+        info.sinkIp = text();
+        info.sinkBrMac = text();
+        info.port = static_cast<int32_t>(random() % 30) - 15;
+        return info;
+    };
+    const auto key = [](const DHConnectInfo &info) {
+        std::vector<unsigned char> bytes;
+        for (const std::string &part : {info.sourceNetworkId, info.sinkNetworkId, info.sourceIp, info.sinkIp,
+                                        info.sinkBrMac, std::to_string(info.port)}) {
+            bytes.insert(bytes.end(), part.begin(), part.end());
+        }
+        return bytes;
+    };
+    int equalKeys = 0;
+    for (int i = 0; i < 5000; ++i) {
+        const DHConnectInfo a = record();
+        const DHConnectInfo b = record();
+        ASSERT_EQ(a < b, key(a) < key(b)) << a.String() << " / " << b.String();
+        equalKeys += key(a) == key(b) && !(a == b) ? 1 : 0;
+    }
+    EXPECT_GT(equalKeys, 0);
+
+    DHConnectInfo nine;
+    nine.port = 9;
+    DHConnectInfo ten;
+    ten.port = 10;
+    EXPECT_TRUE(ten < nine);
+}
+
+TEST(ConnectDevice, KeepsAWholeCopyOfTheConnection)
+{
+    DHConnectInfo info = MakeConnection();
+    const DHConnectDevice device(-7, static_cast<DHBusinessId>(0xFFFFFFFF), static_cast<DHChannelType>(3), info);
+    info.sinkIp = "changed";
+    EXPECT_EQ(device.sessionId, -7);
+    EXPECT_EQ(static_cast<uint32_t>(device.businessId), 0xFFFFFFFF);
+    EXPECT_EQ(static_cast<uint32_t>(device.channelType), 3U);
+    const DHConnectInfo expected = MakeConnection();
+    EXPECT_TRUE(device.connectInfo == expected);
+    EXPECT_EQ(device.connectInfo.extraInfo, expected.extraInfo);
+    EXPECT_EQ(device.connectInfo.extraData, expected.extraData);
+    EXPECT_EQ(device.connectInfo.extraParam, expected.extraParam);
+}
+
+}  // namespace
+}  // namespace OHOS::DistributedHardware::OstraAdapter

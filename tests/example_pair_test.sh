@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# Runs the example pair as a user would and looks at what it prints and how it ends. Usage: example_pair_test.sh PROGRAM
+set -euo pipefail
+
+pair=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+# expect STATUS TEXT ARGUMENT...: runs the pair, and wants that exit status and each line of TEXT in its output.
+expect() {
+    local status=0
+    local wanted=$1 texts=$2
+    shift 2
+    "$pair" "$@" >"$folder/out" 2>&1 || status=$?
+    [ "$status" = "$wanted" ] || { cat "$folder/out"; echo "exit status $status, not $wanted: $*"; exit 1; }
+    while read -r text; do
+        grep -qF -- "$text" "$folder/out" || { cat "$folder/out"; echo "not printed: $text: $*"; exit 1; }
+    done <<<"$texts"
+}
+
+expect 0 $'frames          250\nbytes           960000\nCRC mismatches  0\nport: 8***\nevery byte arrived'
+expect 1 $'CRC mismatches  1\nframes lost     0\nDIFFERS' --flip 249
+
+head -c 1234567 /dev/urandom >"$folder/random"
+expect 0 $'frames          322\nbytes           1234567\nevery byte arrived' "$folder/random"
+expect 1 'DIFFERS' --flip 0 "$folder/random"
+: >"$folder/empty"
+expect 0 'every byte arrived' "$folder/empty"
+
+expect 1 'No such file' "$folder/missing"
+expect 1 'DIFFERS' "$folder"
+expect 2 'Usage' --nonsense
+expect 2 'Usage' --flip seven
+expect 0 'Usage' --help
+echo "the pair behaves"
