@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <benchmark/benchmark.h>
+
+#include <cctype>
+#include <charconv>
+#include <cstdarg>
+#include <cstring>
+#include <string>
+
+#include "dh_utils_tools.h"
+#include "ostra_adapter_log.h"
+#include "ratio_table.h"
+#include "securec.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+void LogWithOutputOff(benchmark::State &state)
+{
+    for (auto _ : state) {
+        DHLog(DH_LOG_INFO, "[ostraadapterutils][Bench]:device %s port %d", "0123******cdef", 8080);
+    }
+}
+BENCHMARK(LogWithOutputOff);
+
+__attribute__((noinline)) int Print(char *buffer, size_t size, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = vsprintf_s(buffer, size, format, arguments);
+    va_end(arguments);
+    return length;
+}
+
+void ZeroAndPrint(benchmark::State &state)
+{
+    for (auto _ : state) {
+        char buffer[4096];
+        std::memset(buffer, 0, sizeof(buffer));
+        benchmark::DoNotOptimize(buffer);
+        benchmark::DoNotOptimize(
+            Print(buffer, sizeof(buffer), "[ostraadapterutils][Bench]:device %s port %d", "0123******cdef", 8080));
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(ZeroAndPrint);
+
+const int LOG_ROW =
+    AddRow({"`DHLog`, output off", "LogWithOutputOff", "zeroing 4096 bytes and one `vsprintf_s`", "ZeroAndPrint", 1.2});
+
+void CheckIsNumTenDigits(benchmark::State &state)
+{
+    std::string text = "1234567890";
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(text.data());
+        benchmark::DoNotOptimize(CheckIsNum(text));
+    }
+}
+BENCHMARK(CheckIsNumTenDigits);
+
+void FromCharsTenDigits(benchmark::State &state)
+{
+    std::string text = "1234567890";
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(text.data());
+        int64_t value = 0;
+        benchmark::DoNotOptimize(std::from_chars(text.data(), text.data() + text.size(), value));
+        benchmark::DoNotOptimize(value);
+    }
+}
+BENCHMARK(FromCharsTenDigits);
+
+const int NUMBER_ROW = AddRow(
+    {"`CheckIsNum`, 10 digits", "CheckIsNumTenDigits", "`std::from_chars` on the same text", "FromCharsTenDigits", 2});
+
+}  // namespace
+}  // namespace OHOS::DistributedHardware::OstraAdapter
