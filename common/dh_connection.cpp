@@ -65,7 +65,9 @@ uint8_t *DHData::Data() const
 
 int32_t DHData::SetRange(size_t offset, size_t size)
 {
-    if (offset > capacity_ || offset + size > capacity_) {
+    size_t end = 0;
+    static_cast<void>(__builtin_add_overflow(offset, size, &end));  // wraps around by contract
+    if (offset > capacity_ || end > capacity_) {
         return -1;
     }
     offset_ = offset;

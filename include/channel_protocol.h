@@ -49,9 +49,10 @@ public:
     // Takes a copy of a received frame. Returns false for a null buffer, a size below 1, or when memory runs out.
     OSTRA_EXPORT bool CreateFromBuffer(unsigned char *buffer, int size);
 
-    // Copies `length` bytes of content to the place just behind the header; every call writes at that same place.
-    // Returns false for null data, a length below 1, before Create, when the content does not fit, or when data
-    // overlaps that place; the frame then stays as it was.
+    // Copies `length` bytes of content to offset_, after Create the place just behind the header; every call writes at
+    // that same place. Returns false for null data, a length below 1, when there is no buffer, or when the content
+    // does not fit: the frame then stays as it was. Returns false also when data overlaps that place, which leaves the
+    // content undefined.
     OSTRA_EXPORT bool WriteContent(unsigned char *data, int length) const;
 
     // Decodes the header value at `offset` (0 and up) and moves offset_ just behind it. Reads up to the first byte that
@@ -67,7 +68,8 @@ public:
     // gives 0xBB3D. A length below 1 or null data gives 0. Each call logs the masked result at info level.
     OSTRA_EXPORT uint32_t GetCrc(unsigned char *data, int length) const;
 
-    // The whole frame and its size in bytes; null and 0 when there is none. The object keeps the buffer.
+    // The whole frame and its size in bytes; null and 0 before one is created. The object keeps the buffer. When
+    // creating a further frame fails, the buffer is null and the size still that of the earlier one.
     OSTRA_EXPORT unsigned char *GetBuffer() const;
     OSTRA_EXPORT int32_t GetBufferSize() const;
 

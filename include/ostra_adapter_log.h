@@ -7,7 +7,8 @@
 // The macros compose the text at compile time from the name of the enclosing function (bare, without its class), so a
 // call costs no allocation and no formatting beyond that of DHLog, and the compiler checks the message's conversions
 // against the arguments. The message must be a string literal; the whole composed text is the format. Hosting services
-// may use both. Everything here may be called from any thread at once.
+// may use both. Inside a lambda the name is "operator()": log outside of it. Everything here may be called from any
+// thread at once.
 
 #ifndef OSTRA_ADAPTER_LOG_H
 #define OSTRA_ADAPTER_LOG_H

@@ -204,9 +204,11 @@ TEST(ChannelFrame, CreateRefusesBadArguments)
 
 TEST(ChannelFrame, FailedAllocationOrCopyTurnsIntoFalse)
 {
-    LogRecorder log;
     ChannelProtocol frame;
     Bytes bytes = {0x85};
+    ASSERT_TRUE(frame.Create(300, 2));
+    const std::unique_ptr<unsigned char[]> first(frame.GetBuffer());  // a further frame replaces it, unreleased
+    LogRecorder log;
     {
         const AllocationFault fault(0);
         EXPECT_FALSE(frame.Create(5, 5));
@@ -227,8 +229,8 @@ TEST(ChannelFrame, FailedAllocationOrCopyTurnsIntoFalse)
               (LogLines{ErrorLine("Create", "ChannelProtocol::Create: memcpy failed."),
                         ErrorLine("CreateFromBuffer", "ChannelProtocol::CreateFromBuffer: memcpy failed.")}));
     EXPECT_EQ(frame.GetBuffer(), nullptr);
-    EXPECT_EQ(frame.bufferSize_, 0);
-    EXPECT_EQ(frame.offset_, 0);
+    EXPECT_EQ(frame.bufferSize_, 4);
+    EXPECT_EQ(frame.offset_, 2);
 }
 
 TEST(ChannelFrame, WritingRefusesWhatDoesNotFit)
@@ -248,9 +250,10 @@ TEST(ChannelFrame, WritingRefusesWhatDoesNotFit)
     EXPECT_FALSE(frame.WriteContent(content.data(), 4));
     EXPECT_FALSE(frame.WriteContent(content.data(), INT_MAX));
     EXPECT_EQ(log.Take(), (LogLines{tooLong, tooLong}));
+    EXPECT_EQ(FrameOf(frame), (Bytes{0x2C, 0x82, 1, 2, 3}));
     EXPECT_FALSE(frame.WriteContent(frame.GetBuffer() + 1, 3));  // overlaps
     EXPECT_EQ(log.Take(), (LogLines{ErrorLine("WriteContent", "ChannelProtocol::WriteContent: memcpy failed.")}));
-    EXPECT_EQ(FrameOf(frame), (Bytes{0x2C, 0x82, 1, 2, 3}));
+    ASSERT_TRUE(frame.WriteContent(content.data(), 3));
 
     ASSERT_TRUE(frame.WriteContent(content.data() + 1, 2));  // again at the same place
     EXPECT_EQ(FrameOf(frame), (Bytes{0x2C, 0x82, 2, 3, 3}));

@@ -53,6 +53,7 @@ TEST(Data, TakesExactlyTheRangesInsideTheCapacity)
     }
     DHData data(10);
     EXPECT_EQ(data.SetRange(std::numeric_limits<size_t>::max(), 1), -1);
+    EXPECT_EQ(data.SetRange(1, std::numeric_limits<size_t>::max()), 0);  // the sum wraps around to 0
 }
 
 TEST(Data, RaisesOutOfMemoryForWhatCannotBeHad)

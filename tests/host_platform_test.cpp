@@ -101,6 +101,8 @@ TEST(HostLog, PrintsInTheClearOnlyWhatIsPublic)
                LLONG_MIN, LONG_MAX, SIZE_MAX, static_cast<unsigned char>(200), 4, 1, "xyz");
     EXPECT_EQ(text(), std::to_string(LLONG_MIN) + " " + std::to_string(LONG_MAX) + " " + std::to_string(SIZE_MAX) +
                           " 200    1 xy");
+    HiLogPrint(LOG_APP, LOG_INFO, 1, "T", "%{public}.*s|%{public}.*s", 2, "abc", -1, "abc");
+    EXPECT_EQ(text(), "ab|abc");
     HiLogPrint(LOG_APP, LOG_INFO, 1, "T", "%{public}s %y 100%", static_cast<const char *>(nullptr));
     EXPECT_EQ(text(), "(null) %y 100%");
     for (size_t length : {4094U, 4095U, 4096U, 9000U}) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <cstdarg>
@@ -25,6 +26,7 @@ namespace {
 bool g_printingFails = false;
 int32_t g_softBusResult = 0;
 std::string g_softBusPackage;
+bool g_softBusRecordIsZero = false;
 
 }  // namespace
 
@@ -43,6 +45,8 @@ int sprintf_s(char *destination, size_t size, const char *format, ...)
 int32_t GetLocalNodeDeviceInfo(const char *package, NodeBasicInfo *info)
 {
     g_softBusPackage = package;
+    g_softBusRecordIsZero =
+        std::all_of(std::begin(info->networkId), std::end(info->networkId), [](char c) { return c == 0; });
     std::fill(std::begin(info->networkId), std::end(info->networkId), 'a');
     info->networkId[NETWORK_ID_BUF_LEN - 1] = '\0';
     return g_softBusResult;
@@ -112,6 +116,7 @@ TEST(Utils, AsksTheSoftBusForTheNetworkId)
     EXPECT_EQ(GetLocalDeviceNetworkId(networkId), 0);
     EXPECT_EQ(networkId, std::string(64, 'a'));
     EXPECT_EQ(g_softBusPackage, "ohos.dhardware.osatraadapter");
+    EXPECT_TRUE(g_softBusRecordIsZero);
     EXPECT_TRUE(log.Take().empty());
 }
 

@@ -23,7 +23,8 @@ errno_t memset_s(void *dest, size_t destMax, int c, size_t count);
 errno_t memcpy_s(void *dest, size_t destMax, const void *src, size_t count);
 
 // Print in the manner of printf. Return the characters written, without the terminating zero; -1 when the text does not
-// fit, the format is invalid, a pointer is null, or destMax is 0 or above 0x7fffffff. The destination is then empty.
+// fit, the format is invalid, a pointer is null, or destMax is 0 or above 0x7fffffff. A destination of valid
+// size is then empty.
 int sprintf_s(char *strDest, size_t destMax, const char *format, ...) __attribute__((format(printf, 3, 4)));
 int vsprintf_s(char *strDest, size_t destMax, const char *format, va_list argList)
     __attribute__((format(printf, 3, 0)));

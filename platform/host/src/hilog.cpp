@@ -122,8 +122,13 @@ bool ReadConversion(const char *&cursor, Conversion &conversion, va_list &argume
             return false;
         }
         if (*position == '*') {
-            used += static_cast<size_t>(
-                std::snprintf(conversion.format + used, longestNumber, "%d", va_arg(arguments, int)));
+            const int number = va_arg(arguments, int);
+            const bool isPrecision = conversion.format[used - 1] == '.';
+            if (isPrecision && number < 0) {
+                --used;  // counts as no precision
+            } else {
+                used += static_cast<size_t>(std::snprintf(conversion.format + used, longestNumber, "%d", number));
+            }
         } else {
             conversion.format[used++] = *position;
         }
