@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Text constants that the library and the hosting services share. Each is one immutable object per program, built when
+// Constants that the library and the hosting services share. Each is one immutable object per program, built when
 // the program or library that uses it is loaded and released when it is unloaded; reading them is safe from any thread
 // in between.
 
 #ifndef OSTRA_CONSTANTS_H
 #define OSTRA_CONSTANTS_H
 
+#include <cstdint>
 #include <string>
 
 namespace OHOS::DistributedHardware::OstraAdapter {
@@ -32,6 +33,13 @@ inline const std::string ISOMERISM_EVENT = "isomerism_event";
 inline const std::string ISOMERISM_CONNECT = "isomerism_connect";
 inline const std::string ISOMERISM_DISCONNECT = "isomerism_disconnect";
 inline const std::string DEV_ID_KEY = "dev_id";
+
+// Results of the operations that read and write JSON documents.
+inline constexpr int32_t OSTRA_JSON_SUCCESS = 0;
+inline constexpr int32_t OSTRA_JSON_CREATE_FAILED = -70001;  // no memory for an object, one of its members or its text
+inline constexpr int32_t OSTRA_JSON_ROOT_MISSING = -70003;   // a null root was passed
+inline constexpr int32_t OSTRA_JSON_STEP_FAILED = -70004;    // a step that this one depends on failed
+inline constexpr int32_t OSTRA_JSON_INPUT_INVALID = -70005;  // a text is empty, no JSON, or a list over its limit
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 

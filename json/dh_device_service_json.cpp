@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "dh_device_json.h"
+#include "dh_utils_tools.h"
+#include "json_object.h"
+#include "ostra_adapter_log.h"
+#include "ostra_constants.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+void TakeString(const cJSON *root, const char *key, std::string &member)
+{
+    const cJSON *item = cJSON_GetObjectItem(root, key);
+    if (cJSON_IsString(item) != 0 && item->valuestring != nullptr) {
+        member = item->valuestring;
+    }
+}
+
+// Takes an object as its compact text. Returns false when it cannot be printed.
+bool TakeObject(const cJSON *root, const char *key, std::string &member)
+{
+    const cJSON *item = cJSON_GetObjectItem(root, key);
+    if (cJSON_IsObject(item) == 0) {
+        return true;
+    }
+    const JsonText text(cJSON_PrintUnformatted(item));
+    if (text == nullptr) {
+        return false;
+    }
+    member = text.get();
+    return true;
+}
+
+}  // namespace
+
+DHOSTRADeviceServiceJson::DHOSTRADeviceServiceJson()
+{
+    OSTRA_LOGI("DHOSTRADeviceServiceJson create");
+}
+
+DHOSTRADeviceServiceJson::~DHOSTRADeviceServiceJson()
+{
+    OSTRA_LOGI("DHOSTRADeviceServiceJson delete");
+}
+
+int32_t DHOSTRADeviceServiceJson::Unmarshal(const std::string &in)
+{
+    const JsonTree root(cJSON_Parse(in.c_str()));
+    if (root == nullptr) {
+        OSTRA_LOGE("Failed to unmarshal DHOSTRADeviceServiceJson.");
+        return OSTRA_JSON_INPUT_INVALID;
+    }
+    TakeString(root.get(), "deviceId", deviceId_);
+    TakeString(root.get(), "deviceName", deviceName_);
+    const cJSON *serviceType = cJSON_GetObjectItem(root.get(), "serviceType");
+    if (cJSON_IsNumber(serviceType) != 0) {
+        serviceType_ = serviceType->valueint;
+    }
+    TakeString(root.get(), "serviceId", serviceId_);
+    if (!TakeObject(root.get(), "properties", properties_) || !TakeObject(root.get(), "status", status_)) {
+        return OSTRA_JSON_INPUT_INVALID;
+    }
+    OSTRA_LOGI("DHOSTRADeviceServiceJson Unmarshal is %s", String().c_str());
+    return OSTRA_JSON_SUCCESS;
+}
+
+std::string DHOSTRADeviceServiceJson::String() const
+{
+    return "deviceId: " + GetAnonyString(deviceId_) + " deviceName: " + GetAnonyString(deviceName_) +
+           " serviceId: " + GetAnonyString(serviceId_) + " serviceType: " + std::to_string(serviceType_) +
+           " properties: " + properties_ + " status: " + GetAnonyString(status_) + " audioProperties: {" +
+           audioProperties_.String();
+}
+
+}  // namespace OHOS::DistributedHardware::OstraAdapter
