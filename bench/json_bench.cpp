@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <benchmark/benchmark.h>
+#include <cJSON.h>
+
+#include <cstring>
+#include <string>
+
+#include "dh_device_json.h"
+#include "ostra_device_service.h"
+#include "ratio_table.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+DHOSTRADeviceJson SomeDevice()
+{
+    DHOSTRADeviceJson device;
+    device.deviceId_ = std::string(64, 'a');
+    device.deviceName_ = "desk tablet";
+    device.bluetoothMac_ = "00:00:5E:00:53:01";
+    device.btName_ = "tablet";
+    device.localIp_ = "192.168.1.10";
+    device.remoteIp_ = "192.168.1.11";
+    return device;
+}
+
+void MarshalDevice(benchmark::State &state)
+{
+    DHOSTRADeviceJson device = SomeDevice();
+    std::string text;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(device.Marshal(text));
+    }
+}
+BENCHMARK(MarshalDevice);
+
+void MarshalDeviceByHand(benchmark::State &state)
+{
+    const DHOSTRADeviceJson device = SomeDevice();
+    std::string text;
+    std::string properties;
+    for (auto _ : state) {
+        cJSON *versions = cJSON_CreateObject();
+        for (int service : {1, 2, 4, 256, 512}) {
+            cJSON_AddNumberToObject(versions, std::to_string(service).c_str(), service == 2 || service == 4 ? 2 : 1);
+        }
+        char *printed = cJSON_Print(versions);
+        cJSON *supported = cJSON_CreateObject();
+        cJSON_AddStringToObject(supported, "2016", printed);
+        cJSON_free(printed);
+        printed = cJSON_Print(supported);
+        properties = printed;
+        cJSON_free(printed);
+        cJSON_Delete(versions);
+        cJSON_Delete(supported);
+
+        cJSON *document = cJSON_CreateObject();
+        cJSON_AddItemToObject(document, "deviceId", cJSON_CreateString(device.deviceId_.c_str()));
+        cJSON_AddItemToObject(document, "deviceName", cJSON_CreateString(device.deviceName_.c_str()));
+        cJSON_AddItemToObject(document, "deviceType", cJSON_CreateNumber(device.deviceType_));
+        cJSON_AddItemToObject(document, "bluetoothMac", cJSON_CreateString(device.bluetoothMac_.c_str()));
+        cJSON_AddItemToObject(document, "btName", cJSON_CreateString(device.btName_.c_str()));
+        cJSON_AddItemToObject(document, "localIp", cJSON_CreateString(device.localIp_.c_str()));
+        cJSON_AddItemToObject(document, "remoteIp", cJSON_CreateString(device.remoteIp_.c_str()));
+        cJSON_AddItemToObject(document, "port", cJSON_CreateNumber(device.port_));
+        cJSON_AddItemToObject(document, "businessId", cJSON_CreateNumber(device.businessId_));
+        cJSON_AddItemToObject(document, "supportMic", cJSON_CreateBool(device.supportMic_));
+        cJSON_AddItemToObject(document, "supportCamera", cJSON_CreateBool(device.supportCamera_));
+        cJSON_AddItemToObject(document, "tavoniTv", cJSON_CreateBool(device.tavoniTv_));
+        cJSON_AddItemToObject(document, "properties", cJSON_Parse(properties.c_str()));
+        printed = cJSON_Print(document);
+        text = printed;
+        cJSON_free(printed);
+        cJSON_Delete(document);
+    }
+}
+BENCHMARK(MarshalDeviceByHand);
+
+const int MARSHAL_ROW = AddRow(
+    {"`Marshal` of a device document", "MarshalDevice", "the same cJSON calls by hand", "MarshalDeviceByHand", 1.15});
+
+OSTRADeviceService SomeService()
+{
+    OSTRADeviceService service;
+    service.deviceId_ = std::string(64, 'a');
+    service.deviceName_ = "desk tablet";
+    service.serviceId_ = "microphone";
+    service.serviceType_ = 4;
+    for (int i = 0; i < 20; ++i) {
+        service.properties_["property" + std::to_string(i)] = "value of property " + std::to_string(i);
+    }
+    service.status_["state"] = "idle";
+    return service;
+}
+
+void PackService(benchmark::State &state)
+{
+    const OSTRADeviceService service = SomeService();
+    std::vector<uint8_t> out;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(service.PackServiceData(out));
+    }
+}
+BENCHMARK(PackService);
+
+void PackServiceByHand(benchmark::State &state)
+{
+    const OSTRADeviceService service = SomeService();
+    std::vector<uint8_t> out;
+    for (auto _ : state) {
+        cJSON *document = cJSON_CreateObject();
+        cJSON_AddStringToObject(document, "deviceId", service.deviceId_.c_str());
+        cJSON_AddStringToObject(document, "deviceName", service.deviceName_.c_str());
+        cJSON_AddNumberToObject(document, "serviceType", service.serviceType_);
+        cJSON_AddStringToObject(document, "serviceId", service.serviceId_.c_str());
+        for (const auto &[name, entries] :
+             {std::pair{"properties", &service.properties_}, {"status", &service.status_}}) {
+            cJSON *object = cJSON_CreateObject();
+            for (const auto &[key, value] : *entries) {
+                cJSON_AddStringToObject(object, key.c_str(), value.c_str());
+            }
+            cJSON_AddItemToObject(document, name, object);
+        }
+        char *printed = cJSON_PrintUnformatted(document);
+        out.assign(printed, printed + std::strlen(printed));
+        cJSON_free(printed);
+        cJSON_Delete(document);
+    }
+}
+BENCHMARK(PackServiceByHand);
+
+const int PACK_ROW = AddRow(
+    {"`PackServiceData`, 20 properties", "PackService", "the same cJSON calls by hand", "PackServiceByHand", 1.15});
+
+std::string ServiceText()
+{
+    std::vector<uint8_t> bytes;
+    SomeService().PackServiceData(bytes);
+    return {bytes.begin(), bytes.end()};
+}
+
+void ReadService(benchmark::State &state)
+{
+    const std::string text = ServiceText();
+    DHOSTRADeviceServiceJson service;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(service.Unmarshal(text));
+    }
+}
+BENCHMARK(ReadService);
+
+void ReadServiceByHand(benchmark::State &state)
+{
+    const std::string text = ServiceText();
+    for (auto _ : state) {
+        cJSON *document = cJSON_Parse(text.c_str());
+        for (const char *name : {"properties", "status"}) {
+            char *printed = cJSON_PrintUnformatted(cJSON_GetObjectItem(document, name));
+            benchmark::DoNotOptimize(printed);
+            cJSON_free(printed);
+        }
+        cJSON_Delete(document);
+    }
+}
+BENCHMARK(ReadServiceByHand);
+
+const int READ_ROW = AddRow({"`DHOSTRADeviceServiceJson::Unmarshal`, log output off", "ReadService",
+                             "parse, print the two objects, delete", "ReadServiceByHand", 1.3});
+
+void ReadCodecs(benchmark::State &state, int count)
+{
+    std::string capabilities = R"({\"codecs\":[0)";
+    for (int i = 1; i < count; ++i) {
+        capabilities += i % 2 == 0 ? ",0" : ",1";
+    }
+    const std::string properties = R"({"2102":")" + capabilities + R"(]}"})";
+    for (auto _ : state) {
+        DHOSTRAAudioProperties audio;
+        benchmark::DoNotOptimize(audio.Unmarshal(properties));
+    }
+}
+
+void ReadTenThousandCodecs(benchmark::State &state)
+{
+    ReadCodecs(state, 10000);
+}
+BENCHMARK(ReadTenThousandCodecs);
+
+void ReadHundredThousandCodecs(benchmark::State &state)
+{
+    ReadCodecs(state, 100000);
+}
+BENCHMARK(ReadHundredThousandCodecs);
+
+const int CODECS_ROW = AddRow({"`DHOSTRAAudioProperties::Unmarshal`, 100 000 codecs", "ReadHundredThousandCodecs",
+                               "itself, 10 000 codecs", "ReadTenThousandCodecs", 12});
+
+}  // namespace
+}  // namespace OHOS::DistributedHardware::OstraAdapter
