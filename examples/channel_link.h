@@ -12,7 +12,9 @@
 #include <vector>
 
 enum class FrameKind : uint32_t {
-    STREAM = 0,  // a piece of the stream
+    STREAM = 0,   // a piece of the stream
+    DEVICE = 1,   // the source's device document
+    SERVICE = 2,  // its service document
 };
 
 struct LinkCount {

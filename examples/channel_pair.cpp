@@ -31,7 +31,8 @@ void PrintUsage(FILE *out)
         "Usage: channel_pair [--flip FRAME] [FILE]\n"
         "\n"
         "Sends FILE, or 5 s of a generated tone (48 kHz, 16 bits, stereo), from a source process to a sink\n"
-        "process in channel frames of 20 ms, and compares what arrives with the input, byte by byte.\n"
+        "process in channel frames of 20 ms, and compares what arrives with the input, byte by byte. Before\n"
+        "the stream go the source's device document (frame 0) and its service document (frame 1).\n"
         "\n"
         "  --flip FRAME  flip one bit of frame FRAME (counted from 0) on the way, to see it caught\n"
         "  --help        print this text\n"
@@ -155,8 +156,9 @@ bool RunPair(const PairOptions &options, FILE *input, FILE *output)
         return false;
     }
     const Adapter::DHConnectInfo connection = DescribeConnection();
-    const PairLink sourceLink{sockets[0], connection};
-    const PairLink sinkLink{sockets[1], connection};
+    const Offer offer = MakeOffer(connection);
+    const PairLink sourceLink{sockets[0], connection, offer};
+    const PairLink sinkLink{sockets[1], connection, offer};
     const pid_t source = StartSide(sinkLink.socket, [&] { return RunSource(sourceLink, options, input); });
     const pid_t sink = StartSide(sourceLink.socket, [&] { return RunSink(sinkLink, output); });
     close(sockets[0]);
@@ -184,5 +186,8 @@ int main(int argc, char **argv)
     std::rewind(output.get());
     const bool isEqual = HaveEqualContent(input.get(), output.get());
     std::printf("result\n  %s\n", isEqual ? "every byte arrived" : "the stream that arrived DIFFERS from the input");
+    if (!endedWell) {
+        std::puts("  a side FAILED: its log tells why");
+    }
     return endedWell && isEqual ? EXIT_SUCCESS : EXIT_FAILURE;
 }

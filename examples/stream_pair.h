@@ -12,6 +12,7 @@
 #include <string>
 
 #include "dh_utils_tools.h"
+#include "offer.h"
 
 // The stream's format: 48 kHz, 16 bits, stereo, sent in pieces of 20 ms.
 constexpr uint32_t SAMPLE_RATE = 48000;
@@ -28,12 +29,15 @@ struct PairOptions {
 struct PairLink {
     int socket = -1;  // this side's end
     OHOS::DistributedHardware::OstraAdapter::DHConnectInfo connection;
+    Offer offer;
 };
 
-// Reads `input` to its end and sends it piece by piece. Returns true when every piece was sent.
+// Sends the documents of the offer, then reads `input` to its end and sends it piece by piece. Returns true when all of
+// it was sent.
 bool RunSource(const PairLink &link, const PairOptions &options, FILE *input);
 
-// Writes the content of every frame that arrives whole to `output`. Returns true when nothing was broken or lost.
+// Reads the documents, and writes every piece of the stream that arrives whole to `output`. Returns true when nothing
+// was broken or lost and the documents say what the source offered.
 bool RunSink(const PairLink &link, FILE *output);
 
 #endif  // EXAMPLES_STREAM_PAIR_H

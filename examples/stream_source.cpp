@@ -1,23 +1,53 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <string>
 #include <vector>
 
 #include "channel_link.h"
 #include "ostra_adapter_log.h"
+#include "ostra_constants.h"
 #include "stream_pair.h"
 #include "summary.h"
+
+using namespace OHOS::DistributedHardware::OstraAdapter;
+
+namespace {
+
+bool SendOffer(FrameSender &sender, Offer offer)
+{
+    std::string device;
+    std::vector<uint8_t> service;
+    if (offer.device.Marshal(device) != OSTRA_JSON_SUCCESS ||
+        offer.service.PackServiceData(service) != OSTRA_JSON_SUCCESS) {
+        return false;
+    }
+    std::vector<uint8_t> deviceBytes(device.begin(), device.end());
+    return sender.Send(FrameKind::DEVICE, deviceBytes) && sender.Send(FrameKind::SERVICE, service);
+}
+
+bool SendStream(FrameSender &sender, FILE *input)
+{
+    Progress progress;
+    std::vector<uint8_t> piece(PIECE_BYTES);
+    for (;;) {
+        piece.resize(std::fread(piece.data(), 1, PIECE_BYTES, input));
+        if (piece.empty()) {
+            return std::ferror(input) == 0;
+        }
+        if (!sender.Send(FrameKind::STREAM, piece)) {
+            return false;
+        }
+        progress.Show(sender.Count().bytes);
+    }
+}
+
+}  // namespace
 
 bool RunSource(const PairLink &link, const PairOptions &options, FILE *input)
 {
     FrameSender sender(link.socket, options.flippedFrame);
     const Stopwatch watch;
-    Progress progress;
-    bool isSent = true;
-    std::vector<uint8_t> piece(PIECE_BYTES);
-    while (isSent && (piece.resize(std::fread(piece.data(), 1, PIECE_BYTES, input)), !piece.empty())) {
-        isSent = sender.Send(FrameKind::STREAM, piece);
-        progress.Show(sender.Count().bytes);
-    }
+    const bool isSent = SendOffer(sender, link.offer) && SendStream(sender, input);
     if (!isSent) {
         OSTRA_LOGE("sending stopped at frame %llu", static_cast<unsigned long long>(sender.Count().frames));
     }
@@ -25,5 +55,5 @@ bool RunSource(const PairLink &link, const PairOptions &options, FILE *input)
     Summary summary("source");
     AddLinkRows(summary, sender.Count(), link.connection.String(), watch.Seconds());
     summary.Print();
-    return isSent && std::ferror(input) == 0;
+    return isSent;
 }

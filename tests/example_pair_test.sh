@@ -19,12 +19,14 @@ expect() {
     done <<<"$texts"
 }
 
-expect 0 $'frames          250\nbytes           960000\nCRC mismatches  0\nport: 8***\nevery byte arrived'
-expect 1 $'CRC mismatches  1\nframes lost     0\nDIFFERS' --flip 249
+expect 0 $'frames          252\nCRC mismatches  0\nport: 8***\ndesk tablet\nm******e of type *\ncodec bits      5
+profiles        48000,2,16;16000,1,16;\nevery byte arrived'
+expect 1 $'CRC mismatches  1\nframes lost     0\nDIFFERS' --flip 251
+expect 1 $'CRC mismatches  1\ncodec bits      0\nevery byte arrived' --flip 1
 
 head -c 1234567 /dev/urandom >"$folder/random"
-expect 0 $'frames          322\nbytes           1234567\nevery byte arrived' "$folder/random"
-expect 1 'DIFFERS' --flip 0 "$folder/random"
+expect 0 $'frames          324\nevery byte arrived' "$folder/random"
+expect 1 'DIFFERS' --flip 2 "$folder/random"
 : >"$folder/empty"
 expect 0 'every byte arrived' "$folder/empty"
 
