@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Frames for a device-to-device channel: a header value of 1 to 4 bytes, followed by the content, and a CRC-16 over any
-// byte range.
+// Frames for a device-to-device channel: a header value of 1 to 4 bytes, followed by the content. Beside them a CRC-16
+// over any byte range; a frame does not hold it, the services carry it as they agree.
 //
 //     ChannelProtocol out;                                  ChannelProtocol in;
 //     out.Create(headerValue, size);                        in.CreateFromBuffer(bytes, length);
@@ -28,7 +28,8 @@ struct UnPackagedEA {
 };
 
 // One frame in a buffer of its own; cannot be copied or assigned. Create and CreateFromBuffer are meant to be called
-// once per object: a buffer that it already holds is replaced, not released.
+// once per object: a buffer that it already holds is replaced, not released. The members are open to be looked at; the
+// operations keep them.
 class ChannelProtocol {
 public:
     ChannelProtocol() = default;
@@ -49,10 +50,10 @@ public:
     // Takes a copy of a received frame. Returns false for a null buffer, a size below 1, or when memory runs out.
     OSTRA_EXPORT bool CreateFromBuffer(unsigned char *buffer, int size);
 
-    // Copies `length` bytes of content to offset_, after Create the place just behind the header; every call writes at
-    // that same place. Returns false for null data, a length below 1, when there is no buffer, or when the content
-    // does not fit: the frame then stays as it was. Returns false also when data overlaps that place, which leaves the
-    // content undefined.
+    // Copies `length` bytes of content to offset_, which it does not move: after Create the place just behind the
+    // header (after CreateFromBuffer it is the header itself, and ReadEA moves it). Returns false for null data, a
+    // length below 1, when there is no buffer, or when the content does not fit: the frame then stays as it was.
+    // Returns false also when data overlaps that place, which leaves the content undefined.
     OSTRA_EXPORT bool WriteContent(unsigned char *data, int length) const;
 
     // Decodes the header value at `offset` (0 and up) and moves offset_ just behind it. Reads up to the first byte that
@@ -68,8 +69,9 @@ public:
     // gives 0xBB3D. A length below 1 or null data gives 0. Each call logs the masked result at info level.
     OSTRA_EXPORT uint32_t GetCrc(unsigned char *data, int length) const;
 
-    // The whole frame and its size in bytes; null and 0 before one is created. The object keeps the buffer. When
-    // creating a further frame fails, the buffer is null and the size still that of the earlier one.
+    // The whole frame and its size in bytes; null and 0 before one is created. The object keeps the buffer.
+    // Where a further Create or CreateFromBuffer runs out of memory or cannot copy, the buffer is null and the size
+    // still that of the earlier frame; refused arguments change nothing.
     OSTRA_EXPORT unsigned char *GetBuffer() const;
     OSTRA_EXPORT int32_t GetBufferSize() const;
 

@@ -47,7 +47,8 @@ struct DHData {
 
     // Moves the range to `size` bytes from `offset`. Returns 0, or -1 when offset, or offset + size, lies beyond the
     // capacity; the range then stays as it was. An empty range at the very end is valid. The sum of the two arguments
-    // is taken modulo the width of size_t: callers keep it from wrapping around.
+    // is taken modulo the width of size_t: one that wraps around to within the capacity is accepted, so callers keep
+    // it from wrapping.
     OSTRA_EXPORT int32_t SetRange(size_t offset, size_t size);
 
     uint64_t capacity_ = 0;
@@ -59,7 +60,8 @@ struct DHData {
 // One connection from a source device to a sink device. Its identity is the five addresses and the port; extraInfo,
 // extraData and extraParam are carried along and take no part in printing, equality or ordering.
 struct DHConnectInfo {
-    // One line for logs, every identifying field masked with GetAnonyString or GetAnonyInt32.
+    // One line for logs, every identifying field masked with GetAnonyString or GetAnonyInt32. Its first label is
+    // spelled "sourceNetworId: "; log readers know it so.
     OSTRA_EXPORT std::string String() const;
 
     // True when the five addresses and the port are equal.

@@ -68,28 +68,33 @@ __attribute__((format(printf, 1, 2))) inline void CheckLogMessage(const char * /
 {
 }
 
-// DHLog without the format check, which would refuse the composed text for not being a literal.
-inline constexpr void (*LOG_COMPOSED)(DHLogLevel, const char *, ...) = DHLog;
+// Hands a composed text to DHLog through a pointer without the format check, which refuses what is no literal.
+// `message` is only there because macros cannot drop it from their arguments.
+template <typename... Arguments>
+inline void LogComposed(DHLogLevel level, const char *text, const char * /* message */, Arguments... arguments)
+{
+    constexpr void (*log)(DHLogLevel, const char *, ...) = DHLog;
+    log(level, text, arguments...);
+}
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 
-#define OSTRA_LOG(level, message, ...)                                                                      \
-    do {                                                                                                    \
-        static constexpr auto ostraLogText_ =                                                               \
-            ::OHOS::DistributedHardware::OstraAdapter::ComposeLogText(__func__, message);                   \
-        if (false) {                                                                                        \
-            ::OHOS::DistributedHardware::OstraAdapter::CheckLogMessage(message, ##__VA_ARGS__);             \
-        }                                                                                                   \
-        ::OHOS::DistributedHardware::OstraAdapter::LOG_COMPOSED(level, ostraLogText_.chars, ##__VA_ARGS__); \
+#define OSTRA_LOG_FIRST(first, ...) first
+
+// The arguments behind the level are the message and what its conversions take.
+#define OSTRA_LOG(level, ...)                                                                                     \
+    do {                                                                                                          \
+        static constexpr auto ostraLogText_ =                                                                     \
+            ::OHOS::DistributedHardware::OstraAdapter::ComposeLogText(__func__, OSTRA_LOG_FIRST(__VA_ARGS__, 0)); \
+        if (false) {                                                                                              \
+            ::OHOS::DistributedHardware::OstraAdapter::CheckLogMessage(__VA_ARGS__);                              \
+        }                                                                                                         \
+        ::OHOS::DistributedHardware::OstraAdapter::LogComposed(level, ostraLogText_.chars, __VA_ARGS__);          \
     } while (false)
 
-#define OSTRA_LOGD(message, ...) \
-    OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_DEBUG, message, ##__VA_ARGS__)
-#define OSTRA_LOGI(message, ...) \
-    OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_INFO, message, ##__VA_ARGS__)
-#define OSTRA_LOGW(message, ...) \
-    OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_WARN, message, ##__VA_ARGS__)
-#define OSTRA_LOGE(message, ...) \
-    OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_ERROR, message, ##__VA_ARGS__)
+#define OSTRA_LOGD(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_DEBUG, __VA_ARGS__)
+#define OSTRA_LOGI(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_INFO, __VA_ARGS__)
+#define OSTRA_LOGW(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_WARN, __VA_ARGS__)
+#define OSTRA_LOGE(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_ERROR, __VA_ARGS__)
 
 #endif  // OSTRA_ADAPTER_LOG_H

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Constants that the library and the hosting services share. Each is one immutable object per program, built when
-// the program or library that uses it is loaded and released when it is unloaded; reading them is safe from any thread
-// in between.
+// Constants that the library and the hosting services share. Each text is one immutable object per program or
+// library that uses it, built when that is loaded and released when it is unloaded; reading them is safe from any
+// thread in between.
 
 #ifndef OSTRA_CONSTANTS_H
 #define OSTRA_CONSTANTS_H
@@ -12,7 +12,7 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// Package name under which the adapter presents itself to the platform's services.
+// Package name under which the adapter presents itself to the platform's services, spelled as it is registered.
 inline const std::string OSTRA_PKG_NAME = "ohos.dhardware.osatraadapter";
 // Permission name of the distributed hardware framework.
 inline const std::u16string DH_ACCESS_TOKEN_PERMISSION = u"ohos.distributedhardware.accessToken";

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -113,16 +114,16 @@ bool ChannelProtocol::Create(int eaValue, int contentSize)
         return false;
     }
     const int size = contentSize + eaLength;
-    protocolBuffer_ = new (std::nothrow) unsigned char[static_cast<size_t>(size)];
-    if (protocolBuffer_ == nullptr) {
+    protocolBuffer_ = nullptr;
+    std::unique_ptr<unsigned char[]> frame(new (std::nothrow) unsigned char[static_cast<size_t>(size)]);
+    if (frame == nullptr) {
         return false;
     }
-    if (memcpy_s(protocolBuffer_, static_cast<size_t>(size), ea.data(), static_cast<size_t>(eaLength)) != 0) {
+    if (memcpy_s(frame.get(), static_cast<size_t>(size), ea.data(), static_cast<size_t>(eaLength)) != 0) {
         OSTRA_LOGE("ChannelProtocol::Create: memcpy failed.");
-        delete[] protocolBuffer_;
-        protocolBuffer_ = nullptr;
         return false;
     }
+    protocolBuffer_ = frame.release();
     bufferSize_ = size;
     offset_ = eaLength;
     return true;
@@ -135,17 +136,17 @@ bool ChannelProtocol::CreateFromBuffer(unsigned char *buffer, int size)
         return false;
     }
     const size_t length = static_cast<size_t>(size);
-    protocolBuffer_ = new (std::nothrow) unsigned char[length];
-    if (protocolBuffer_ == nullptr) {
+    protocolBuffer_ = nullptr;
+    std::unique_ptr<unsigned char[]> frame(new (std::nothrow) unsigned char[length]);
+    if (frame == nullptr) {
         OSTRA_LOGE("ChannelProtocol::CreateFromBuffer: new protocolBuffer failed.");
         return false;
     }
-    if (memcpy_s(protocolBuffer_, length, buffer, length) != 0) {
+    if (memcpy_s(frame.get(), length, buffer, length) != 0) {
         OSTRA_LOGE("ChannelProtocol::CreateFromBuffer: memcpy failed.");
-        delete[] protocolBuffer_;
-        protocolBuffer_ = nullptr;
         return false;
     }
+    protocolBuffer_ = frame.release();
     bufferSize_ = size;
     offset_ = 0;
     return true;
