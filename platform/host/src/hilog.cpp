@@ -97,8 +97,6 @@ struct Conversion {
     char type = '\0';
 };
 
-void FormatValue(MessageBuffer &message, const Conversion &conversion, va_list &arguments);
-
 // Reads the conversion behind the percent sign at `cursor` and moves the cursor behind it. Takes the arguments of
 // starred widths and precisions. Returns false when the text is no conversion.
 bool ReadConversion(const char *&cursor, Conversion &conversion, va_list &arguments)
@@ -135,7 +133,7 @@ bool ReadConversion(const char *&cursor, Conversion &conversion, va_list &argume
         ++position;
     }
     const char *lengthBegin = position;
-    while (*position != '\0' && std::strchr("hlLqjzt", *position) != nullptr) {
+    while (*position != '\0' && std::strchr("hlz", *position) != nullptr) {
         ++position;
     }
     conversion.length = std::string_view(lengthBegin, static_cast<size_t>(position - lengthBegin));
@@ -161,16 +159,12 @@ void FormatTyped(MessageBuffer &message, const Conversion &conversion, Value val
 
 void FormatInteger(MessageBuffer &message, const Conversion &conversion, va_list &arguments)
 {
-    if (conversion.length == "ll" || conversion.length == "q") {
+    if (conversion.length == "ll") {
         FormatTyped(message, conversion, va_arg(arguments, long long));
     } else if (conversion.length == "l") {
         FormatTyped(message, conversion, va_arg(arguments, long));
-    } else if (conversion.length == "j") {
-        FormatTyped(message, conversion, va_arg(arguments, intmax_t));
     } else if (conversion.length == "z") {
         FormatTyped(message, conversion, va_arg(arguments, size_t));
-    } else if (conversion.length == "t") {
-        FormatTyped(message, conversion, va_arg(arguments, ptrdiff_t));
     } else {
         FormatTyped(message, conversion, va_arg(arguments, int));
     }
@@ -195,11 +189,7 @@ void FormatValue(MessageBuffer &message, const Conversion &conversion, va_list &
         case 'G':
         case 'a':
         case 'A':
-            if (conversion.length == "L") {
-                FormatTyped(message, conversion, va_arg(arguments, long double));
-            } else {
-                FormatTyped(message, conversion, va_arg(arguments, double));
-            }
+            FormatTyped(message, conversion, va_arg(arguments, double));
             break;
         default:
             FormatInteger(message, conversion, arguments);
@@ -268,7 +258,8 @@ int WriteLine(LogType type, LogLevel level, unsigned int domain, const char *tag
 
 bool HiLogIsLoggable(unsigned int /* domain */, const char * /* tag */, LogLevel level)
 {
-    return level >= LowestLevelWritten();
+    const int lowest = LowestLevelWritten();
+    return lowest != LEVEL_OFF && level >= lowest;
 }
 
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, ...)

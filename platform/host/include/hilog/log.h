@@ -30,15 +30,17 @@ typedef enum LogLevel {
 } LogLevel;
 
 // Formats and writes one message. A conversion marked {public} prints in the clear, as in "%{public}s"; an unmarked one
-// or one marked {private} prints "<private>". A message holds at most 4095 bytes and is cut there. Returns the bytes
+// or one marked {private} prints "<private>"; length modifiers are h, hh, l, ll and z, and what is no conversion is
+// copied as it stands. A message holds at most 4095 bytes and is cut there. Returns the bytes
 // written to standard error, 0 when the level is not written there, -1 on failure.
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, ...);
 
 // True when a message of this level is written to standard error.
 bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level);
 
-// Receives every message of the process, formatted, whatever level is written. The callback may run on any thread. Null
-// stops it. The output goes on regardless.
+// Receives every message of the process, formatted, whatever level is written; the output goes on regardless. The
+// callback runs in the thread that logs, on several at once; its texts are valid during the call only, and it must not
+// log itself. Null stops it; a call that another thread has begun may still be running then.
 typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsigned int domain, const char *tag,
                             const char *msg);
 void LOG_SetCallback(LogCallback callback);
