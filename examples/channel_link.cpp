@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -109,7 +110,7 @@ ReceiveResult FrameReceiver::Receive(ReceivedFrame &frame)
     UnPackagedEA header;
     parsed.ReadEA(header, 0);
     const uint32_t sequence = header.value >> KIND_BITS;
-    count_.lost += (sequence - nextSequence_) & SEQUENCE_MASK;
+    count_.gaps += (sequence - nextSequence_) & SEQUENCE_MASK;
     nextSequence_ = sequence + 1;
     frame.kind = static_cast<FrameKind>(header.value & KIND_MASK);
     frame.content.assign(parsed.GetBuffer() + header.offset, parsed.GetBuffer() + parsed.GetBufferSize());

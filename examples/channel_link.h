@@ -21,7 +21,7 @@ struct LinkCount {
     uint64_t frames = 0;
     uint64_t bytes = 0;  // of content
     uint64_t crcMismatches = 0;
-    uint64_t lost = 0;
+    uint64_t gaps = 0;  // in the sequence numbers, in frames
 };
 
 class FrameSender {
@@ -48,7 +48,7 @@ struct ReceivedFrame {
 
 enum class ReceiveResult {
     FRAME,   // a frame whose CRC is right
-    BROKEN,  // a message that is no frame, or whose CRC is wrong; counted and dropped
+    BROKEN,  // a message that is no frame, or whose CRC is wrong; dropped
     END,     // the other side has closed the link
     FAILED,  // the socket failed
 };

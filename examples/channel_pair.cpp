@@ -7,7 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -54,6 +53,11 @@ struct Call {
     std::string inputPath;  // empty for the tone
 };
 
+bool IsFrameNumber(const std::string &text)
+{
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
 // Returns the exit status when the program is to end at once.
 std::optional<int> ReadArguments(const std::vector<std::string> &arguments, Call &call)
 {
@@ -63,11 +67,10 @@ std::optional<int> ReadArguments(const std::vector<std::string> &arguments, Call
             PrintUsage(stdout);
             return EXIT_SUCCESS;
         }
-        const bool isFrameNumber =
-            argument == "--flip" && i + 1 < arguments.size() && Adapter::CheckIsNum(arguments[i + 1]);
+        const bool isFrameNumber = argument == "--flip" && i + 1 < arguments.size() && IsFrameNumber(arguments[i + 1]);
         if (isFrameNumber) {
             call.options.flippedFrame = std::strtoull(arguments[++i].c_str(), nullptr, 10);
-        } else if (argument.rfind("--", 0) == 0 || !call.inputPath.empty()) {
+        } else if (argument.empty() || argument.rfind("--", 0) == 0 || !call.inputPath.empty()) {
             PrintUsage(stderr);
             return EXIT_USAGE;
         } else {

@@ -84,8 +84,8 @@ bool RunSink(const PairLink &link, FILE *output)
 
     Summary summary("sink");
     AddLinkRows(summary, receiver.Count(), link.connection.String(), watch.Seconds());
-    summary.Row("frames lost", receiver.Count().lost);
+    summary.Row("sequence gaps", receiver.Count().gaps);
     reception.AddRows(summary);
     summary.Print();
-    return isWhole && result == ReceiveResult::END && receiver.Count().lost == 0;
+    return isWhole && result == ReceiveResult::END && receiver.Count().gaps == 0;
 }

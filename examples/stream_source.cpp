@@ -48,12 +48,18 @@ bool RunSource(const PairLink &link, const PairOptions &options, FILE *input)
     FrameSender sender(link.socket, options.flippedFrame);
     const Stopwatch watch;
     const bool isSent = SendOffer(sender, link.offer) && SendStream(sender, input);
+    const uint64_t frames = sender.Count().frames;
     if (!isSent) {
-        OSTRA_LOGE("sending stopped at frame %llu", static_cast<unsigned long long>(sender.Count().frames));
+        OSTRA_LOGE("sending stopped at frame %llu", static_cast<unsigned long long>(frames));
+    }
+    const bool isFlipped = !options.flippedFrame || *options.flippedFrame < frames;
+    if (!isFlipped) {
+        OSTRA_LOGE("frame %llu was to get a flipped bit, but was never sent",
+                   static_cast<unsigned long long>(*options.flippedFrame));
     }
 
     Summary summary("source");
     AddLinkRows(summary, sender.Count(), link.connection.String(), watch.Seconds());
     summary.Print();
-    return isSent;
+    return isSent && isFlipped;
 }
