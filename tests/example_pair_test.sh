@@ -21,7 +21,7 @@ expect() {
 
 expect 0 $'frames          252\nCRC mismatches  0\nport: 8***\ndesk tablet\nm******e of type *\ncodec bits      5
 profiles        48000,2,16;16000,1,16;\nevery byte arrived'
-expect 1 $'CRC mismatches  1\nframes lost     0\nDIFFERS' --flip 251
+expect 1 $'CRC mismatches  1\nsequence gaps   0\nDIFFERS' --flip 251
 expect 1 $'CRC mismatches  1\ncodec bits      0\nevery byte arrived' --flip 1
 
 head -c 1234567 /dev/urandom >"$folder/random"
@@ -33,6 +33,8 @@ expect 0 'every byte arrived' "$folder/empty"
 expect 1 'No such file' "$folder/missing"
 expect 1 'DIFFERS' "$folder"
 expect 2 'Usage' --nonsense
-expect 2 'Usage' --flip seven
+expect 2 'Usage' --flip -1
+expect 2 'Usage' ''
+expect 1 'a side FAILED' --flip 252
 expect 0 'Usage' --help
 echo "the pair behaves"

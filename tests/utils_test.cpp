@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <regex>
 #include <set>
 
@@ -48,7 +47,6 @@ int32_t GetLocalNodeDeviceInfo(const char *package, NodeBasicInfo *info)
     g_softBusRecordIsZero =
         std::all_of(std::begin(info->networkId), std::end(info->networkId), [](char c) { return c == 0; });
     std::fill(std::begin(info->networkId), std::end(info->networkId), 'a');
-    info->networkId[NETWORK_ID_BUF_LEN - 1] = '\0';
     return g_softBusResult;
 }
 
@@ -97,6 +95,13 @@ TEST(Utils, MakesRandomIdentifiers)
         }
     }
     EXPECT_EQ(seen.size(), count);
+    for (size_t left = 0; left < 32; ++left) {
+        for (size_t right = left + 1; right < 32; ++right) {
+            EXPECT_TRUE(
+                std::any_of(seen.begin(), seen.end(), [&](const std::string &id) { return id[left] != id[right]; }))
+                << "digits " << left << " and " << right << " are always equal";
+        }
+    }
     for (size_t position = 0; position < digits.size(); ++position) {
         const size_t expected = position == 12 ? 1 : position == 16 ? 4 : 16;
         EXPECT_EQ(digits[position].size(), expected) << "digit " << position;
@@ -114,7 +119,7 @@ TEST(Utils, AsksTheSoftBusForTheNetworkId)
 
     g_softBusResult = 0;
     EXPECT_EQ(GetLocalDeviceNetworkId(networkId), 0);
-    EXPECT_EQ(networkId, std::string(64, 'a'));
+    EXPECT_EQ(networkId, std::string(65, 'a'));  // no further than its field, even without an end
     EXPECT_EQ(g_softBusPackage, "ohos.dhardware.osatraadapter");
     EXPECT_TRUE(g_softBusRecordIsZero);
     EXPECT_TRUE(log.Take().empty());
@@ -150,31 +155,25 @@ TEST(Utils, WritesBigEndianBytes)
     EXPECT_EQ(std::vector<int>(bytes, bytes + 8), (std::vector<int>{0x12, 0xF4, 0x56, 0xF8, 9, 9, 9, 9}));
 }
 
-// Texts built from fragments that matter to the pattern, and all texts of one byte.
 TEST(Utils, AcceptsExactlyTheNumbersOfThePattern)
 {
     const std::regex pattern(NUMBER_PATTERN);
-    int accepted = 0;
-    const auto check = [&](const std::string &text) {
-        const bool expected = std::regex_match(text, pattern);
-        accepted += expected ? 1 : 0;
-        ASSERT_EQ(CheckIsNum(text), expected) << ::testing::PrintToString(text);
-    };
+    std::vector<std::string> texts = {"+",  "-",   "+-1", "--1", "1-",  "1.5", " 1",
+                                      "1 ", "0x1", "\n1", "1\n", "007", "-0",  "+7"};
     for (int byte = 0; byte < 256; ++byte) {
-        check(std::string(1, static_cast<char>(byte)));
-        check("1" + std::string(1, static_cast<char>(byte)));
-        check(std::string(1, static_cast<char>(byte)) + "1");
-    }
-    const std::string fragments[] = {"+", "-", "0", "9", "47", " ", ".", "a", "\n", std::string(1, '\0'), "/", ":"};
-    std::mt19937 random(2);
-    for (int i = 0; i < 20000; ++i) {
-        std::string text = fragments[random() % 4];
-        for (auto parts = random() % 6; parts > 0; --parts) {
-            text += fragments[random() % 16 < 14 ? 2 + random() % 3 : random() % std::size(fragments)];
+        const std::string character(1, static_cast<char>(byte));
+        for (const char *rest : {"", "1", "42"}) {
+            texts.insert(texts.end(),
+                         {character + rest, rest + character, "-" + character + rest, "1" + character + rest});
         }
-        check(text);
     }
-    EXPECT_GT(accepted, 5000);
+    size_t accepted = 0;
+    for (const std::string &text : texts) {
+        const bool isNumber = !text.empty() && std::regex_match(text, pattern);
+        accepted += isNumber ? 1 : 0;
+        EXPECT_EQ(CheckIsNum(text), isNumber) << ::testing::PrintToString(text);
+    }
+    EXPECT_GT(accepted, 100U);
 }
 
 TEST(Utils, RefusesNumbersOfUnusualLength)
@@ -238,8 +237,7 @@ TEST(Constants, HaveTheirPublishedTexts)
     const struct {
         std::string constant;
         const char *expected;
-    } table[] = {{OSTRA_PKG_NAME, "ohos.dhardware.osatraadapter"},
-                 {DH_SUCCESS_TEXT, "DH_SUCCESS"},
+    } table[] = {{DH_SUCCESS_TEXT, "DH_SUCCESS"},
                  {DH_FAILED_TEXT, "DH_FAILED"},
                  {OSTRA_ADAPTER_INIT_TEXT, "OSTRA_ADAPTER_INIT"},
                  {SEPARATOR, "#"},
