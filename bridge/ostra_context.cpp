@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ostra_context.h"
+
+#include "json_object.h"
+#include "ostra_adapter_log.h"
+#include "ostra_constants.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+constexpr DHTopic NOTIFICATION_TOPIC = static_cast<DHTopic>(8);
+
+}  // namespace
+
+OstraContext &OstraContext::GetInstance()
+{
+    static auto *const instance = new OstraContext();  // leaks on purpose: other exit-time code may still use it
+    return *instance;
+}
+
+OstraContext::OstraContext() : dhFwkKit_(std::make_shared<DistributedHardwareFwkKit>())
+{
+}
+
+void OstraContext::AddWaitNotify(const std::string &devId, const std::string &event)
+{
+    const std::lock_guard<std::mutex> lock(waitNotifyMutex_);
+    waitNotifyMap_[devId] = event;
+}
+
+void OstraContext::PublishMessage()
+{
+    const std::lock_guard<std::mutex> lock(waitNotifyMutex_);
+    OSTRA_LOGI("Source device PublishMessage, waitNotify num %zu", waitNotifyMap_.size());
+    std::string message;
+    for (const auto &[devId, event] : waitNotifyMap_) {
+        JsonObject notification;
+        notification.AddString(DEV_ID_KEY.c_str(), devId);
+        notification.AddString(ISOMERISM_EVENT.c_str(), event);
+        if (notification.IsNull()) {
+            OSTRA_LOGE("PublishMessage, cJSON jsonObj is nullptr");
+            return;
+        }
+        const JsonText text = notification.PrintUnformatted();
+        if (text == nullptr) {
+            OSTRA_LOGE("PublishMessage, cJSON_PrintUnformatted failed");
+            return;
+        }
+        if (dhFwkKit_ == nullptr) {
+            OSTRA_LOGE("PublishMessage FwkKit is nullptr");
+            return;
+        }
+        OSTRA_LOGI("PublishMessage.");
+        message = text.get();
+        dhFwkKit_->PublishMessage(NOTIFICATION_TOPIC, message);
+    }
+    waitNotifyMap_.clear();
+}
+
+std::shared_ptr<DistributedHardwareFwkKit> OstraContext::GetDHFwkKit()
+{
+    return dhFwkKit_;
+}
+
+}  // namespace OHOS::DistributedHardware::OstraAdapter
