@@ -29,8 +29,8 @@ struct FreeJsonText {
 };
 using JsonText = std::unique_ptr<char, FreeJsonText>;
 
-// A JSON object under construction. When memory runs out it becomes null, so that it is either whole or not there at
-// all; adding to a null object does nothing.
+// A JSON object under construction. It refers to the keys and texts that it is given: all must outlive it. When memory
+// runs out it becomes null, so that it is either whole or not there at all; adding to a null object does nothing.
 class JsonObject {
 public:
     JsonObject() : tree_(cJSON_CreateObject())
@@ -42,10 +42,17 @@ public:
         return tree_ == nullptr;
     }
 
-    void AddString(const char *key, const std::string &value)
+    void AddString(const char *key, const char *text)
     {
-        Add(key, JsonTree(cJSON_CreateString(value.c_str())));
+        Add(key, JsonTree(cJSON_CreateStringReference(text)));
     }
+
+    void AddString(const char *key, const std::string &text)
+    {
+        AddString(key, text.c_str());
+    }
+
+    void AddString(const char *key, std::string &&text) = delete;  // would not outlive the object
 
     void AddNumber(const char *key, double value)
     {
@@ -67,7 +74,7 @@ public:
         if (IsNull()) {
             return;
         }
-        if (item == nullptr || cJSON_AddItemToObject(tree_.get(), key, item.get()) == 0) {
+        if (item == nullptr || cJSON_AddItemToObjectCS(tree_.get(), key, item.get()) == 0) {
             tree_.reset();
             return;
         }

@@ -2,8 +2,6 @@
 
 #include "dh_device_json.h"
 
-#include <map>
-
 #include "json_object.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
@@ -13,7 +11,12 @@ namespace {
 
 constexpr int32_t NEWER_VERSION = 2;
 constexpr int32_t BASE_VERSION = 1;
-constexpr int32_t SERVICE_TYPES[] = {1, 2, 4, 256, 512};
+
+struct ServiceType {
+    int32_t type;
+    const char *key;
+};
+constexpr ServiceType SERVICE_TYPES[] = {{1, "1"}, {2, "2"}, {4, "4"}, {256, "256"}, {512, "512"}};
 constexpr char SUPPORTED_VERSIONS_KEY[] = "2016";
 
 }  // namespace
@@ -36,8 +39,8 @@ int32_t DHOSTRADeviceJson::GetVersionByService(int32_t service) const
 int32_t DHOSTRADeviceJson::AddProperties()
 {
     JsonObject versionMapRoot;
-    for (int32_t service : SERVICE_TYPES) {
-        versionMapRoot.AddNumber(std::to_string(service).c_str(), GetVersionByService(service));
+    for (const ServiceType &service : SERVICE_TYPES) {
+        versionMapRoot.AddNumber(service.key, GetVersionByService(service.type));
     }
     const JsonText versionMap = versionMapRoot.Print();
     if (versionMap == nullptr) {
@@ -80,7 +83,7 @@ int32_t DHOSTRADeviceJson::Marshal(std::string &out)
         JsonTree properties(cJSON_Parse(properties_.c_str()));
         if (properties == nullptr) {
             OSTRA_LOGE("cJSON_Parse failed");
-            properties.reset(cJSON_CreateString(properties_.c_str()));
+            properties.reset(cJSON_CreateStringReference(properties_.c_str()));
         }
         document.Add("properties", std::move(properties));
     }
