@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace OHOS::DistributedHardware {
@@ -13,9 +15,10 @@ namespace {
 
 using Listeners = std::vector<sptr<IPublisherListener>>;
 
+// A list is replaced, never changed, so that a publisher can go through the one it took without the lock.
 struct Registry {
     std::mutex mutex;
-    std::map<DHTopic, Listeners> listeners;
+    std::map<DHTopic, std::shared_ptr<const Listeners>> listeners;
 };
 
 Registry &ProcessRegistry()
@@ -36,11 +39,13 @@ int32_t DistributedHardwareFwkKit::RegisterPublisherListener(const DHTopic topic
     }
     Registry &registry = ProcessRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
-    Listeners &listeners = registry.listeners[topic];
+    std::shared_ptr<const Listeners> &current = registry.listeners[topic];
+    Listeners listeners = current == nullptr ? Listeners() : *current;
     if (std::find(listeners.begin(), listeners.end(), listener) != listeners.end()) {
         return -1;
     }
-    listeners.push_back(listener);
+    listeners.push_back(std::move(listener));
+    current = std::make_shared<const Listeners>(std::move(listeners));
     return 0;
 }
 
@@ -48,12 +53,14 @@ int32_t DistributedHardwareFwkKit::UnregisterPublisherListener(const DHTopic top
 {
     Registry &registry = ProcessRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
-    Listeners &listeners = registry.listeners[topic];
+    std::shared_ptr<const Listeners> &current = registry.listeners[topic];
+    Listeners listeners = current == nullptr ? Listeners() : *current;
     const auto position = std::find(listeners.begin(), listeners.end(), listener);
     if (position == listeners.end()) {
         return -1;
     }
     listeners.erase(position);
+    current = std::make_shared<const Listeners>(std::move(listeners));
     return 0;
 }
 
@@ -62,14 +69,17 @@ int32_t DistributedHardwareFwkKit::PublishMessage(const DHTopic topic, const std
     if (topic == DHTopic::TOPIC_MIN) {
         return -1;
     }
-    Listeners listeners;
+    std::shared_ptr<const Listeners> listeners;
     {
         Registry &registry = ProcessRegistry();
         const std::lock_guard<std::mutex> lock(registry.mutex);
         listeners = registry.listeners[topic];
     }
+    if (listeners == nullptr) {
+        return 0;
+    }
     // Called without the lock: a listener may register, unregister or publish itself.
-    for (const sptr<IPublisherListener> &listener : listeners) {
+    for (const sptr<IPublisherListener> &listener : *listeners) {
         listener->OnMessage(topic, message);
     }
     return 0;
