@@ -163,8 +163,7 @@ TEST(ServiceDocument, EachFailedAllocationIsReportedAndLosesNothing)
     const auto line = [](const std::string &what) {
         return ErrorLine("PackServiceData", "OSTRADeviceService PackServiceData failed, cJSON " + what + " is nullptr");
     };
-    EXPECT_EQ(outcomes, (LogLines{line("jsonObject"), line("jsonProperties"), line("jsonObject"), line("jsonStatus"),
-                                  line("jsonObject")}));
+    EXPECT_EQ(outcomes, (LogLines{line("jsonObject"), line("jsonProperties"), line("jsonStatus"), line("jsonObject")}));
 }
 
 TEST(ServiceDocument, TakesOnlyMembersOfTheRightType)

@@ -19,14 +19,18 @@ expect() {
     done <<<"$texts"
 }
 
-expect 0 $'frames          252\nCRC mismatches  0\nport: 8***\ndesk tablet\nm******e of type *\ncodec bits      5
-profiles        48000,2,16;16000,1,16;\nevery byte arrived'
-expect 1 $'CRC mismatches  1\nsequence gaps   0\nDIFFERS' --flip 251
+expect 0 $'frames          253\nCRC mismatches  0\nport: 8***\ndesk tablet\nm******e of type *\ncodec bits      5
+profiles        48000,2,16;16000,1,16;
+settings        48000 Hz, 2 channels, pieces of 20 ms
+"isomerism_event":"isomerism_connect"}
+"isomerism_event":"isomerism_disconnect"}
+reset: 0\nevery byte arrived'
+expect 1 $'CRC mismatches  1\nsequence gaps   0\nDIFFERS' --flip 252
 expect 1 $'CRC mismatches  1\ncodec bits      0\nevery byte arrived' --flip 1
 
 head -c 1234567 /dev/urandom >"$folder/random"
-expect 0 $'frames          324\nevery byte arrived' "$folder/random"
-expect 1 'DIFFERS' --flip 2 "$folder/random"
+expect 0 $'frames          325\nevery byte arrived' "$folder/random"
+expect 1 'DIFFERS' --flip 3 "$folder/random"
 : >"$folder/empty"
 expect 0 'every byte arrived' "$folder/empty"
 
@@ -35,6 +39,6 @@ expect 1 'DIFFERS' "$folder"
 expect 2 'Usage' --nonsense
 expect 2 'Usage' --flip -1
 expect 2 'Usage' ''
-expect 1 'a side FAILED' --flip 252
+expect 1 'a side FAILED' --flip 253
 expect 0 'Usage' --help
 echo "the pair behaves"

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ostra_context.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <map>
+#include <thread>
+#include <vector>
+
+#include "ostra_constants.h"
+#include "support/json_fault.h"
+#include "support/log_recorder.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+constexpr DHTopic TOPIC = static_cast<DHTopic>(8);
+
+using Messages = std::vector<std::string>;
+
+// Collects what is published on the topic while it lives; the context calls under its lock, so this needs none.
+class Subscription {
+public:
+    Subscription() : listener_(new Listener())
+    {
+        EXPECT_EQ(OstraContext::GetInstance().GetDHFwkKit()->RegisterPublisherListener(TOPIC, listener_), 0);
+    }
+
+    ~Subscription()
+    {
+        DistributedHardwareFwkKit().UnregisterPublisherListener(TOPIC, listener_);
+    }
+
+    Subscription(const Subscription &) = delete;
+    Subscription &operator=(const Subscription &) = delete;
+
+    Messages Take()
+    {
+        Messages taken;
+        taken.swap(listener_->messages);
+        return taken;
+    }
+
+private:
+    struct Listener : IPublisherListener {
+        void OnMessage(const DHTopic topic, const std::string &message) override
+        {
+            EXPECT_EQ(topic, TOPIC);
+            messages.push_back(message);
+        }
+
+        Messages messages;
+    };
+
+    std::shared_ptr<Listener> listener_;
+};
+
+LogLine Counted(int count)
+{
+    return InfoLine("PublishMessage", "Source device PublishMessage, waitNotify num " + std::to_string(count));
+}
+
+const LogLine PUBLISHED = InfoLine("PublishMessage", "PublishMessage.");
+
+TEST(Context, PublishesTheLastEventOfEachDeviceInOrder)
+{
+    OstraContext &context = OstraContext::GetInstance();
+    EXPECT_EQ(&context, &OstraContext::GetInstance());
+    Subscription subscription;
+    LogRecorder log;
+    context.AddWaitNotify("B", ISOMERISM_CONNECT);
+    context.AddWaitNotify("\xE9", "");
+    context.AddWaitNotify("A\"\\\n\x01", "e\"");
+    context.AddWaitNotify("B", ISOMERISM_DISCONNECT);
+    context.AddWaitNotify("", ISOMERISM_CONNECT);
+    EXPECT_TRUE(log.Take().empty());
+    context.PublishMessage();
+    EXPECT_EQ(subscription.Take(), (Messages{R"({"dev_id":"","isomerism_event":"isomerism_connect"})",
+                                             R"({"dev_id":"A\"\\\n\u0001","isomerism_event":"e\""})",
+                                             R"({"dev_id":"B","isomerism_event":"isomerism_disconnect"})",
+                                             "{\"dev_id\":\"\xE9\",\"isomerism_event\":\"\"}"}));
+    EXPECT_EQ(log.Take(), (LogLines{Counted(4), PUBLISHED, PUBLISHED, PUBLISHED, PUBLISHED}));
+    context.PublishMessage();
+    EXPECT_TRUE(subscription.Take().empty());
+    EXPECT_EQ(log.Take(), (LogLines{Counted(0)}));
+}
+
+TEST(Context, FailedAllocationKeepsTheWholeQueue)
+{
+    OstraContext &context = OstraContext::GetInstance();
+    Subscription subscription;
+    LogRecorder log;
+    const Messages all = {R"({"dev_id":"A","isomerism_event":"1"})", R"({"dev_id":"B","isomerism_event":"2"})"};
+    const LogLine noObject = ErrorLine("PublishMessage", "PublishMessage, cJSON jsonObj is nullptr");
+    const LogLine noText = ErrorLine("PublishMessage", "PublishMessage, cJSON_PrintUnformatted failed");
+    std::vector<LogLines> outcomes;  // without repetitions
+    for (int failing = 0;; ++failing) {
+        context.AddWaitNotify("A", "1");
+        context.AddWaitNotify("B", "2");
+        {
+            const JsonFault fault(failing);
+            context.PublishMessage();
+            if (!fault.Struck()) {
+                break;
+            }
+        }
+        const LogLines lines = log.Take();
+        if (outcomes.empty() || lines != outcomes.back()) {
+            outcomes.push_back(lines);
+        }
+        const Messages first = subscription.Take();
+        ASSERT_EQ(first, Messages(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(first.size())));
+        context.PublishMessage();
+        ASSERT_EQ(subscription.Take(), all) << failing;
+        log.Take();
+    }
+    EXPECT_EQ(outcomes, (std::vector<LogLines>{{Counted(2), noObject},
+                                               {Counted(2), noText},
+                                               {Counted(2), PUBLISHED, noObject},
+                                               {Counted(2), PUBLISHED, noText}}));
+    EXPECT_EQ(subscription.Take(), all);
+}
+
+TEST(Context, PublishesEachDeviceOnceUnderManyThreads)
+{
+    constexpr int threadCount = 4;
+    constexpr int deviceCount = 200;
+    Subscription subscription;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        threads.emplace_back([i] {
+            for (int j = 0; j < deviceCount; ++j) {
+                OstraContext::GetInstance().AddWaitNotify(std::to_string(i) + "." + std::to_string(j), "event");
+                if (j % 7 == i) {
+                    OstraContext::GetInstance().PublishMessage();
+                }
+            }
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+    OstraContext::GetInstance().PublishMessage();
+    std::map<std::string, int> seen;
+    for (const std::string &message : subscription.Take()) {
+        ++seen[message];
+    }
+    EXPECT_EQ(seen.size(), size_t{threadCount * deviceCount});
+    for (const auto &[message, count] : seen) {
+        EXPECT_EQ(count, 1) << message;
+    }
+}
+
+// A listener may let another thread queue a notification, as long as it does not wait for it.
+TEST(Context, OtherThreadsMayQueueWhileAListenerRuns)
+{
+    struct Queuing : IPublisherListener {
+        void OnMessage(const DHTopic /* topic */, const std::string & /* message */) override
+        {
+            EXPECT_NE(OstraContext::GetInstance().GetDHFwkKit(), nullptr);  // takes no lock
+            thread = std::thread([] { OstraContext::GetInstance().AddWaitNotify("later", "event"); });
+        }
+
+        std::thread thread;
+    };
+    const auto queuing = std::make_shared<Queuing>();
+    DistributedHardwareFwkKit kit;
+    ASSERT_EQ(kit.RegisterPublisherListener(TOPIC, queuing), 0);
+    OstraContext::GetInstance().AddWaitNotify("first", "event");
+    OstraContext::GetInstance().PublishMessage();
+    queuing->thread.join();
+    ASSERT_EQ(kit.UnregisterPublisherListener(TOPIC, queuing), 0);
+    Subscription subscription;
+    OstraContext::GetInstance().PublishMessage();
+    EXPECT_EQ(subscription.Take(), (Messages{R"({"dev_id":"later","isomerism_event":"event"})"}));
+}
+
+TEST(Context, NamesDeviceTypes)
+{
+    const std::map<uint32_t, std::string> names = {{1, "CAMERA"}, {2, "AUDIO"}, {8, "SCREEN"}, {16, "GPS"},
+                                                   {32, "INPUT"}, {64, "HFP"},  {128, "A2D"},  {256, "VIRMODEM_AUDIO"},
+                                                   {512, "MODEM"}};
+    const std::map<uint32_t, std::string> displayNames = {{1, "Camera"}, {8, "Screen"}, {32, "Input"}};
+    const auto byNumber = [](const std::unordered_map<DHType, std::string> &map) {
+        std::map<uint32_t, std::string> result;
+        for (const auto &[type, name] : map) {
+            result[static_cast<uint32_t>(type)] = name;
+        }
+        return result;
+    };
+    EXPECT_EQ(byNumber(DHTYPE_NAME_MAP), names);
+    EXPECT_EQ(byNumber(DHTYPE_DISPLAY_NAME_MAP), displayNames);
+}
+
+TEST(Context, HasItsPublishedNames)
+{
+    const std::string joined =
+        HISTM_VID_ENC + " " + HISTM_VID_DEC + " " + HISTM_AUD_ENC + " " + HISTM_AUD_DEC + " " + DCAMERA_SERVICE_NAME +
+        " " + DSCREEN_SERVICE_NAME + " " + DAUDIO_DMIC_SERVICE_NAME + " " + DAUDIO_DSPEAKER_SERVICE_NAME + " " +
+        DCALL_DMIC_SERVICE_NAME + " " + DCALL_DSPEAKER_SERVICE_NAME + " " + DMIC_STREAM + " " + DSCREEN_STREAM + " " +
+        DSPEAKER_STREAM + " " + DCAMERA_STREAM + " " + DCAMERA_PICTURE + " " + DHARDWARE_PREFIX + " " +
+        DAUDIO_PKG_NAME + " " + DCALL_PKG_NAME + " " + DCAMERA_PKG_NAME + " " + DSCREEN_PKG_NAME + " " +
+        MIME_VIDEO_RAW + " " + MIME_VIDEO_AVC + " " + MIME_VIDEO_HEVC + " " + PIXEL_FORMAT_NV12 + " " +
+        PIXEL_FORMAT_NV21 + " " + PIXEL_FORMAT_JPEG + " " + PIXEL_FORMAT_YUVI420 + " " + PIXEL_FORMAT_RGBA8888;
+    EXPECT_EQ(joined,
+              "histmVidEnc histmVidDec histmAudEnc histmAudDec ohos.dhardware.dcamera ohos.dhardware.dscreen "
+              "ohos.dhardware.daudio.dmic ohos.dhardware.daudio.dspeaker ohos.dhardware.dcall.dmic "
+              "ohos.dhardware.dcall.dspeaker dmic_stream dscreen_stream dspeaker_stream dcamera_stream dcamera_picture "
+              "ohos.dhardware ohos.dhardware.daudio ohos.dhardware.dcall ohos.dhardware.dcamera ohos.dhardware.dscreen "
+              "video/raw video/avc video/hevc nv12 nv21 jpeg yuvi420 rgba8888");
+}
+
+}  // namespace
+}  // namespace OHOS::DistributedHardware::OstraAdapter

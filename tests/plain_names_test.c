@@ -1,0 +1,31 @@
+/* SPDX-License-Identifier: Apache-2.0
+ *
+ * The plain-name entries, seen by a C compiler and called from C. Ends with the number of checks that failed. */
+
+#include <stdio.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "ostra_qos_adapter.h"
+
+static int failures = 0;
+
+static void Check(int isTrue, const char *what)
+{
+    if (!isTrue) {
+        printf("failed: %s\n", what);
+        ++failures;
+    }
+}
+
+int main(void)
+{
+    const int32_t tid = (int32_t)syscall(SYS_gettid);
+    const int32_t utility = 2;
+    Check(SetQos(utility, tid) == 0, "a level for this thread");
+    Check(SetQos(99, tid) == -1, "a level that the platform does not have");
+    Check(ResetQos(tid) == 0, "reset of this thread");
+    Check(ResetQos(-1) == -1, "reset of no thread");
+    RequestAuth("4711");
+    return failures;
+}
