@@ -12,9 +12,10 @@
 #include <vector>
 
 enum class FrameKind : uint32_t {
-    STREAM = 0,   // a piece of the stream
-    DEVICE = 1,   // the source's device document
-    SERVICE = 2,  // its service document
+    STREAM = 0,    // a piece of the stream
+    DEVICE = 1,    // the source's device document
+    SERVICE = 2,   // its service document
+    SETTINGS = 3,  // the stream's settings, a parcel
 };
 
 struct LinkCount {

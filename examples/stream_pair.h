@@ -25,6 +25,13 @@ struct PairOptions {
     std::optional<uint64_t> flippedFrame;  // the frame that gets a bit flipped on the way
 };
 
+// Keys of the settings map that the source hands to the sink.
+enum StreamSetting : int32_t {
+    SETTING_SAMPLE_RATE = 1,  // Hz
+    SETTING_CHANNELS = 2,
+    SETTING_PIECE_MS = 3,
+};
+
 // What both sides know of the link between them.
 struct PairLink {
     int socket = -1;  // this side's end
@@ -32,12 +39,12 @@ struct PairLink {
     Offer offer;
 };
 
-// Sends the documents of the offer, then reads `input` to its end and sends it piece by piece. Returns true when all of
-// it was sent.
+// Sends the documents of the offer and the settings, then reads `input` to its end and sends it piece by piece, at a
+// raised QoS level where the platform grants it. Returns true when all of it was sent.
 bool RunSource(const PairLink &link, const PairOptions &options, FILE *input);
 
-// Reads the documents, and writes every piece of the stream that arrives whole to `output`. Returns true when nothing
-// was broken or lost and the documents say what the source offered.
+// Reads the documents and the settings, and writes every piece of the stream that arrives whole to `output`; publishes
+// that the source has come and gone. Returns true when nothing was broken or lost and the source's word was understood.
 bool RunSink(const PairLink &link, FILE *output);
 
 #endif  // EXAMPLES_STREAM_PAIR_H

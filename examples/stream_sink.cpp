@@ -1,16 +1,46 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <map>
 #include <string>
+#include <vector>
 
 #include "channel_link.h"
+#include "ipc_utils.h"
+#include "message_parcel.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
+#include "ostra_context.h"
 #include "stream_pair.h"
 #include "summary.h"
 
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
+
+// What the context publishes about the source, as another part of the host process would see it.
+class NotificationLog : public OHOS::DistributedHardware::IPublisherListener {
+public:
+    void OnMessage(const OHOS::DistributedHardware::DHTopic /* topic */, const std::string &message) override
+    {
+        messages_.push_back(message);
+    }
+
+    void AddRows(Summary &summary) const
+    {
+        for (const std::string &message : messages_) {
+            summary.Row("notified", message);
+        }
+    }
+
+private:
+    std::vector<std::string> messages_;
+};
+
+void Notify(const std::string &deviceId, const std::string &event)
+{
+    OstraContext::GetInstance().AddWaitNotify(deviceId, event);
+    OstraContext::GetInstance().PublishMessage();
+}
 
 // What the sink has received so far.
 class Reception {
@@ -27,6 +57,8 @@ public:
                 return TakeDevice({frame.content.begin(), frame.content.end()});
             case FrameKind::SERVICE:
                 return TakeService({frame.content.begin(), frame.content.end()});
+            case FrameKind::SETTINGS:
+                return TakeSettings(frame.content);
             case FrameKind::STREAM:
                 return std::fwrite(frame.content.data(), 1, frame.content.size(), output_) == frame.content.size();
         }
@@ -41,6 +73,7 @@ public:
                     GetAnonyString(service_.serviceId_) + " of type " + GetAnonyInt32(service_.serviceType_));
         summary.Row("codec bits", service_.audioProperties_.audioCodecType_);
         summary.Row("profiles", service_.audioProperties_.audioProfiles_);
+        summary.Row("settings", settings_);
     }
 
 private:
@@ -58,16 +91,37 @@ private:
                service_.audioProperties_.Unmarshal(service_.properties_) == OSTRA_JSON_SUCCESS;
     }
 
+    bool TakeSettings(const std::vector<uint8_t> &bytes)
+    {
+        OHOS::MessageParcel parcel;
+        std::map<int32_t, std::string> settings;
+        if (!parcel.ParseFrom(reinterpret_cast<uintptr_t>(bytes.data()), bytes.size()) ||
+            !IpcUtils::UnMarshalling(parcel, settings)) {
+            return false;
+        }
+        settings_ = settings[SETTING_SAMPLE_RATE] + " Hz, " + settings[SETTING_CHANNELS] + " channels, pieces of " +
+                    settings[SETTING_PIECE_MS] + " ms";
+        return settings[SETTING_SAMPLE_RATE] == std::to_string(SAMPLE_RATE) &&
+               settings[SETTING_CHANNELS] == std::to_string(CHANNELS) &&
+               settings[SETTING_PIECE_MS] == std::to_string(PIECE_MS);
+    }
+
     const Offer &expected_;
     FILE *output_;
     std::string device_;
     DHOSTRADeviceServiceJson service_;
+    std::string settings_;
 };
 
 }  // namespace
 
 bool RunSink(const PairLink &link, FILE *output)
 {
+    constexpr auto notificationTopic = static_cast<OHOS::DistributedHardware::DHTopic>(8);
+    const OHOS::sptr<NotificationLog> notifications(new NotificationLog());
+    OstraContext::GetInstance().GetDHFwkKit()->RegisterPublisherListener(notificationTopic, notifications);
+    Notify(link.connection.sourceNetworkId, ISOMERISM_CONNECT);
+
     FrameReceiver receiver(link.socket);
     Reception reception(link.offer, output);
     const Stopwatch watch;
@@ -81,11 +135,13 @@ bool RunSink(const PairLink &link, FILE *output)
         }
     }
     isWhole &= std::fflush(output) == 0;
+    Notify(link.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
 
     Summary summary("sink");
     AddLinkRows(summary, receiver.Count(), link.connection.String(), watch.Seconds());
     summary.Row("sequence gaps", receiver.Count().gaps);
     reception.AddRows(summary);
+    notifications->AddRows(summary);
     summary.Print();
     return isWhole && result == ReceiveResult::END && receiver.Count().gaps == 0;
 }
