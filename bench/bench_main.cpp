@@ -3,10 +3,12 @@
 // Runs all benchmarks, repeated and in random order, and prints for each row of the table the ratio of the medians.
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <map>
 
 #include "ratio_table.h"
@@ -89,6 +91,9 @@ const std::vector<RatioRow> &Rows()
 
 int main(int argc, char **argv)
 {
+    // Memory that was got once is kept: otherwise one benchmark pays for fresh pages where its peer happens not to.
+    mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     std::string defaults[] = {"--benchmark_repetitions=31", "--benchmark_min_time=0.01",
                               "--benchmark_enable_random_interleaving=true"};
     std::vector<char *> arguments = {argv[0]};
