@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "hisysevent_manager.h"
+
+#include <regex.h>
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+#include "hisysevent_delivery.h"
+
+namespace OHOS::HiviewDFX {
+namespace {
+
+constexpr int NO_SUCH_KEY = -2;
+constexpr int OTHER_TYPE = -3;
+
+constexpr int32_t NULL_LISTENER = -1;
+constexpr int32_t WRONG_STATE = -2;
+constexpr int32_t BAD_EXPRESSION = -3;
+
+// One text of a rule, its expression compiled once.
+class NamePattern {
+public:
+    NamePattern(const std::string &text, RuleType ruleType) : text_(text), ruleType_(ruleType)
+    {
+        auto expression = std::make_unique<regex_t>();
+        if (ruleType == RuleType::REGULAR && regcomp(expression.get(), text.c_str(), REG_EXTENDED) == 0) {
+            expression_ = {expression.release(), [](regex_t *compiled) {
+                               regfree(compiled);
+                               delete compiled;
+                           }};
+        }
+    }
+
+    bool IsValid() const
+    {
+        return ruleType_ != RuleType::REGULAR || expression_ != nullptr;
+    }
+
+    bool Matches(const std::string &name) const
+    {
+        if (text_.empty()) {
+            return true;
+        }
+        switch (ruleType_) {
+            case RuleType::WHOLE_WORD:
+                return name == text_;
+            case RuleType::PREFIX:
+                return name.compare(0, text_.size(), text_) == 0;
+            case RuleType::REGULAR:
+                return MatchesExpression(name);
+        }
+        return false;
+    }
+
+private:
+    // The match found is the longest of the first ones, so it is the whole name if any match is.
+    bool MatchesExpression(const std::string &name) const
+    {
+        regmatch_t match{};
+        return regexec(expression_.get(), name.c_str(), 1, &match, 0) == 0 && match.rm_so == 0 &&
+               static_cast<size_t>(match.rm_eo) == name.size();
+    }
+
+    std::string text_;
+    RuleType ruleType_;
+    std::shared_ptr<const regex_t> expression_;  // of a valid regular expression
+};
+
+struct Rule {
+    NamePattern domain;
+    NamePattern eventName;
+};
+
+struct Entry {
+    bool Matches(const std::string &domain, const std::string &eventName) const
+    {
+        return std::any_of(rules.begin(), rules.end(), [&](const Rule &rule) {
+            return rule.domain.Matches(domain) && rule.eventName.Matches(eventName);
+        });
+    }
+
+    std::shared_ptr<HiSysEventListener> listener;
+    std::vector<Rule> rules;
+};
+
+// The list is replaced as a whole, never changed, so that a write can walk through it without the lock.
+class Registry {
+public:
+    using Entries = std::vector<Entry>;
+
+    static Registry &GetInstance()
+    {
+        static auto &instance = *new Registry;  // never destroyed: threads may write until the very end
+        return instance;
+    }
+
+    std::shared_ptr<const Entries> Snapshot()
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return entries_;
+    }
+
+    bool Add(Entry entry)
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (Contains(*entries_, entry.listener)) {
+            return false;
+        }
+        auto next = std::make_shared<Entries>(*entries_);
+        next->push_back(std::move(entry));
+        entries_ = std::move(next);
+        return true;
+    }
+
+    bool Remove(const std::shared_ptr<HiSysEventListener> &listener)
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (!Contains(*entries_, listener)) {
+            return false;
+        }
+        auto next = std::make_shared<Entries>();
+        std::copy_if(entries_->begin(), entries_->end(), std::back_inserter(*next),
+                     [&](const Entry &entry) { return entry.listener != listener; });
+        entries_ = std::move(next);
+        return true;
+    }
+
+private:
+    static bool Contains(const Entries &entries, const std::shared_ptr<HiSysEventListener> &listener)
+    {
+        return std::any_of(entries.begin(), entries.end(),
+                           [&](const Entry &entry) { return entry.listener == listener; });
+    }
+
+    std::mutex mutex_;
+    std::shared_ptr<const Entries> entries_ = std::make_shared<Entries>();
+};
+
+}  // namespace
+
+HiSysEventRecord::HiSysEventRecord(std::shared_ptr<const Content> content) : content_(std::move(content))
+{
+}
+
+std::string HiSysEventRecord::AsJson() const
+{
+    return content_->json;
+}
+
+std::string HiSysEventRecord::GetDomain() const
+{
+    std::string domain;
+    GetParamValue(DOMAIN_FIELD, domain);
+    return domain;
+}
+
+std::string HiSysEventRecord::GetEventName() const
+{
+    std::string eventName;
+    GetParamValue(NAME_FIELD, eventName);
+    return eventName;
+}
+
+HiSysEvent::EventType HiSysEventRecord::GetEventType() const
+{
+    int64_t type = 0;
+    GetParamValue(TYPE_FIELD, type);
+    return static_cast<HiSysEvent::EventType>(type);
+}
+
+void HiSysEventRecord::GetParamNames(std::vector<std::string> &params) const
+{
+    params.clear();
+    const cJSON *field = cJSON_GetArrayItem(content_->fields.get(), PLATFORM_FIELD_COUNT);
+    for (; field != nullptr; field = field->next) {
+        params.emplace_back(field->string);
+    }
+}
+
+int HiSysEventRecord::GetParamValue(const std::string &param, int64_t &value) const
+{
+    const cJSON *field = cJSON_GetObjectItemCaseSensitive(content_->fields.get(), param.c_str());
+    if (field == nullptr) {
+        return NO_SUCH_KEY;
+    }
+    if (cJSON_IsRaw(field) == 0) {
+        return OTHER_TYPE;
+    }
+    const std::string_view digits(field->valuestring);
+    int64_t parsed = 0;
+    if (std::from_chars(digits.data(), digits.data() + digits.size(), parsed).ec != std::errc()) {
+        return OTHER_TYPE;
+    }
+    value = parsed;
+    return 0;
+}
+
+int HiSysEventRecord::GetParamValue(const std::string &param, std::string &value) const
+{
+    const cJSON *field = cJSON_GetObjectItemCaseSensitive(content_->fields.get(), param.c_str());
+    if (field == nullptr) {
+        return NO_SUCH_KEY;
+    }
+    if (cJSON_IsString(field) == 0) {
+        return OTHER_TYPE;
+    }
+    value = field->valuestring;
+    return 0;
+}
+
+int32_t HiSysEventManager::AddListener(std::shared_ptr<HiSysEventListener> listener, std::vector<ListenerRule> &rules)
+{
+    if (listener == nullptr) {
+        return NULL_LISTENER;
+    }
+    Entry entry{std::move(listener), {}};
+    for (const ListenerRule &rule : rules) {
+        const NamePattern domain(rule.GetDomain(), rule.GetRuleType());
+        const NamePattern eventName(rule.GetEventName(), rule.GetRuleType());
+        if (!domain.IsValid() || !eventName.IsValid()) {
+            return BAD_EXPRESSION;
+        }
+        entry.rules.push_back({domain, eventName});
+    }
+    return Registry::GetInstance().Add(std::move(entry)) ? 0 : WRONG_STATE;
+}
+
+int32_t HiSysEventManager::RemoveListener(std::shared_ptr<HiSysEventListener> listener)
+{
+    if (listener == nullptr) {
+        return NULL_LISTENER;
+    }
+    return Registry::GetInstance().Remove(listener) ? 0 : WRONG_STATE;
+}
+
+std::vector<std::shared_ptr<HiSysEventListener>> FindListeners(const std::string &domain, const std::string &eventName)
+{
+    std::vector<std::shared_ptr<HiSysEventListener>> listeners;
+    const std::shared_ptr<const std::vector<Entry>> entries = Registry::GetInstance().Snapshot();
+    for (const Entry &entry : *entries) {
+        if (entry.Matches(domain, eventName)) {
+            listeners.push_back(entry.listener);
+        }
+    }
+    return listeners;
+}
+
+}  // namespace OHOS::HiviewDFX
