@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ostra_dump.h"
+
+#include <memory>
+
+#include "ostra_adapter_log.h"
+#include "parameter.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+constexpr char UNSET_MARKER[] = "-1";
+constexpr uint32_t PARAMETER_BUFFER_SIZE = 30;
+constexpr size_t LONGEST_PATH = 50;
+
+struct CloseFile {
+    void operator()(FILE *file) const
+    {
+        static_cast<void>(fclose(file));
+    }
+};
+
+}  // namespace
+
+OstraDump &OstraDump::GetInstance()
+{
+    static auto *const instance = new OstraDump();  // leaks on purpose: streams may run until the very end
+    return *instance;
+}
+
+void OstraDump::Init()
+{
+    OSTRA_LOGI("Dump init");
+    std::string value;
+    if (GetSysPara(DUMP_WRITE_ENABLE_KEY.c_str(), value) && !value.empty()) {
+        dumpMode_ = value;
+        enable_.exchange(true);
+        return;
+    }
+    OSTRA_LOGW("Audio dump is not enable.");
+    enable_.exchange(false);
+}
+
+bool OstraDump::GetSysPara(const char *key, std::string &value)
+{
+    OSTRA_LOGI("Getting system parameter");
+    if (key == nullptr) {
+        OSTRA_LOGE("key is null.");
+        return false;
+    }
+    char buffer[PARAMETER_BUFFER_SIZE] = {0};
+    if (GetParameter(key, UNSET_MARKER, buffer, PARAMETER_BUFFER_SIZE) < 1) {
+        OSTRA_LOGE("GetParameter fail. key: %s, res:%s.", key, buffer);
+        return false;
+    }
+    OSTRA_LOGI("GetSysPara key:%s value:%s", key, buffer);
+    value = buffer;
+    return value != UNSET_MARKER;
+}
+
+void OstraDump::UnInit()
+{
+    OSTRA_LOGI("Dump unInit");
+    enable_.exchange(false);
+    dumpMode_.clear();
+}
+
+void OstraDump::DumpStreamData(const std::string &fileName, const unsigned char *data, int size)
+{
+    if (data == nullptr || size < 0) {
+        OSTRA_LOGE("Iuput param is invalid.");
+        return;
+    }
+    if (!enable_) {
+        OSTRA_LOGD("Dump is not enable.");
+        return;
+    }
+    const std::unique_ptr<FILE, CloseFile> file(OpenDumpFile(DUMP_PATH_PREFIX + fileName));
+    if (file == nullptr) {
+        return;
+    }
+    const auto count = static_cast<size_t>(size);
+    if (fwrite(data, 1, count, file.get()) != count) {
+        OSTRA_LOGE("Failed to write the file");
+    }
+}
+
+FILE *OstraDump::OpenDumpFile(const std::string &path)
+{
+    if (path.size() > LONGEST_PATH) {
+        return nullptr;
+    }
+    FILE *file = nullptr;
+    if (dumpMode_ == "w") {
+        file = fopen(path.c_str(), "wb+");
+    } else if (dumpMode_ == "a") {
+        file = fopen(path.c_str(), "ab+");
+    }
+    if (file == nullptr) {
+        OSTRA_LOGD("Error openning file: %s.", path.c_str());
+    }
+    return file;
+}
+
+void OstraDump::CloseDumpFile(FILE **file)
+{
+    if (file == nullptr || *file == nullptr) {
+        return;
+    }
+    static_cast<void>(fclose(*file));
+    *file = nullptr;
+}
+
+}  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ostra_radar.h"
+
+#include <utility>
+
+#include "hisysevent.h"
+#include "ostra_adapter_log.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+using HiviewDFX::HiSysEvent;
+
+constexpr int32_t RESULT_SUCCESS = 1;
+constexpr int32_t RESULT_FAILURE = 2;
+
+constexpr int32_t NO_STATE = 0;
+constexpr int32_t STATE_START = 1;
+constexpr int32_t STATE_STOP = 2;
+
+struct Step {
+    const char *method;
+    const char *nameInLog;  // not always that of the method
+    int32_t stage;          // also the line for the platform's write limiter: each method has a budget of its own
+    int32_t state;
+    bool callsPackage;
+};
+
+constexpr Step SERVICE_START = {"ServiceStartRes", "ServiceStartRes", 1, STATE_START, false};
+constexpr Step CONNECT_DEVICE = {"ConnectDeviceRes", "ConnectDeviceRes", 2, NO_STATE, true};
+constexpr Step UPDATE = {"UpdateRes", "UpdateRes", 3, NO_STATE, true};
+constexpr Step UPDATE_PORT = {"UpdatePortRes", "UpdatePortRes", 4, NO_STATE, false};
+constexpr Step ENABLE_VIRTUAL = {"EnableVirtualRes", "UpdatePortRes", 5, NO_STATE, false};
+constexpr Step AUDIO_OPEN = {"AudioOpenRes", "UpdatePortRes", 6, NO_STATE, false};
+constexpr Step AUDIO_CLOSE = {"AudioCloseRes", "UpdatePortRes", 7, NO_STATE, false};
+constexpr Step DISCONNECT_DEVICE = {"DisconnectDeviceRes", "UpdatePortRes", 8, NO_STATE, true};
+constexpr Step SERVICE_STOP = {"ServiceStopRes", "ServiceStopRes", 9, STATE_STOP, false};
+constexpr Step LOAD_SINK_SERVICE = {"LoadSinkServiceRes", "LoadSinkServiceRes", 10, NO_STATE, false};
+constexpr Step UNLOAD_SINK_SERVICE = {"UnLoadSinkServiceRes", "UnLoadSinkServiceRes", 11, NO_STATE, false};
+
+struct HostPackage {
+    int32_t businessId;
+    const char *name;
+};
+constexpr HostPackage HOST_PACKAGES[] = {{1, "car_distributed_engine"},
+                                         {2, "collaboration_service"},
+                                         {3, "collaboration_service"},
+                                         {10, "CollaborationFwk"}};
+
+// What the caller says of a step.
+struct Report {
+    const std::string &function;
+    std::string host;
+    int32_t scene;
+    int32_t errorCode;
+    const char *calledPackage = nullptr;
+};
+
+// The platform takes the keys of an event as arguments, so each choice adds arguments to those before it.
+int WriteEvent(const Step &step, const Report &report)
+{
+    const bool isSuccess = report.errorCode == 0;
+    const auto write = [&step](auto... keyValues) {
+        return HiSysEvent::Write(step.method, step.stage, OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT, HiSysEvent::BEHAVIOR,
+                                 keyValues...);
+    };
+    const auto writeWithError = [&](auto... keyValues) {
+        return isSuccess ? write(keyValues...) : write(keyValues..., "ERROR_CODE", report.errorCode);
+    };
+    const auto writeWithState = [&](auto... keyValues) {
+        return step.state == NO_STATE ? writeWithError(keyValues...)
+                                      : writeWithError(keyValues..., "BIZ_STATE", step.state);
+    };
+    const auto writeWithRest = [&](auto... keyValues) {
+        return writeWithState(keyValues..., "HOST_PKG", report.host.c_str(), "BIZ_SCENE", report.scene, "BIZ_STAGE",
+                              step.stage, "STAGE_RES", isSuccess ? RESULT_SUCCESS : RESULT_FAILURE);
+    };
+    const char *package = ORG_PKG_NAME.c_str();
+    const char *function = report.function.c_str();
+    return step.callsPackage ? writeWithRest("ORG_PKG", package, "FUNC", function, "TO_CALL_PKG", report.calledPackage)
+                             : writeWithRest("ORG_PKG", package, "FUNC", function);
+}
+
+bool Write(const Step &step, const Report &report)
+{
+    const int ret = WriteEvent(step, report);
+    if (ret != 0) {
+        DHLog(DH_LOG_ERROR, "[%s][%s]:%s error, res:%d", LOG_PREFIX_TAG, step.method, step.nameInLog, ret);
+    }
+    return ret == 0;
+}
+
+}  // namespace
+
+OstraRadar &OstraRadar::GetInstance()
+{
+    static auto *const instance = new OstraRadar();  // leaks on purpose: steps are reported until the very end
+    return *instance;
+}
+
+void OstraRadar::SetCurBusinessId(int businessId)
+{
+    curBusinessId_ = businessId;
+}
+
+void OstraRadar::SetProcessName(std::string processName)
+{
+    processName_ = std::move(processName);
+}
+
+std::string OstraRadar::GetProcessName()
+{
+    if (!processName_.empty()) {
+        return processName_;
+    }
+    for (const HostPackage &package : HOST_PACKAGES) {
+        if (package.businessId == curBusinessId_) {
+            return package.name;
+        }
+    }
+    return "";
+}
+
+bool OstraRadar::ServiceStartRes(std::string funcName, int bizScene, std::string /* extra */, int errCode)
+{
+    return Write(SERVICE_START, {funcName, GetProcessName(), bizScene, errCode});
+}
+
+bool OstraRadar::ServiceStopRes(std::string funcName, int errCode)
+{
+    return Write(SERVICE_STOP, {funcName, GetProcessName(), curBusinessId_, errCode});
+}
+
+bool OstraRadar::LoadSinkServiceRes(std::string funcName, int errCode)
+{
+    return Write(LOAD_SINK_SERVICE, {funcName, GetProcessName(), curBusinessId_, errCode});
+}
+
+bool OstraRadar::UnLoadSinkServiceRes(std::string funcName, int errCode)
+{
+    return Write(UNLOAD_SINK_SERVICE, {funcName, GetProcessName(), curBusinessId_, errCode});
+}
+
+bool OstraRadar::ConnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg)
+{
+    return Write(CONNECT_DEVICE, {funcName, GetProcessName(), curBusinessId_, errCode, toCallPkg.c_str()});
+}
+
+bool OstraRadar::UpdateRes(std::string funcName, int errCode, std::string toCallPkg)
+{
+    return Write(UPDATE, {funcName, GetProcessName(), curBusinessId_, errCode, toCallPkg.c_str()});
+}
+
+bool OstraRadar::UpdatePortRes(std::string funcName, int errCode)
+{
+    return Write(UPDATE_PORT, {funcName, GetProcessName(), curBusinessId_, errCode});
+}
+
+bool OstraRadar::EnableVirtualRes(std::string funcName, int errCode)
+{
+    return Write(ENABLE_VIRTUAL, {funcName, GetProcessName(), curBusinessId_, errCode});
+}
+
+bool OstraRadar::AudioOpenRes(std::string funcName, int errCode)
+{
+    return Write(AUDIO_OPEN, {funcName, GetProcessName(), curBusinessId_, errCode});
+}
+
+bool OstraRadar::AudioCloseRes(std::string funcName, int errCode)
+{
+    return Write(AUDIO_CLOSE, {funcName, GetProcessName(), curBusinessId_, errCode});
+}
+
+bool OstraRadar::DisconnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg)
+{
+    return Write(DISCONNECT_DEVICE, {funcName, GetProcessName(), curBusinessId_, errCode, toCallPkg.c_str()});
+}
+
+}  // namespace OHOS::DistributedHardware::OstraAdapter

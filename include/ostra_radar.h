@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Reports each step of the adapter's work as a system event: which stage of which business ran, in which package, and
+// whether it succeeded.
+//
+//     OstraRadar &radar = OstraRadar::GetInstance();
+//     radar.SetCurBusinessId(2);
+//     radar.AudioOpenRes(__func__, ret);        // 0 is success, anything else goes into the event as ERROR_CODE
+//
+// The host sets business id and process name before it reports from several threads; the reporting operations may then
+// be called from any thread at once. Each of them returns true when the platform took the event, and otherwise logs the
+// platform's code as an error and returns false; the platform takes at most 100 events of one operation in 5 seconds.
+
+#ifndef OSTRA_RADAR_H
+#define OSTRA_RADAR_H
+
+#include <cstdint>
+#include <string>
+
+#include "ostra_export.h"
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+
+// Domain and name of every event, and the package that reports it.
+inline const std::string OSTRA_DOMAIN = "OSTRAADAPTER";
+inline const std::string ADAPTER_BEHAVIOR_EVENT = "OSTRA_ADAPTER_BEHAVIOR";
+inline const std::string ORG_PKG_NAME = "ostra_adapter";
+// Package name of the platform's soft bus, for callers that name it as the called package.
+inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
+
+class OstraRadar {
+public:
+    // The one reporter, made on the first call and never destroyed.
+    OSTRA_EXPORT static OstraRadar &GetInstance();
+
+    OstraRadar(const OstraRadar &) = delete;
+    OstraRadar &operator=(const OstraRadar &) = delete;
+
+    // The business of the following events; -1 at first.
+    OSTRA_EXPORT void SetCurBusinessId(int businessId);
+
+    // The host package of the following events; when empty, as at first, the business decides.
+    OSTRA_EXPORT void SetProcessName(std::string processName);
+
+    // The host package: the process name that was set, else the one of the business (1: car_distributed_engine, 2 and
+    // 3: collaboration_service, 10: CollaborationFwk), else an empty text.
+    OSTRA_EXPORT std::string GetProcessName();
+
+    // Report one step each. funcName is the reporting function, errCode 0 for success. toCallPkg is the package that
+    // was called. bizScene goes into the event in place of the business id; `extra` is ignored.
+    OSTRA_EXPORT bool ServiceStartRes(std::string funcName, int bizScene, std::string extra, int errCode);
+    OSTRA_EXPORT bool ServiceStopRes(std::string funcName, int errCode);
+    OSTRA_EXPORT bool LoadSinkServiceRes(std::string funcName, int errCode);
+    OSTRA_EXPORT bool UnLoadSinkServiceRes(std::string funcName, int errCode);
+    OSTRA_EXPORT bool ConnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg);
+    OSTRA_EXPORT bool UpdateRes(std::string funcName, int errCode, std::string toCallPkg);
+    OSTRA_EXPORT bool UpdatePortRes(std::string funcName, int errCode);
+    OSTRA_EXPORT bool EnableVirtualRes(std::string funcName, int errCode);
+    OSTRA_EXPORT bool AudioOpenRes(std::string funcName, int errCode);
+    OSTRA_EXPORT bool AudioCloseRes(std::string funcName, int errCode);
+    OSTRA_EXPORT bool DisconnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg);
+
+private:
+    OstraRadar() = default;
+    ~OstraRadar() = default;
+
+    int32_t curBusinessId_ = -1;
+    std::string processName_;
+};
+
+}  // namespace OHOS::DistributedHardware::OstraAdapter
+
+#endif  // OSTRA_RADAR_H
