@@ -6,7 +6,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "ostra_dump_adapter.h"
 #include "ostra_qos_adapter.h"
+#include "ostra_radar_adapter.h"
 
 static int failures = 0;
 
@@ -27,5 +29,9 @@ int main(void)
     Check(ResetQos(tid) == 0, "reset of this thread");
     Check(ResetQos(-1) == -1, "reset of no thread");
     RequestAuth("4711");
+    DumpStreamData("never_written", (const unsigned char *)"x", 1);
+    Check(access("/data/local/tmp/never_written", F_OK) != 0, "no dump while it is off");
+    RadarWrite("main", 0, "dsoftbus");
+    UpdateRes("main", 1, "dsoftbus");
     return failures;
 }
