@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "hisysevent.h"
+#include "ostra_adapter_log.h"
+#include "ostra_dump.h"
+#include "ostra_radar.h"
+#include "parameter.h"
+#include "ratio_table.h"
+
+namespace OHOS::HiviewDFX {
+
+// Takes the place of the platform's function and calls it under another line for every hundred events: each call site
+// has a budget of a hundred, and refusals are not what is measured.
+int HiSysEvent::Send(const char *func, int64_t line, const std::string &domain, const std::string &eventName,
+                     EventType type, const HiSysEventParam *params, size_t paramCount)
+{
+    static const auto platformSend = [] {
+        Dl_info self{};
+        dladdr(reinterpret_cast<void *>(&HiSysEvent::Send), &self);
+        return reinterpret_cast<decltype(&HiSysEvent::Send)>(dlsym(RTLD_NEXT, self.dli_sname));
+    }();
+    static int64_t count = 0;
+    constexpr int64_t budget = 100;
+    constexpr int64_t farFromOtherLines = 1000;
+    return platformSend(func, line + count++ / budget * farFromOtherLines, domain, eventName, type, params, paramCount);
+}
+
+}  // namespace OHOS::HiviewDFX
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+constexpr size_t BLOCK = 4096;
+constexpr char DUMP_NAME[] = "ostra_bench_dump";
+constexpr char PLAIN_PATH[] = "/data/local/tmp/ostra_bench_plain";
+
+void DumpBlock(benchmark::State &state)
+{
+    const std::vector<unsigned char> block(BLOCK, 7);
+    OstraDump &dump = OstraDump::GetInstance();
+    SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), "a");
+    dump.Init();
+    for (auto _ : state) {
+        dump.DumpStreamData(DUMP_NAME, block.data(), static_cast<int>(block.size()));
+    }
+    dump.UnInit();
+    std::remove((DUMP_PATH_PREFIX + DUMP_NAME).c_str());
+}
+BENCHMARK(DumpBlock);
+
+void AppendBlock(benchmark::State &state)
+{
+    const std::vector<unsigned char> block(BLOCK, 7);
+    for (auto _ : state) {
+        FILE *file = std::fopen(PLAIN_PATH, "ab+");
+        if (file == nullptr) {
+            state.SkipWithError("cannot open the file");
+            break;
+        }
+        benchmark::DoNotOptimize(std::fwrite(block.data(), 1, block.size(), file));
+        std::fclose(file);
+    }
+    std::remove(PLAIN_PATH);
+}
+BENCHMARK(AppendBlock);
+
+const int DUMP_ROW =
+    AddRow({"`DumpStreamData`, 4 KiB, mode \"a\"", "DumpBlock", "`fopen` + `fwrite` + `fclose`", "AppendBlock", 1.1});
+
+void DumpWhileOff(benchmark::State &state)
+{
+    const unsigned char block[BLOCK] = {7};
+    OstraDump &dump = OstraDump::GetInstance();
+    const std::string name = DUMP_NAME;
+    for (auto _ : state) {
+        dump.DumpStreamData(name, block, BLOCK);
+    }
+}
+BENCHMARK(DumpWhileOff);
+
+void OneLog(benchmark::State &state)
+{
+    for (auto _ : state) {
+        DHLog(DH_LOG_DEBUG, "[ostraadapterutils][DumpStreamData]:Dump is not enable.");
+    }
+}
+BENCHMARK(OneLog);
+
+const int OFF_ROW =
+    AddRow({"`DumpStreamData` while off, log output off", "DumpWhileOff", "one `DHLog`", "OneLog", 1.2});
+
+void ReportThroughRadar(benchmark::State &state)
+{
+    OstraRadar &radar = OstraRadar::GetInstance();
+    radar.SetCurBusinessId(2);
+    const std::string function = "OpenMicrophone";
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(radar.AudioOpenRes(function, 0));
+    }
+}
+BENCHMARK(ReportThroughRadar);
+
+void ReportByHand(benchmark::State &state)
+{
+    const std::string function = "OpenMicrophone";
+    const std::string host = "collaboration_service";
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(HiviewDFX::HiSysEvent::Write(
+            "AudioOpenRes", 600, OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT, HiviewDFX::HiSysEvent::BEHAVIOR, "ORG_PKG",
+            ORG_PKG_NAME, "FUNC", function, "HOST_PKG", host, "BIZ_SCENE", 2, "BIZ_STAGE", 6, "STAGE_RES", 1));
+    }
+}
+BENCHMARK(ReportByHand);
+
+const int EVENT_ROW = AddRow(
+    {"one event through `OstraRadar`", "ReportThroughRadar", "the same `HiSysEvent::Write`", "ReportByHand", 1.1});
+
+}  // namespace
+}  // namespace OHOS::DistributedHardware::OstraAdapter
