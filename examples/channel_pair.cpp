@@ -27,7 +27,7 @@ constexpr int EXIT_USAGE = 2;
 void PrintUsage(FILE *out)
 {
     std::fputs(
-        "Usage: channel_pair [--flip FRAME] [FILE]\n"
+        "Usage: channel_pair [--flip FRAME] [--dump] [FILE]\n"
         "\n"
         "Sends FILE, or 5 s of a generated tone (48 kHz, 16 bits, stereo), from a source process to a sink\n"
         "process in channel frames of 20 ms, and compares what arrives with the input, byte by byte. Before\n"
@@ -35,6 +35,7 @@ void PrintUsage(FILE *out)
         "settings (frame 2).\n"
         "\n"
         "  --flip FRAME  flip one bit of frame FRAME (counted from 0) on the way, to see it caught\n"
+        "  --dump        let the sink dump the stream below /data/local/tmp/\n"
         "  --help        print this text\n"
         "\n"
         "Exits with 0 when every byte arrived, 1 when not, 2 for a wrong call.\n",
@@ -71,6 +72,8 @@ std::optional<int> ReadArguments(const std::vector<std::string> &arguments, Call
         const bool isFrameNumber = argument == "--flip" && i + 1 < arguments.size() && IsFrameNumber(arguments[i + 1]);
         if (isFrameNumber) {
             call.options.flippedFrame = std::strtoull(arguments[++i].c_str(), nullptr, 10);
+        } else if (argument == "--dump") {
+            call.options.isDumped = true;
         } else if (argument.empty() || argument.rfind("--", 0) == 0 || !call.inputPath.empty()) {
             PrintUsage(stderr);
             return EXIT_USAGE;
@@ -164,7 +167,7 @@ bool RunPair(const PairOptions &options, FILE *input, FILE *output)
     const PairLink sourceLink{sockets[0], connection, offer};
     const PairLink sinkLink{sockets[1], connection, offer};
     const pid_t source = StartSide(sinkLink.socket, [&] { return RunSource(sourceLink, options, input); });
-    const pid_t sink = StartSide(sourceLink.socket, [&] { return RunSink(sinkLink, output); });
+    const pid_t sink = StartSide(sourceLink.socket, [&] { return RunSink(sinkLink, options, output); });
     close(sockets[0]);
     close(sockets[1]);
     const bool sourceEndedWell = EndedWell(source);

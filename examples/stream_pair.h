@@ -23,6 +23,7 @@ constexpr uint32_t PIECE_BYTES = SAMPLE_RATE / 1000 * PIECE_MS * CHANNELS * BYTE
 
 struct PairOptions {
     std::optional<uint64_t> flippedFrame;  // the frame that gets a bit flipped on the way
+    bool isDumped = false;                 // whether the sink dumps the stream, parameter or not
 };
 
 // Keys of the settings map that the source hands to the sink.
@@ -40,11 +41,13 @@ struct PairLink {
 };
 
 // Sends the documents of the offer and the settings, then reads `input` to its end and sends it piece by piece, at a
-// raised QoS level where the platform grants it. Returns true when all of it was sent.
+// raised QoS level where the platform grants it. Both sides report their steps as events. Returns true when all of it
+// was sent.
 bool RunSource(const PairLink &link, const PairOptions &options, FILE *input);
 
 // Reads the documents and the settings, and writes every piece of the stream that arrives whole to `output`; publishes
-// that the source has come and gone. Returns true when nothing was broken or lost and the source's word was understood.
-bool RunSink(const PairLink &link, FILE *output);
+// that the source has come and gone, and dumps the stream where asked. Returns true when nothing was broken or lost and
+// the source's word was understood.
+bool RunSink(const PairLink &link, const PairOptions &options, FILE *output);
 
 #endif  // EXAMPLES_STREAM_PAIR_H

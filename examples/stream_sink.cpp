@@ -5,11 +5,13 @@
 #include <vector>
 
 #include "channel_link.h"
+#include "flow_report.h"
 #include "ipc_utils.h"
 #include "message_parcel.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 #include "ostra_context.h"
+#include "stream_dump.h"
 #include "stream_pair.h"
 #include "summary.h"
 
@@ -45,7 +47,8 @@ void Notify(const std::string &deviceId, const std::string &event)
 // What the sink has received so far.
 class Reception {
 public:
-    Reception(const Offer &expected, FILE *output) : expected_(expected), output_(output)
+    Reception(const Offer &expected, FILE *output, const StreamDump &dump)
+        : expected_(expected), output_(output), dump_(dump)
     {
     }
 
@@ -60,6 +63,7 @@ public:
             case FrameKind::SETTINGS:
                 return TakeSettings(frame.content);
             case FrameKind::STREAM:
+                dump_.Write(frame.content);
                 return std::fwrite(frame.content.data(), 1, frame.content.size(), output_) == frame.content.size();
         }
         return false;
@@ -108,6 +112,7 @@ private:
 
     const Offer &expected_;
     FILE *output_;
+    const StreamDump &dump_;
     std::string device_;
     DHOSTRADeviceServiceJson service_;
     std::string settings_;
@@ -115,15 +120,19 @@ private:
 
 }  // namespace
 
-bool RunSink(const PairLink &link, FILE *output)
+bool RunSink(const PairLink &link, const PairOptions &options, FILE *output)
 {
     constexpr auto notificationTopic = static_cast<OHOS::DistributedHardware::DHTopic>(8);
     const OHOS::sptr<NotificationLog> notifications(new NotificationLog());
     OstraContext::GetInstance().GetDHFwkKit()->RegisterPublisherListener(notificationTopic, notifications);
     Notify(link.connection.sourceNetworkId, ISOMERISM_CONNECT);
 
+    FlowReport flow("sink");
     FrameReceiver receiver(link.socket);
-    Reception reception(link.offer, output);
+    const StreamDump dump(options.isDumped);
+    Reception reception(link.offer, output, dump);
+    flow.Connected(0);
+    flow.AudioOpened(0);
     const Stopwatch watch;
     ReceivedFrame frame;
     bool isWhole = true;
@@ -135,6 +144,9 @@ bool RunSink(const PairLink &link, FILE *output)
         }
     }
     isWhole &= std::fflush(output) == 0;
+    isWhole &= result == ReceiveResult::END && receiver.Count().gaps == 0;
+    flow.AudioClosed(isWhole ? 0 : -1);
+    flow.Ended(isWhole ? 0 : -1);
     Notify(link.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
 
     Summary summary("sink");
@@ -142,6 +154,8 @@ bool RunSink(const PairLink &link, FILE *output)
     summary.Row("sequence gaps", receiver.Count().gaps);
     reception.AddRows(summary);
     notifications->AddRows(summary);
+    flow.AddRows(summary);
+    dump.AddRows(summary);
     summary.Print();
-    return isWhole && result == ReceiveResult::END && receiver.Count().gaps == 0;
+    return isWhole;
 }

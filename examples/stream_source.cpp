@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "channel_link.h"
+#include "flow_report.h"
 #include "ipc_utils.h"
 #include "message_parcel.h"
 #include "ostra_adapter_log.h"
@@ -90,8 +91,13 @@ bool RunSource(const PairLink &link, const PairOptions &options, FILE *input)
 {
     FrameSender sender(link.socket, options.flippedFrame);
     const Stopwatch watch;
+    FlowReport flow("source");
+    const bool isOffered = SendOffer(sender, link.offer) && SendSettings(sender);
+    flow.Connected(isOffered ? 0 : -1);
     const StreamQos qos;
-    const bool isSent = SendOffer(sender, link.offer) && SendSettings(sender) && SendStream(sender, input);
+    flow.AudioOpened(0);
+    const bool isSent = isOffered && SendStream(sender, input);
+    flow.AudioClosed(isSent ? 0 : -1);
     const std::string qosResults = qos.Reset();
     const uint64_t frames = sender.Count().frames;
     if (!isSent) {
@@ -102,10 +108,12 @@ bool RunSource(const PairLink &link, const PairOptions &options, FILE *input)
         OSTRA_LOGE("frame %llu was to get a flipped bit, but was never sent",
                    static_cast<unsigned long long>(*options.flippedFrame));
     }
+    flow.Ended(isSent && isFlipped ? 0 : -1);
 
     Summary summary("source");
     AddLinkRows(summary, sender.Count(), link.connection.String(), watch.Seconds());
     summary.Row("QoS", qosResults);
+    flow.AddRows(summary);
     summary.Print();
     return isSent && isFlipped;
 }

@@ -24,8 +24,11 @@ profiles        48000,2,16;16000,1,16;
 settings        48000 Hz, 2 channels, pieces of 20 ms
 "isomerism_event":"isomerism_connect"}
 "isomerism_event":"isomerism_disconnect"}
-reset: 0\nevery byte arrived'
-expect 1 $'CRC mismatches  1\nsequence gaps   0\nDIFFERS' --flip 252
+reset: 0
+FUNC=source HOST_PKG=collaboration_service BIZ_SCENE=2 BIZ_STAGE=1 STAGE_RES=1 BIZ_STATE=1
+FUNC=sink TO_CALL_PKG=dsoftbus HOST_PKG=collaboration_service BIZ_SCENE=2 BIZ_STAGE=8 STAGE_RES=1
+every byte arrived'
+expect 1 $'CRC mismatches  1\nsequence gaps   0\nBIZ_STAGE=9 STAGE_RES=2 BIZ_STATE=2 ERROR_CODE=-1\nDIFFERS' --flip 252
 expect 1 $'CRC mismatches  1\ncodec bits      0\nevery byte arrived' --flip 1
 
 head -c 1234567 /dev/urandom >"$folder/random"
@@ -33,6 +36,11 @@ expect 0 $'frames          325\nevery byte arrived' "$folder/random"
 expect 1 'DIFFERS' --flip 3 "$folder/random"
 : >"$folder/empty"
 expect 0 'every byte arrived' "$folder/empty"
+
+expect 0 ', 1234567 bytes' --dump "$folder/random"
+dump=$(sed -n 's/^  dump *\(.*\), .*/\1/p' "$folder/out")
+cmp "$dump" "$folder/random"
+rm "$dump"
 
 expect 1 'No such file' "$folder/missing"
 expect 1 'DIFFERS' "$folder"

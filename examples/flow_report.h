@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Reports the steps of one side of the example pair, and listens to the events that come of it, as the platform's
+// analysis tools would.
+
+#ifndef EXAMPLES_FLOW_REPORT_H
+#define EXAMPLES_FLOW_REPORT_H
+
+#include <memory>
+#include <string>
+
+#include "summary.h"
+
+class FlowReport {
+public:
+    // Reports the start of the service.
+    explicit FlowReport(std::string side);
+    ~FlowReport();
+    FlowReport(const FlowReport &) = delete;
+    FlowReport &operator=(const FlowReport &) = delete;
+
+    // 0 is success.
+    void Connected(int errorCode);
+    void AudioOpened(int errorCode);
+    void AudioClosed(int errorCode);
+    // Reports the disconnect and the stop of the service.
+    void Ended(int errorCode);
+
+    // One row for each event that the listener received.
+    void AddRows(Summary &summary) const;
+
+private:
+    class Listener;
+
+    std::string side_;
+    std::shared_ptr<Listener> listener_;
+};
+
+#endif  // EXAMPLES_FLOW_REPORT_H
