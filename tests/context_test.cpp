@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <map>
+#include <chrono>
+#include <future>
+#include <set>
 #include <thread>
+#include <unordered_map>
 #include <vector>
 
 #include "ostra_constants.h"
@@ -143,14 +145,9 @@ TEST(Context, PublishesEachDeviceOnceUnderManyThreads)
         thread.join();
     }
     OstraContext::GetInstance().PublishMessage();
-    std::map<std::string, int> seen;
-    for (const std::string &message : subscription.Take()) {
-        ++seen[message];
-    }
-    EXPECT_EQ(seen.size(), size_t{threadCount * deviceCount});
-    for (const auto &[message, count] : seen) {
-        EXPECT_EQ(count, 1) << message;
-    }
+    const Messages published = subscription.Take();
+    EXPECT_EQ(published.size(), size_t{threadCount * deviceCount});
+    EXPECT_EQ(std::set<std::string>(published.begin(), published.end()).size(), published.size());
 }
 
 // A listener may let another thread queue a notification, as long as it does not wait for it.
@@ -159,19 +156,23 @@ TEST(Context, OtherThreadsMayQueueWhileAListenerRuns)
     struct Queuing : IPublisherListener {
         void OnMessage(const DHTopic /* topic */, const std::string & /* message */) override
         {
-            EXPECT_NE(OstraContext::GetInstance().GetDHFwkKit(), nullptr);  // takes no lock
-            thread = std::thread([] { OstraContext::GetInstance().AddWaitNotify("later", "event"); });
+            EXPECT_EQ(log.Take().back(), PUBLISHED);
+            EXPECT_EQ(OstraContext::GetInstance().GetDHFwkKit(), kit);  // takes no lock
+            queued =
+                std::async(std::launch::async, [] { OstraContext::GetInstance().AddWaitNotify("later", "event"); });
+            EXPECT_EQ(queued.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
         }
 
-        std::thread thread;
+        LogRecorder log;
+        std::shared_ptr<DistributedHardwareFwkKit> kit = OstraContext::GetInstance().GetDHFwkKit();
+        std::future<void> queued;
     };
     const auto queuing = std::make_shared<Queuing>();
-    DistributedHardwareFwkKit kit;
-    ASSERT_EQ(kit.RegisterPublisherListener(TOPIC, queuing), 0);
+    ASSERT_EQ(queuing->kit->RegisterPublisherListener(TOPIC, queuing), 0);
     OstraContext::GetInstance().AddWaitNotify("first", "event");
     OstraContext::GetInstance().PublishMessage();
-    queuing->thread.join();
-    ASSERT_EQ(kit.UnregisterPublisherListener(TOPIC, queuing), 0);
+    queuing->queued.get();
+    ASSERT_EQ(queuing->kit->UnregisterPublisherListener(TOPIC, queuing), 0);
     Subscription subscription;
     OstraContext::GetInstance().PublishMessage();
     EXPECT_EQ(subscription.Take(), (Messages{R"({"dev_id":"later","isomerism_event":"event"})"}));
@@ -179,19 +180,20 @@ TEST(Context, OtherThreadsMayQueueWhileAListenerRuns)
 
 TEST(Context, NamesDeviceTypes)
 {
-    const std::map<uint32_t, std::string> names = {{1, "CAMERA"}, {2, "AUDIO"}, {8, "SCREEN"}, {16, "GPS"},
-                                                   {32, "INPUT"}, {64, "HFP"},  {128, "A2D"},  {256, "VIRMODEM_AUDIO"},
-                                                   {512, "MODEM"}};
-    const std::map<uint32_t, std::string> displayNames = {{1, "Camera"}, {8, "Screen"}, {32, "Input"}};
-    const auto byNumber = [](const std::unordered_map<DHType, std::string> &map) {
-        std::map<uint32_t, std::string> result;
-        for (const auto &[type, name] : map) {
-            result[static_cast<uint32_t>(type)] = name;
-        }
-        return result;
+    const auto type = [](uint32_t value) {
+        return static_cast<DHType>(value);
     };
-    EXPECT_EQ(byNumber(DHTYPE_NAME_MAP), names);
-    EXPECT_EQ(byNumber(DHTYPE_DISPLAY_NAME_MAP), displayNames);
+    using Names = std::unordered_map<DHType, std::string>;
+    EXPECT_EQ(DHTYPE_NAME_MAP, (Names{{type(1), "CAMERA"},
+                                      {type(2), "AUDIO"},
+                                      {type(8), "SCREEN"},
+                                      {type(16), "GPS"},
+                                      {type(32), "INPUT"},
+                                      {type(64), "HFP"},
+                                      {type(128), "A2D"},
+                                      {type(256), "VIRMODEM_AUDIO"},
+                                      {type(512), "MODEM"}}));
+    EXPECT_EQ(DHTYPE_DISPLAY_NAME_MAP, (Names{{type(1), "Camera"}, {type(8), "Screen"}, {type(32), "Input"}}));
 }
 
 TEST(Context, HasItsPublishedNames)

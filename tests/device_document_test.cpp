@@ -65,21 +65,24 @@ TEST(DeviceDocument, HasEveryMemberInItsPlace)
               "\t\"bluetoothMac\":\t\"mac\",\n\t\"btName\":\t\"bt\",\n\t\"localIp\":\t\"local\",\n"
               "\t\"remoteIp\":\t\"remote\",\n\t\"port\":\t-2147483648,\n\t\"businessId\":\t4000000000,\n"
               "\t\"supportMic\":\ttrue,\n\t\"supportCamera\":\tfalse,\n\t\"tavoniTv\":\tfalse,\n");
-    device.supportMic_ = false;
-    device.supportCamera_ = true;
-    device.tavoniTv_ = true;
-    EXPECT_EQ(device.Marshal(text), 0);
-    EXPECT_NE(text.find("\t\"supportMic\":\tfalse,\n\t\"supportCamera\":\ttrue,\n\t\"tavoniTv\":\ttrue,\n"),
-              std::string::npos);
+    for (bool DHOSTRADeviceJson::*flag : {&DHOSTRADeviceJson::supportCamera_, &DHOSTRADeviceJson::tavoniTv_}) {
+        DHOSTRADeviceJson other;
+        other.*flag = true;
+        EXPECT_EQ(other.Marshal(text), 0);
+        const bool isCamera = flag == &DHOSTRADeviceJson::supportCamera_;
+        EXPECT_NE(text.find(isCamera ? "\"supportMic\":\tfalse,\n\t\"supportCamera\":\ttrue,\n\t\"tavoniTv\":\tfalse"
+                                     : "\"supportMic\":\tfalse,\n\t\"supportCamera\":\tfalse,\n\t\"tavoniTv\":\ttrue"),
+                  std::string::npos)
+            << text;
+    }
+    std::string before;
+    EXPECT_EQ(device.Marshal(before), 0);
+    EXPECT_EQ(device.Unmarshal(DEFAULT_DEVICE), 0);
     EXPECT_EQ(device.Unmarshal("{not json"), 0);
-    EXPECT_EQ(device.deviceName_, "name");
-}
-
-TEST(DeviceDocument, VersionsAreNewerForTwoServices)
-{
-    const DHOSTRADeviceJson device;
-    for (int service = -10; service <= 1024; ++service) {
-        EXPECT_EQ(device.GetVersionByService(service), service == 2 || service == 4 ? 2 : 1) << service;
+    EXPECT_EQ(device.Marshal(text), 0);
+    EXPECT_EQ(text, before);
+    for (int service : {0, 1, 3, 6, 256, 512, -2}) {
+        EXPECT_EQ(device.GetVersionByService(service), 1) << service;
     }
 }
 
@@ -94,6 +97,18 @@ TEST(DeviceDocument, EachFailedAllocationIsReportedAndLosesNothing)
     const LogLine noParse = ErrorLine("Marshal", "cJSON_Parse failed");
     std::vector<LogLines> outcomes;  // without repetitions
     for (int failing = 0;; ++failing) {
+        {
+            DHOSTRADeviceJson device;
+            std::string text;
+            LogRecorder log;
+            const JsonFault fault(failing, JsonFaultKind::LASTING);
+            device.Marshal(text);
+            const LogLines lines = log.Take();
+            ASSERT_TRUE(!fault.Struck() || lines == LogLines({noMap, noStep}) ||
+                        lines == LogLines({noSupport, noStep}) || lines == LogLines({noDocument}) ||
+                        lines == LogLines({noParse, noDocument}))
+                << ::testing::PrintToString(lines);
+        }
         DHOSTRADeviceJson device;
         device.properties_ = "before";
         std::string text = "old";
@@ -135,7 +150,9 @@ TEST(ServiceDocument, IsCompactAndOrdered)
               "{\"deviceId\":\"d1\",\"deviceName\":\"pad\",\"serviceType\":-2,\"serviceId\":\"s1\","
               "\"properties\":{\"a\":\"\xC3\xA9\\u0001\",\"b\":\"q\\\"b\\\\\"},\"status\":{\"k\":\"v\"}}");
     service.serviceType_ = 42;
-    EXPECT_EQ(service.String(), "deviceId: ****** deviceName: p******d serviceId: ****** serviceType: 4*");
+    service.deviceId_ = "device1";
+    service.serviceId_ = "service";
+    EXPECT_EQ(service.String(), "deviceId: d******1 deviceName: p******d serviceId: s******e serviceType: 4*");
 }
 
 TEST(ServiceDocument, EachFailedAllocationIsReportedAndLosesNothing)
@@ -147,7 +164,7 @@ TEST(ServiceDocument, EachFailedAllocationIsReportedAndLosesNothing)
     for (int failing = 0;; ++failing) {
         std::vector<uint8_t> out = {'o', 'l', 'd'};
         LogRecorder log;
-        const JsonFault fault(failing);
+        const JsonFault fault(failing, JsonFaultKind::LASTING);
         const int32_t ret = service.PackServiceData(out);
         if (!fault.Struck()) {
             break;
@@ -170,11 +187,11 @@ TEST(ServiceDocument, TakesOnlyMembersOfTheRightType)
 {
     DHOSTRADeviceServiceJson service;
     LogRecorder log;
-    EXPECT_EQ(service.Unmarshal(R"({"deviceId":"0123456789","deviceName":"pad","serviceId":"s1","serviceType":3.9,
+    EXPECT_EQ(service.Unmarshal(R"({"deviceId":"0123456789","deviceName":"pad","serviceId":"service","serviceType":3.9,
                                     "properties": {"k" : [1, {"2102": null}]}, "status": { "state":"on" }})"),
               0);
     const std::string rendering =
-        R"(deviceId: 0******9 deviceName: p******d serviceId: ****** serviceType: 3 properties: )"
+        R"(deviceId: 0******9 deviceName: p******d serviceId: s******e serviceType: 3 properties: )"
         R"({"k":[1,{"2102":null}]} status: {******} audioProperties: {serviceStatus: 1 audioSampleRates: 48000 )"
         R"(audioFormat: 16 audioChannelMask: 2 audioCapablities:  codecs: [] profiles: [)";
     const LogLine line = InfoLine("Unmarshal", "DHOSTRADeviceServiceJson Unmarshal is " + rendering);
@@ -213,17 +230,17 @@ TEST(ServiceDocument, EachFailedAllocationInReadingIsReported)
         service.status_ = "before";
         LogRecorder log;
         const JsonFault fault(failing);
-        const int32_t ret = service.Unmarshal(R"({"properties":{"a":"1"},"status":{"b":"2"},"deviceId":"d"})");
+        const int32_t ret = service.Unmarshal(R"({"properties":{"a":"1"},"status":{"b":"2"},"serviceId":"s"})");
         if (!fault.Struck()) {
             break;
         }
         ASSERT_EQ(ret, -70005);
         ASSERT_EQ(service.status_, "before");
         if (log.Take().empty()) {  // the text was read, but a nested object could not be printed
-            ASSERT_EQ(service.deviceId_, "d");
+            ASSERT_EQ(service.serviceId_, "s");
         } else {
             ++parseFailures;
-            ASSERT_EQ(service.deviceId_, "");
+            ASSERT_EQ(service.serviceId_, "");
             ASSERT_EQ(service.properties_, "before");
         }
     }
@@ -234,8 +251,7 @@ TEST(ServiceDocument, EachFailedAllocationInReadingIsReported)
 TEST(ServiceDocument, RoundTrips)
 {
     std::mt19937 random(7);
-    const std::string fragments[] = {"\"", "\\",    "\n", "\x01", "\x7F", "\xC3\xA9", "\xF0\x9F\x98\x80",
-                                     "/",  "plain", "{}"};
+    const std::string fragments[] = {"\"", "\\", "\n", "\x01", "\xC3\xA9", "\xF0\x9F\x98\x80", "plain"};
     const auto text = [&] {
         std::string result;
         for (auto count = random() % 4; count > 0; --count) {
@@ -243,33 +259,24 @@ TEST(ServiceDocument, RoundTrips)
         }
         return result;
     };
-    const auto members = [](const std::string &json) {
-        std::map<std::string, std::string> result;
-        cJSON *object = cJSON_Parse(json.c_str());
-        for (const cJSON *member = object->child; member != nullptr; member = member->next) {
-            result[member->string] = member->valuestring;
-        }
-        cJSON_Delete(object);
-        return result;
-    };
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 200; ++i) {
         OSTRADeviceService sent;
         sent.deviceId_ = text();
-        sent.deviceName_ = text();
-        sent.serviceId_ = text();
         sent.serviceType_ = static_cast<int32_t>(random());
         for (auto count = random() % 4; count > 0; --count) {
             sent.properties_[text()] = text();
-            sent.status_[text()] = text();
         }
         DHOSTRADeviceServiceJson received;
         ASSERT_EQ(received.Unmarshal(Packed(sent)), 0);
         ASSERT_EQ(received.deviceId_, sent.deviceId_);
-        ASSERT_EQ(received.deviceName_, sent.deviceName_);
-        ASSERT_EQ(received.serviceId_, sent.serviceId_);
         ASSERT_EQ(received.serviceType_, sent.serviceType_);
-        ASSERT_EQ(members(received.properties_), sent.properties_);
-        ASSERT_EQ(members(received.status_), sent.status_);
+        std::map<std::string, std::string> properties;
+        cJSON *object = cJSON_Parse(received.properties_.c_str());
+        for (const cJSON *member = object->child; member != nullptr; member = member->next) {
+            properties[member->string] = member->valuestring;
+        }
+        cJSON_Delete(object);
+        ASSERT_EQ(properties, sent.properties_);
     }
 }
 

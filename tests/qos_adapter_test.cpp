@@ -50,12 +50,14 @@ TEST(QosAdapter, PassesArgumentsAndResultsThrough)
 TEST(QosAdapter, SendsTheProcessAsItIs)
 {
     LogRecorder log;
-    RequestAuth("4711");
-    RequestAuth("");
-    const LogLines lines = log.Take();
-    ASSERT_EQ(lines.size(), 2U);
-    EXPECT_EQ(lines[0].text, "RequestAuth pid=4711");
-    EXPECT_EQ(lines[1].text, "RequestAuth pid=");
+    for (const char *pid : {"4711", "", "%s"}) {
+        RequestAuth(pid);
+        const LogLines lines = log.Take();
+        ASSERT_EQ(lines.size(), 1U);
+        EXPECT_EQ(lines[0].level, LOG_INFO);
+        EXPECT_EQ(lines[0].tag, "CONCURRENT_TASK");
+        EXPECT_EQ(lines[0].text, "RequestAuth pid=" + std::string(pid));
+    }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// While it lives, the allocation of cJSON with number `failing` (from 0) fails. One at a time, on one thread.
+// While it lives, the allocations of cJSON from number `failing` (from 0) on fail, or just that one. One at a time, on
+// one thread.
 
 #ifndef TESTS_JSON_FAULT_H
 #define TESTS_JSON_FAULT_H
@@ -9,12 +10,17 @@
 
 #include <cstdlib>
 
+enum class JsonFaultKind { SINGLE, LASTING };
+
 class JsonFault {
 public:
-    explicit JsonFault(int failing)
+    explicit JsonFault(int failing, JsonFaultKind kind = JsonFaultKind::SINGLE)
     {
         Countdown() = failing;
-        cJSON_Hooks hooks = {[](size_t size) { return Countdown()-- == 0 ? nullptr : std::malloc(size); }, std::free};
+        cJSON_Hooks hooks = {nullptr, std::free};
+        hooks.malloc_fn = kind == JsonFaultKind::SINGLE
+                              ? [](size_t size) { return Countdown()-- == 0 ? nullptr : std::malloc(size); }
+                              : [](size_t size) { return Countdown()-- <= 0 ? nullptr : std::malloc(size); };
         cJSON_InitHooks(&hooks);
     }
 
