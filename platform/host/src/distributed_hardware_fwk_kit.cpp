@@ -73,10 +73,11 @@ int32_t DistributedHardwareFwkKit::PublishMessage(const DHTopic topic, const std
     {
         Registry &registry = ProcessRegistry();
         const std::lock_guard<std::mutex> lock(registry.mutex);
-        listeners = registry.listeners[topic];
-    }
-    if (listeners == nullptr) {
-        return 0;
+        const auto found = registry.listeners.find(topic);
+        if (found == registry.listeners.end()) {
+            return 0;
+        }
+        listeners = found->second;
     }
     // Called without the lock: a listener may register, unregister or publish itself.
     for (const sptr<IPublisherListener> &listener : *listeners) {

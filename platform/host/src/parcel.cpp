@@ -4,7 +4,6 @@
 
 #include <cstring>
 #include <limits>
-#include <utility>
 
 namespace OHOS {
 
@@ -128,8 +127,7 @@ bool Parcel::ParseFrom(uintptr_t data, size_t size)
     }
     // The platform passes the address as an integer.
     const auto *begin = reinterpret_cast<const uint8_t *>(data);  // NOLINT(performance-no-int-to-ptr)
-    std::vector<uint8_t> copy(begin, begin + size);               // on the side: the bytes may be the parcel's own
-    data_ = std::move(copy);
+    data_.assign(begin, begin + size);
     readPosition_ = 0;
     return true;
 }

@@ -7,6 +7,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <mutex>
+
 namespace OHOS::QOS {
 
 namespace {
@@ -43,6 +45,8 @@ int SetQosForOtherThread(enum QosLevel level, int tid)
     }
     const int row = static_cast<int>(level) - static_cast<int>(QosLevel::QOS_BACKGROUND);
     const Scheduling &wanted = SCHEDULING_OF_LEVEL[row];
+    static std::mutex mutex;  // policy and nice value change together
+    const std::lock_guard<std::mutex> lock(mutex);
     // The nice value first: where the kernel grants it, it grants the policy too, so a refusal changes nothing.
     if (setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + wanted.nice) != 0) {
         return -1;
