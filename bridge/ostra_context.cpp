@@ -15,7 +15,7 @@ constexpr DHTopic NOTIFICATION_TOPIC = static_cast<DHTopic>(8);
 
 OstraContext &OstraContext::GetInstance()
 {
-    static auto *const instance = new OstraContext();  // leaks on purpose: other exit-time code may still use it
+    static auto *const instance = new OstraContext();  // leaks on purpose: it outlives every static object
     return *instance;
 }
 

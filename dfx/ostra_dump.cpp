@@ -25,7 +25,7 @@ struct CloseFile {
 
 OstraDump &OstraDump::GetInstance()
 {
-    static auto *const instance = new OstraDump();  // leaks on purpose: streams may run until the very end
+    static auto *const instance = new OstraDump();  // leaks on purpose: it outlives every static object
     return *instance;
 }
 

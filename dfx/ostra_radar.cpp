@@ -95,7 +95,7 @@ bool Write(const Step &step, const Report &report)
 
 OstraRadar &OstraRadar::GetInstance()
 {
-    static auto *const instance = new OstraRadar();  // leaks on purpose: steps are reported until the very end
+    static auto *const instance = new OstraRadar();  // leaks on purpose: it outlives every static object
     return *instance;
 }
 

@@ -73,8 +73,8 @@ struct AudioProfile {
 };
 
 // The audio capabilities of a service, and the forms derived from them that the audio pipeline takes. What is read
-// accumulates while the object lives: lists, bits and texts grow and are never reset. Creating and destroying it logs a
-// line at info level.
+// accumulates while the object lives: the lists, the codec bits and the profile text only grow, except that the bits
+// become 0 while there is no codec. Creating and destroying it logs a line at info level.
 class DHOSTRAAudioProperties {
 public:
     OSTRA_EXPORT DHOSTRAAudioProperties();
@@ -82,9 +82,10 @@ public:
     DHOSTRAAudioProperties(const DHOSTRAAudioProperties &) = default;
     DHOSTRAAudioProperties &operator=(const DHOSTRAAudioProperties &) = default;
 
-    // Reads a properties object: takes the text of its member "2102" as the new capability text, reads it, and derives
-    // codec bits and profile list anew. A missing "2102", or one that is no text, leaves the capabilities as they are;
-    // an empty one ends the call at once with success. Returns OSTRA_JSON_SUCCESS, OSTRA_JSON_INPUT_INVALID when `in`
+    // Reads a properties object: takes the text of its member "2102" as the new capability text and reads it, then adds
+    // the codec bits and the profile text of all entries held to what is there (a second call repeats the profiles of
+    // the first). Without a "2102" that is a text only the adding is done; an empty one ends the call at once with
+    // success. Returns OSTRA_JSON_SUCCESS, OSTRA_JSON_INPUT_INVALID when `in`
     // is no JSON, or OSTRA_JSON_STEP_FAILED when the capability text is refused.
     OSTRA_EXPORT int32_t Unmarshal(const std::string &in);
 

@@ -164,7 +164,7 @@ void DHOSTRAAudioProperties::UpdataAudioCodec()
 void DHOSTRAAudioProperties::UpdateAudioProfiles()
 {
     if (profiles_.empty()) {
-        OSTRA_LOGE("DHOSTRAAudioProperties UpdataAudioCodec profiles is empty");  // named so in every release
+        OSTRA_LOGE("DHOSTRAAudioProperties UpdataAudioCodec profiles is empty");  // names the codec step: kept
         audioProfiles_ += DEFAULT_PROFILE;
         return;
     }
