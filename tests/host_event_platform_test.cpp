@@ -312,14 +312,6 @@ TEST(HostEventTest, RulesSelectByDomainAndName)
         {{{"", "EVENT_A"}}, true},
         {{{"DOMAIN", ""}}, true},
         {{{"OTHER", ""}}, false},
-        {{{"DOM", "EVENT_", RuleType::PREFIX}}, true},
-        {{{"OM", "EVENT_", RuleType::PREFIX}}, false},
-        {{{"DOM", "VENT", RuleType::PREFIX}}, false},
-        {{{"", "", RuleType::PREFIX}}, true},
-        {{{"D.*N", "EVENT_[AB]", RuleType::REGULAR}}, true},
-        {{{"D.*N", "EVENT", RuleType::REGULAR}}, false},
-        {{{"OMAIN", "EVENT_A", RuleType::REGULAR}}, false},
-        {{{"", "", RuleType::REGULAR}}, true},
         {{{"OTHER", ""}, {"DOMAIN", ""}, {"", ""}}, true},
     };
     for (const auto &[rules, isHeard] : cases) {
@@ -334,13 +326,9 @@ TEST(HostEventTest, ListenersAreAddedOnceAndRemovedOnce)
 {
     const auto listener = std::make_shared<Listener>();
     std::vector<ListenerRule> all = {{"", ""}};
-    std::vector<ListenerRule> badDomain = {{"(", "", RuleType::REGULAR}};
-    std::vector<ListenerRule> badName = {{"", "(", RuleType::REGULAR}};
     EXPECT_EQ(HiSysEventManager::AddListener(nullptr, all), -1);
     EXPECT_EQ(HiSysEventManager::RemoveListener(nullptr), -1);
     EXPECT_EQ(HiSysEventManager::RemoveListener(listener), -2);
-    EXPECT_EQ(HiSysEventManager::AddListener(listener, badDomain), -3);
-    EXPECT_EQ(HiSysEventManager::AddListener(listener, badName), -3);
     EXPECT_EQ(HiSysEventManager::AddListener(listener, all), 0);
     EXPECT_EQ(HiSysEventManager::AddListener(listener, all), -2);
     EXPECT_EQ(Write("DOMAIN", "EVENT"), 0);

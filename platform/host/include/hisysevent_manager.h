@@ -56,15 +56,15 @@ public:
     virtual void OnServiceDied() = 0;
 };
 
-// How the texts of a rule are compared: with the whole name, with its beginning, or as a POSIX extended regular
-// expression that matches the whole name.
-enum class RuleType { WHOLE_WORD = 1, PREFIX = 2, REGULAR = 3 };
+// How the texts of a rule are compared: with the whole name.
+enum class RuleType { WHOLE_WORD = 1 };
 
 // Matches the events whose domain and name both match. An empty text matches every name.
 class ListenerRule {
 public:
-    ListenerRule(const std::string &domain, const std::string &eventName, RuleType ruleType = RuleType::WHOLE_WORD)
-        : domain_(domain), eventName_(eventName), ruleType_(ruleType)
+    ListenerRule(const std::string &domain, const std::string &eventName,
+                 RuleType /* ruleType */ = RuleType::WHOLE_WORD)
+        : domain_(domain), eventName_(eventName)
     {
     }
 
@@ -78,22 +78,15 @@ public:
         return eventName_;
     }
 
-    RuleType GetRuleType() const
-    {
-        return ruleType_;
-    }
-
 private:
     std::string domain_;
     std::string eventName_;
-    RuleType ruleType_;
 };
 
 class __attribute__((visibility("default"))) HiSysEventManager {
 public:
     // Gives the listener every later event that one of the rules matches, once however many match; without rules it
-    // gets none. Returns 0; -1 for null; -2 when the listener is added already, with its rules unchanged; -3 when a
-    // regular expression is invalid.
+    // gets none. Returns 0; -1 for null; -2 when the listener is added already, with its rules unchanged.
     static int32_t AddListener(std::shared_ptr<HiSysEventListener> listener, std::vector<ListenerRule> &rules);
 
     // Returns 0, or -1 for null, -2 when the listener is not added. A write that is under way in another thread may

@@ -2,8 +2,6 @@
 
 #include "hisysevent_manager.h"
 
-#include <regex.h>
-
 #include <algorithm>
 #include <charconv>
 #include <iterator>
@@ -21,72 +19,23 @@ constexpr int OTHER_TYPE = -3;
 
 constexpr int32_t NULL_LISTENER = -1;
 constexpr int32_t WRONG_STATE = -2;
-constexpr int32_t BAD_EXPRESSION = -3;
 
-// One text of a rule, its expression compiled once.
-class NamePattern {
-public:
-    NamePattern(const std::string &text, RuleType ruleType) : text_(text), ruleType_(ruleType)
-    {
-        auto expression = std::make_unique<regex_t>();
-        if (ruleType == RuleType::REGULAR && regcomp(expression.get(), text.c_str(), REG_EXTENDED) == 0) {
-            expression_ = {expression.release(), [](regex_t *compiled) {
-                               regfree(compiled);
-                               delete compiled;
-                           }};
-        }
-    }
-
-    bool IsValid() const
-    {
-        return ruleType_ != RuleType::REGULAR || expression_ != nullptr;
-    }
-
-    bool Matches(const std::string &name) const
-    {
-        if (text_.empty()) {
-            return true;
-        }
-        switch (ruleType_) {
-            case RuleType::WHOLE_WORD:
-                return name == text_;
-            case RuleType::PREFIX:
-                return name.compare(0, text_.size(), text_) == 0;
-            case RuleType::REGULAR:
-                return MatchesExpression(name);
-        }
-        return false;
-    }
-
-private:
-    // The match found is the longest of the first ones, so it is the whole name if any match is.
-    bool MatchesExpression(const std::string &name) const
-    {
-        regmatch_t match{};
-        return regexec(expression_.get(), name.c_str(), 1, &match, 0) == 0 && match.rm_so == 0 &&
-               static_cast<size_t>(match.rm_eo) == name.size();
-    }
-
-    std::string text_;
-    RuleType ruleType_;
-    std::shared_ptr<const regex_t> expression_;  // of a valid regular expression
-};
-
-struct Rule {
-    NamePattern domain;
-    NamePattern eventName;
-};
+// Whether the text of a rule matches a name.
+bool IsMatch(const std::string &text, const std::string &name)
+{
+    return text.empty() || text == name;
+}
 
 struct Entry {
     bool Matches(const std::string &domain, const std::string &eventName) const
     {
-        return std::any_of(rules.begin(), rules.end(), [&](const Rule &rule) {
-            return rule.domain.Matches(domain) && rule.eventName.Matches(eventName);
+        return std::any_of(rules.begin(), rules.end(), [&](const ListenerRule &rule) {
+            return IsMatch(rule.GetDomain(), domain) && IsMatch(rule.GetEventName(), eventName);
         });
     }
 
     std::shared_ptr<HiSysEventListener> listener;
-    std::vector<Rule> rules;
+    std::vector<ListenerRule> rules;
 };
 
 // The list is replaced as a whole, never changed, so that a write can walk through it without the lock.
@@ -219,16 +168,7 @@ int32_t HiSysEventManager::AddListener(std::shared_ptr<HiSysEventListener> liste
     if (listener == nullptr) {
         return NULL_LISTENER;
     }
-    Entry entry{std::move(listener), {}};
-    for (const ListenerRule &rule : rules) {
-        const NamePattern domain(rule.GetDomain(), rule.GetRuleType());
-        const NamePattern eventName(rule.GetEventName(), rule.GetRuleType());
-        if (!domain.IsValid() || !eventName.IsValid()) {
-            return BAD_EXPRESSION;
-        }
-        entry.rules.push_back({domain, eventName});
-    }
-    return Registry::GetInstance().Add(std::move(entry)) ? 0 : WRONG_STATE;
+    return Registry::GetInstance().Add({std::move(listener), rules}) ? 0 : WRONG_STATE;
 }
 
 int32_t HiSysEventManager::RemoveListener(std::shared_ptr<HiSysEventListener> listener)
