@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
 #include <mutex>
 #include <string_view>
 #include <utility>
@@ -38,58 +37,22 @@ struct Entry {
     std::vector<ListenerRule> rules;
 };
 
-// The list is replaced as a whole, never changed, so that a write can walk through it without the lock.
-class Registry {
-public:
-    using Entries = std::vector<Entry>;
-
-    static Registry &GetInstance()
+struct Registry {
+    std::vector<Entry>::iterator Find(const std::shared_ptr<HiSysEventListener> &listener)
     {
-        static auto &instance = *new Registry;  // never destroyed: threads may write until the very end
-        return instance;
+        return std::find_if(entries.begin(), entries.end(),
+                            [&](const Entry &entry) { return entry.listener == listener; });
     }
 
-    std::shared_ptr<const Entries> Snapshot()
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return entries_;
-    }
-
-    bool Add(Entry entry)
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        if (Contains(*entries_, entry.listener)) {
-            return false;
-        }
-        auto next = std::make_shared<Entries>(*entries_);
-        next->push_back(std::move(entry));
-        entries_ = std::move(next);
-        return true;
-    }
-
-    bool Remove(const std::shared_ptr<HiSysEventListener> &listener)
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        if (!Contains(*entries_, listener)) {
-            return false;
-        }
-        auto next = std::make_shared<Entries>();
-        std::copy_if(entries_->begin(), entries_->end(), std::back_inserter(*next),
-                     [&](const Entry &entry) { return entry.listener != listener; });
-        entries_ = std::move(next);
-        return true;
-    }
-
-private:
-    static bool Contains(const Entries &entries, const std::shared_ptr<HiSysEventListener> &listener)
-    {
-        return std::any_of(entries.begin(), entries.end(),
-                           [&](const Entry &entry) { return entry.listener == listener; });
-    }
-
-    std::mutex mutex_;
-    std::shared_ptr<const Entries> entries_ = std::make_shared<Entries>();
+    std::mutex mutex;
+    std::vector<Entry> entries;
 };
+
+Registry &ProcessRegistry()
+{
+    static Registry &registry = *new Registry;  // never destroyed: threads may write until the very end
+    return registry;
+}
 
 }  // namespace
 
@@ -168,7 +131,13 @@ int32_t HiSysEventManager::AddListener(std::shared_ptr<HiSysEventListener> liste
     if (listener == nullptr) {
         return NULL_LISTENER;
     }
-    return Registry::GetInstance().Add({std::move(listener), rules}) ? 0 : WRONG_STATE;
+    Registry &registry = ProcessRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    if (registry.Find(listener) != registry.entries.end()) {
+        return WRONG_STATE;
+    }
+    registry.entries.push_back({std::move(listener), rules});
+    return 0;
 }
 
 int32_t HiSysEventManager::RemoveListener(std::shared_ptr<HiSysEventListener> listener)
@@ -176,14 +145,22 @@ int32_t HiSysEventManager::RemoveListener(std::shared_ptr<HiSysEventListener> li
     if (listener == nullptr) {
         return NULL_LISTENER;
     }
-    return Registry::GetInstance().Remove(listener) ? 0 : WRONG_STATE;
+    Registry &registry = ProcessRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    const auto found = registry.Find(listener);
+    if (found == registry.entries.end()) {
+        return WRONG_STATE;
+    }
+    registry.entries.erase(found);
+    return 0;
 }
 
 std::vector<std::shared_ptr<HiSysEventListener>> FindListeners(const std::string &domain, const std::string &eventName)
 {
     std::vector<std::shared_ptr<HiSysEventListener>> listeners;
-    const std::shared_ptr<const std::vector<Entry>> entries = Registry::GetInstance().Snapshot();
-    for (const Entry &entry : *entries) {
+    Registry &registry = ProcessRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    for (const Entry &entry : registry.entries) {
         if (entry.Matches(domain, eventName)) {
             listeners.push_back(entry.listener);
         }
