@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Events and system parameters of the host platform. What is read from the environment once a process is tested in
-// processes of its own. The limiter is tested on a clock that stands still.
+// Events of the host platform. What is read from the environment once a process is tested in processes of its own. The
+// limiter is tested on a clock that stands still.
 
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
@@ -14,7 +14,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
-#include <iostream>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -24,7 +23,6 @@
 #include <vector>
 
 #include "hisysevent_manager.h"
-#include "parameter.h"
 
 namespace {
 
@@ -53,14 +51,12 @@ using Record = std::shared_ptr<HiSysEventRecord>;
 
 constexpr int64_t LARGE_NUMBER = -9007199254740993;  // no double holds it
 constexpr char OUTPUT_VARIABLE[] = "OSTRA_HOST_EVENT_OUTPUT";
-constexpr char LIST_VARIABLE[] = "OSTRA_HOST_PARAMETERS";
-constexpr char FILE_VARIABLE[] = "OSTRA_HOST_PARAMETER_FILE";
 
 class CleanEnvironment : public testing::Environment {
     void SetUp() override
     {
         testing::GTEST_FLAG(death_test_style) = "threadsafe";
-        for (const char *variable : {OUTPUT_VARIABLE, LIST_VARIABLE, FILE_VARIABLE}) {
+        for (const char *variable : {OUTPUT_VARIABLE}) {
             unsetenv(variable);
         }
     }
@@ -441,92 +437,6 @@ TEST(HostEventOutputTest, LinesOfProcessesAndThreadsStayWhole)
     }
     EXPECT_EQ(lines, 2 * (1 + threadCount * eventCount));
     unlink(path.c_str());
-}
-
-// The parameter's value, or "error N".
-std::string Parameter(const std::string &name, const char *fallback = "unset")
-{
-    char value[128] = {0};
-    const int length = GetParameter(name.c_str(), fallback, value, sizeof(value));
-    return length < 0 ? "error " + std::to_string(length) : std::string(value, static_cast<size_t>(length));
-}
-
-TEST(HostParameterTest, NamesAndValuesAreCheckedToTheirLimits)
-{
-    constexpr size_t longest = 96;
-    for (const std::string &name : {std::string("a"), std::string("ostra.test_0.9z"), std::string(longest, 'n')}) {
-        for (const std::string &value : {std::string(), std::string("V=;#"), std::string(longest, 'v')}) {
-            EXPECT_EQ(SetParameter(name.c_str(), value.c_str()), 0) << name << "=" << value;
-            EXPECT_EQ(Parameter(name), value) << name;
-        }
-        EXPECT_EQ(SetParameter(name.c_str(), std::string(longest + 1, 'v').c_str()), -9);
-        EXPECT_EQ(Parameter(name), std::string(longest, 'v')) << "unchanged";
-    }
-    for (const std::string &name : {std::string(), std::string(longest + 1, 'n'), std::string("A"), std::string("a-b"),
-                                    std::string("a b"), std::string("\xC3\xA4")}) {
-        EXPECT_EQ(SetParameter(name.c_str(), "value"), -9) << name;
-        EXPECT_EQ(Parameter(name), "error -1") << name;
-    }
-    EXPECT_EQ(SetParameter(nullptr, "value"), -9);
-    EXPECT_EQ(SetParameter("test.null", nullptr), -9);
-    EXPECT_EQ(Parameter("test.null"), "unset");
-    EXPECT_EQ(Parameter("test.null", nullptr), "error -1");
-}
-
-TEST(HostParameterTest, TheBufferHoldsTheTextAndItsZero)
-{
-    EXPECT_EQ(SetParameter("test.buffer", "12345"), 0);
-    for (const char *name : {"test.buffer", "test.unset"}) {
-        const std::string text = name == std::string("test.buffer") ? "12345" : "other";
-        for (uint32_t size = 0; size <= 7; ++size) {
-            char buffer[] = "#######";
-            const bool fits = size > text.size();
-            EXPECT_EQ(GetParameter(name, "other", buffer, size), fits ? 5 : -9) << name << " " << size;
-            EXPECT_EQ(std::string(buffer, 7), fits ? text + '\0' + "#" : "#######") << name << " " << size;
-        }
-    }
-    char buffer[8] = {0};
-    EXPECT_EQ(GetParameter(nullptr, "", buffer, sizeof(buffer)), -9);
-    EXPECT_EQ(GetParameter("test.buffer", "", nullptr, sizeof(buffer)), -9);
-}
-
-TEST(HostParameterTest, TheEnvironmentFillsThem)
-{
-    const std::string path = SharedPath("parameters");
-    std::ofstream(path)
-        << "# a comment=1\n\n  test.file=from file \r\ntest.both=from file\nBAD=1\ntest.semicolon=a;b\n";
-    EXPECT_EXIT(
-        {
-            setenv(FILE_VARIABLE, path.c_str(), 1);
-            setenv(LIST_VARIABLE, "test.both=from list; test.list=a=b;nothing;;test.empty=", 1);
-            std::cerr << Parameter("test.file") << "|" << Parameter("test.both") << "|" << Parameter("test.semicolon")
-                      << "|" << Parameter("test.list") << "|" << Parameter("test.empty") << "|";
-            std::exit(0);
-        },
-        testing::ExitedWithCode(0),
-        "^OSTRA_HOST_PARAMETER_FILE: skipping malformed entry \"BAD=1\"\n"
-        "OSTRA_HOST_PARAMETERS: skipping malformed entry \"nothing\"\n"
-        "from file[|]from list[|]a;b[|]a=b[|][|]$");
-    EXPECT_EXIT(
-        {
-            setenv(FILE_VARIABLE, "/dev/null/file", 1);
-            std::exit(Parameter("test.file") == "unset" ? 0 : 1);
-        },
-        testing::ExitedWithCode(0), "cannot be opened");
-    unlink(path.c_str());
-}
-
-TEST(HostParameterTest, ThreadsReadAndWriteWholeValues)
-{
-    const std::string values[] = {std::string(96, 'a'), "b"};
-    EXPECT_EQ(SetParameter("test.shared", values[0].c_str()), 0);
-    RunThreads(4, [&] {
-        for (size_t i = 0; i < 500; ++i) {
-            EXPECT_EQ(SetParameter("test.shared", values[i % 2].c_str()), 0);
-            const std::string value = Parameter("test.shared");
-            EXPECT_TRUE(value == values[0] || value == values[1]) << value;
-        }
-    });
 }
 
 }  // namespace
