@@ -2,6 +2,7 @@
 
 #include "ostra_dump.h"
 
+#include <cstdint>
 #include <memory>
 
 #include "ostra_adapter_log.h"

@@ -11,6 +11,7 @@
 using OHOS::DistributedHardware::OstraAdapter::ADAPTER_BEHAVIOR_EVENT;
 using OHOS::DistributedHardware::OstraAdapter::OSTRA_DOMAIN;
 using OHOS::DistributedHardware::OstraAdapter::OstraRadar;
+using OHOS::DistributedHardware::OstraAdapter::SOFTBUS_PKG_NAME;
 using OHOS::HiviewDFX::HiSysEventListener;
 using OHOS::HiviewDFX::HiSysEventManager;
 using OHOS::HiviewDFX::HiSysEventRecord;
@@ -19,7 +20,6 @@ using OHOS::HiviewDFX::ListenerRule;
 namespace {
 
 constexpr int COLLABORATION_BUSINESS = 2;
-constexpr char CALLED_PACKAGE[] = "dsoftbus";
 
 }  // namespace
 
@@ -70,7 +70,7 @@ FlowReport::~FlowReport()
 
 void FlowReport::Connected(int errorCode)
 {
-    OstraRadar::GetInstance().ConnectDeviceRes(side_, errorCode, CALLED_PACKAGE);
+    OstraRadar::GetInstance().ConnectDeviceRes(side_, errorCode, SOFTBUS_PKG_NAME);
 }
 
 void FlowReport::AudioOpened(int errorCode)
@@ -85,7 +85,7 @@ void FlowReport::AudioClosed(int errorCode)
 
 void FlowReport::Ended(int errorCode)
 {
-    OstraRadar::GetInstance().DisconnectDeviceRes(side_, errorCode, CALLED_PACKAGE);
+    OstraRadar::GetInstance().DisconnectDeviceRes(side_, errorCode, SOFTBUS_PKG_NAME);
     OstraRadar::GetInstance().ServiceStopRes(side_, errorCode);
 }
 

@@ -42,7 +42,8 @@ public:
     OSTRA_EXPORT void Init();
 
     // Reads the system parameter `key` into `value`, at most 29 bytes. Returns true when it is set and not "-1". An
-    // unset one reads as "-1": false, but `value` is assigned. A null key, or a value that is empty or too long, gives
+    // unset one reads as "-1": false, but `value` is assigned. A null key, a name that the platform refuses, or a
+    // value that is empty or too long, gives
     // false with `value` unchanged, and is logged as an error.
     OSTRA_EXPORT bool GetSysPara(const char *key, std::string &value);
 
