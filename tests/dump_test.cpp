@@ -93,11 +93,16 @@ TEST_F(DumpTest, FollowsTheParameter)
          {INIT, GETTING, ErrorLine("GetSysPara", "GetParameter fail. key: " + std::string(KEY) + ", res:."),
           NOT_ENABLED},
          false},
-        {"01234567890123456789012345678", {INIT, GETTING, Got("01234567890123456789012345678")}, false},
+        {"w1234567890123456789012345678", {INIT, GETTING, Got("w1234567890123456789012345678")}, false},
         {"-1", {INIT, GETTING, Got("-1"), NOT_ENABLED}, false},
-        {"-10", {INIT, GETTING, Got("-10")}, false},
+        {"aw", {INIT, GETTING, Got("aw")}, false},
+        {"-1a", {INIT, GETTING, Got("-1a")}, false},
     };
     EXPECT_EQ(&dump_, &OstraDump::GetInstance());
+    EXPECT_EQ(DUMP_DIR + "/", FOLDER);
+    Dump("x");
+    EXPECT_EQ(dump_.OpenDumpFile(FOLDER + name_), nullptr);
+    EXPECT_EQ(log_.Take(), (LogLines{REFUSED, NotOpened(FOLDER + name_)}));
     for (const auto &row : table) {
         if (row.value != nullptr) {
             ASSERT_EQ(SetParameter(KEY, row.value), 0);
@@ -130,6 +135,8 @@ TEST_F(DumpTest, ReadsAnyParameter)
 
 TEST_F(DumpTest, LeavesTheLatestOrAllBytes)
 {
+    const int free = dup(0);
+    close(free);
     Enable("w");
     Dump(std::string("fir\0st", 6));
     Dump("2nd");
@@ -142,6 +149,14 @@ TEST_F(DumpTest, LeavesTheLatestOrAllBytes)
     DumpStreamData(name_.c_str(), reinterpret_cast<const unsigned char *>("2nd"), 3);
     Dump("");
     EXPECT_EQ(Content(name_), std::string("fir\0st2nd", 9));
+    FILE *file = dump_.OpenDumpFile(FOLDER + name_);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(fileno(file), free);
+    EXPECT_EQ(std::fgetc(file), 'f');
+    dump_.CloseDumpFile(&file);
+    const int again = dup(0);
+    close(again);
+    EXPECT_EQ(again, free);
     EXPECT_TRUE(log_.Take().empty());
 }
 
@@ -168,6 +183,8 @@ TEST_F(DumpTest, RefusesInvalidInputAndWhenOff)
     Enable("-1");
     FILE *file = dump_.OpenDumpFile(FOLDER + name_);
     ASSERT_NE(file, nullptr);
+    EXPECT_EQ(std::fgetc(file), EOF);
+    EXPECT_NE(std::ferror(file), 1);
     dump_.CloseDumpFile(&file);
     EXPECT_EQ(file, nullptr);
     dump_.CloseDumpFile(&file);
@@ -213,13 +230,6 @@ TEST_F(DumpTest, ThreadsDumpToFilesOfTheirOwn)
         EXPECT_EQ(Content(name_ + suffix), expected);
         std::filesystem::remove(FOLDER + name_ + suffix);
     }
-}
-
-TEST(Dump, HasItsPublishedNames)
-{
-    EXPECT_EQ(DUMP_WRITE_ENABLE_KEY, KEY);
-    EXPECT_EQ(DUMP_PATH_PREFIX, FOLDER);
-    EXPECT_EQ(DUMP_DIR + "/", FOLDER);
 }
 
 }  // namespace
