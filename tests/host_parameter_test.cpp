@@ -65,9 +65,9 @@ TEST(HostParameter, TheBufferHoldsTheTextAndItsZero)
     EXPECT_EQ(GetParameter("test.buffer", "", nullptr, sizeof(buffer)), -9);
 }
 
-TEST(HostParameter, TheEnvironmentFillsThem)
+// A death test, so that it runs before the parameters of this process are filled.
+TEST(HostParameterDeathTest, TheEnvironmentFillsThem)
 {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     constexpr char path[] = "host_parameter_test.parameters";  // in the folder that the test runs in
     const auto readAll = [](const char *file) {
         setenv("OSTRA_HOST_PARAMETER_FILE", file, 1);
