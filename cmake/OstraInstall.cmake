@@ -1,0 +1,24 @@
+# What `cmake --install` puts where: the headers, the library and the host platform that it stands on, a CMake package
+# and a pkg-config file. All of it may be moved as a whole.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/ostra_adapter_utils)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ostra_adapter_utils)
+
+install(TARGETS ostra_adapter_utils ostra_host_platform EXPORT ostra_adapter_utilsTargets)
+install(DIRECTORY include/ DESTINATION ${headers_dir})
+install(DIRECTORY platform/host/include/ DESTINATION ${headers_dir}/platform)
+install(EXPORT ostra_adapter_utilsTargets NAMESPACE ostra:: DESTINATION ${package_dir})
+
+configure_package_config_file(cmake/ostra_adapter_utilsConfig.cmake.in ostra_adapter_utilsConfig.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(ostra_adapter_utilsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utilsConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utilsConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+file(RELATIVE_PATH OSTRA_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/ostra_adapter_utils.pc.in ostra_adapter_utils.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utils.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

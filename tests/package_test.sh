@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# Installs a build to an empty prefix, moves it, and builds and runs two outside projects against it: one in C++ through
+# find_package, one in C through pkg-config. Takes from the environment what the build itself uses: CMAKE, CC, CXX,
+# CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two empty unless cross-compiling.
+# Usage: package_test.sh BUILD_FOLDER
+set -euo pipefail
+
+build=$1
+here=$(cd "$(dirname "$0")" && pwd)
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+"$CMAKE" --install "$build" --prefix "$folder/first" >/dev/null
+prefix=$folder/moved
+mv "$folder/first" "$prefix"
+for header in "$here"/../include/*.h; do
+    [ -f "$prefix/include/ostra_adapter_utils/${header##*/}" ] || { echo "not installed: ${header##*/}"; exit 1; }
+done
+libraries=$(dirname "$(find "$prefix" -name libostra_adapter_utils.so)")
+[ -L "$libraries/libostra_adapter_utils.so.0" ] || { echo "the library has no soname"; exit 1; }
+export LD_LIBRARY_PATH=$libraries
+
+"$CMAKE" -S "$here/package" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" \
+    -DCMAKE_FIND_ROOT_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$folder/log" ||
+    { cat "$folder/log"; exit 1; }
+"$CMAKE" --build "$folder/cmake" >"$folder/log" || { cat "$folder/log"; exit 1; }
+$EMULATOR "$folder/cmake/cmake_user"
+
+flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
+# The flags are words to be split.
+# shellcheck disable=SC2086
+"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/package/pkgconfig_user.c" $flags -Wl,-rpath-link,"$libraries" \
+    -o "$folder/pkgconfig_user"
+$EMULATOR "$folder/pkgconfig_user"
