@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Runs the example pair as a user would and looks at what it prints and how it ends. Usage: example_pair_test.sh PROGRAM
+# Runs the example pair as a user would and looks at what it prints and how it ends. Usage:
+# example_pair_test.sh COMMAND [WORD ...]
 set -euo pipefail
 
-pair=$1
+pair=("$@")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
@@ -12,7 +13,7 @@ expect() {
     local status=0
     local wanted=$1 texts=$2
     shift 2
-    "$pair" "$@" >"$folder/out" 2>&1 || status=$?
+    "${pair[@]}" "$@" >"$folder/out" 2>&1 || status=$?
     [ "$status" = "$wanted" ] || { cat "$folder/out"; echo "exit status $status, not $wanted: $*"; exit 1; }
     while read -r text; do
         grep -qF -- "$text" "$folder/out" || { cat "$folder/out"; echo "not printed: $text: $*"; exit 1; }
