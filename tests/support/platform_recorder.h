@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Watches what the library hands to the platform for others: messages and events. One thread.
+
+#ifndef TESTS_PLATFORM_RECORDER_H
+#define TESTS_PLATFORM_RECORDER_H
+
+#include <memory>
+#include <regex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "distributed_hardware_fwk_kit.h"
+#include "hisysevent_manager.h"
+
+class PlatformRecorder : public OHOS::DistributedHardware::IPublisherListener,
+                         public OHOS::HiviewDFX::HiSysEventListener {
+public:
+    using DHTopic = OHOS::DistributedHardware::DHTopic;
+    using Record = OHOS::HiviewDFX::HiSysEventRecord;
+
+    // The one recorder, which listens from the first call on to the topics 1 to 16 and to every event.
+    static PlatformRecorder &GetInstance()
+    {
+        static const std::shared_ptr<PlatformRecorder> recorder = Start();
+        return *recorder;
+    }
+
+    // What came since the last call: messages as "TOPIC TEXT", events as JSON without what changes from run to run.
+    std::string Take()
+    {
+        return std::exchange(seen_, "");
+    }
+
+    void OnMessage(const DHTopic topic, const std::string &message) override
+    {
+        seen_ += std::to_string(static_cast<uint32_t>(topic)) + " " + message;
+    }
+
+    void OnEvent(std::shared_ptr<Record> event) override
+    {
+        seen_ += std::regex_replace(event->AsJson(), std::regex("\"(time|tz|pid|tid|uid)_\":[^,]*,"), "");
+    }
+
+    void OnServiceDied() override
+    {
+    }
+
+private:
+    static std::shared_ptr<PlatformRecorder> Start()
+    {
+        const auto recorder = std::make_shared<PlatformRecorder>();
+        for (uint32_t topic = 1; topic <= 16; ++topic) {
+            OHOS::DistributedHardware::DistributedHardwareFwkKit().RegisterPublisherListener(
+                static_cast<DHTopic>(topic), recorder);
+        }
+        std::vector<OHOS::HiviewDFX::ListenerRule> all = {OHOS::HiviewDFX::ListenerRule("", "")};
+        OHOS::HiviewDFX::HiSysEventManager::AddListener(recorder, all);
+        return recorder;
+    }
+
+    std::string seen_;
+};
+
+#endif  // TESTS_PLATFORM_RECORDER_H
