@@ -5,9 +5,11 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <memory>
 #include <random>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -42,9 +44,7 @@ Bytes FrameOf(const ChannelProtocol &frame)
 Bytes RandomBytes(std::mt19937 &random, size_t length)
 {
     Bytes bytes(length);
-    for (unsigned char &byte : bytes) {
-        byte = static_cast<unsigned char>(random());
-    }
+    std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<unsigned char>(random()); });
     return bytes;
 }
 
@@ -55,27 +55,20 @@ LogLine Refusal(const std::string &method, const std::string &reason)
 
 TEST(ChannelFrame, EncodesHeaderValues)
 {
-    const struct {
-        int value;
-        Bytes expected;
-    } table[] = {{0, {0x80}},
-                 {127, {0xFF}},
-                 {128, {0x00, 0x81}},
-                 {16383, {0x7F, 0xFF}},
-                 {16384, {0x00, 0x00, 0x81}},
-                 {2097151, {0x7F, 0x7F, 0xFF}},
-                 {2097152, {0x00, 0x00, 0x00, 0x81}},
-                 {0x0FFFFFFF, {0x7F, 0x7F, 0x7F, 0xFF}},
-                 {-1, {0x7F, 0x7F, 0x7F, 0x7F}},
-                 {INT_MIN + 300, {0x2C, 0x02, 0x00, 0x00}}};
-    for (const auto &row : table) {
+    for (const auto &[value, expected] : {std::pair<int, Bytes>{0, {0x80}},
+                                          {127, {0xFF}},
+                                          {128, {0x00, 0x81}},
+                                          {16383, {0x7F, 0xFF}},
+                                          {16384, {0x00, 0x00, 0x81}},
+                                          {2097151, {0x7F, 0x7F, 0xFF}},
+                                          {2097152, {0x00, 0x00, 0x00, 0x81}},
+                                          {0x0FFFFFFF, {0x7F, 0x7F, 0x7F, 0xFF}},
+                                          {-1, {0x7F, 0x7F, 0x7F, 0x7F}},
+                                          {INT_MIN + 300, {0x2C, 0x02, 0x00, 0x00}}}) {
         ChannelProtocol frame;
-        ASSERT_TRUE(frame.Create(row.value, 0)) << row.value;
-        EXPECT_EQ(FrameOf(frame), row.expected) << row.value;
-        EXPECT_EQ(frame.offset_, static_cast<int32_t>(row.expected.size())) << row.value;
-        UnPackagedEA ea;
-        ASSERT_TRUE(frame.ReadEA(ea, 0));
-        EXPECT_EQ(ea.value, static_cast<uint32_t>(row.value) & 0x0FFFFFFF);
+        ASSERT_TRUE(frame.Create(value, 0)) << value;
+        EXPECT_EQ(FrameOf(frame), expected) << value;
+        EXPECT_EQ(frame.offset_, frame.GetBufferSize()) << value;
     }
 }
 
@@ -83,16 +76,14 @@ TEST(ChannelFrame, EncodesHeaderValues)
 UnPackagedEA ReadIndependently(const Bytes &frame, int64_t offset)
 {
     UnPackagedEA ea;
-    ea.offset = static_cast<int32_t>(offset);
-    uint32_t weight = 1;
-    for (int64_t at = offset; at < offset + 4 && at < static_cast<int64_t>(frame.size()); ++at, weight *= 128) {
-        const unsigned char byte = frame[static_cast<size_t>(at)];
+    int64_t at = offset;
+    bool isEnd = false;
+    for (uint32_t weight = 1; !isEnd && at < offset + 4 && at < static_cast<int64_t>(frame.size()); weight *= 128) {
+        const unsigned char byte = frame[static_cast<size_t>(at++)];
         ea.value += byte % 128 * weight;
-        ea.offset = static_cast<int32_t>(at + 1);
-        if (byte >= 128) {
-            break;
-        }
+        isEnd = byte >= 128;
     }
+    ea.offset = static_cast<int32_t>(at);
     return ea;
 }
 
@@ -171,17 +162,14 @@ TEST(ChannelFrame, FailedAllocationOrCopyTurnsIntoFalse)
     ASSERT_TRUE(frame.Create(300, 2));
     const std::unique_ptr<unsigned char[]> first(frame.GetBuffer());  // a further frame replaces it, unreleased
     LogRecorder log;
-    {
+    const auto withoutMemory = [](auto create) {
         const AllocationFault fault(0);
-        EXPECT_FALSE(frame.Create(5, 5));
-    }
-    EXPECT_EQ(frame.GetBuffer(), nullptr);
-    EXPECT_TRUE(log.Take().empty());
+        return create();
+    };
+    EXPECT_FALSE(withoutMemory([&] { return frame.Create(5, 5); }));
+    EXPECT_TRUE(frame.GetBuffer() == nullptr && log.Take().empty());
     frame.protocolBuffer_ = first.get();
-    {
-        const AllocationFault fault(0);
-        EXPECT_FALSE(frame.CreateFromBuffer(&byte, 1));
-    }
+    EXPECT_FALSE(withoutMemory([&] { return frame.CreateFromBuffer(&byte, 1); }));
     EXPECT_EQ(frame.GetBuffer(), nullptr);
     g_copyingFails = true;
     EXPECT_FALSE(frame.Create(5, 5));
@@ -227,7 +215,7 @@ TEST(ChannelFrame, WritingRefusesWhatDoesNotFit)
 
 TEST(ChannelFrame, EndMarkIsBit7)
 {
-    for (int byte = 0; byte < 256; ++byte) {
+    for (unsigned byte = 0; byte < 256; ++byte) {
         EXPECT_EQ(ChannelProtocol::HasEA(static_cast<unsigned char>(byte)), byte >= 0x80);
     }
 }
@@ -236,9 +224,9 @@ uint32_t BitwiseCrc(const Bytes &bytes)
 {
     uint32_t crc = 0;
     for (unsigned char byte : bytes) {
+        crc ^= byte;
         for (int bit = 0; bit < 8; ++bit) {
-            const bool isOdd = (((static_cast<uint32_t>(byte) >> bit) ^ crc) & 1) != 0;
-            crc = (crc >> 1) ^ (isOdd ? 0xA001 : 0);
+            crc = (crc >> 1) ^ (crc % 2 * 0xA001);
         }
     }
     return crc;
@@ -246,20 +234,14 @@ uint32_t BitwiseCrc(const Bytes &bytes)
 
 TEST(ChannelCrc, GivesThePublishedValuesAndLogsThemMasked)
 {
-    const struct {
-        const char *text;
-        uint32_t crc;
-        const char *masked;
-    } table[] = {{"123456789", 0xBB3D, "4******3"},  // 47933
-                 {"hello", 0x34D2, "1******2"},      // 13522
-                 {"", 0, "******"}};
     LogRecorder log;
     ChannelProtocol frame;
-    for (const auto &row : table) {
-        std::string text = row.text;
-        EXPECT_EQ(frame.GetCrc(reinterpret_cast<unsigned char *>(text.data()), static_cast<int>(text.size())), row.crc);
+    for (auto [data, crc, masked] :
+         {std::tuple{"123456789", 0xBB3DU, "4******3"}, {"hello", 0x34D2U, "1******2"}, {"", 0U, "******"}}) {
+        std::string text = data;
+        EXPECT_EQ(frame.GetCrc(reinterpret_cast<unsigned char *>(text.data()), static_cast<int>(text.size())), crc);
         const std::string message = "ChannelProtocol::GetCrc: getCrc16:";
-        EXPECT_EQ(log.Take(), (LogLines{InfoLine("GetCrc", message + row.masked)}));
+        EXPECT_EQ(log.Take(), (LogLines{InfoLine("GetCrc", message + masked)}));
     }
     unsigned char byte = 1;
     for (auto [data, length] : {std::pair<unsigned char *, int>{&byte, -1}, {&byte, INT_MIN}, {nullptr, 9}}) {

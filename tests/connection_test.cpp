@@ -20,9 +20,8 @@ TEST(Data, StartsZeroedWithAZeroBehindIt)
 {
     for (size_t capacity : {1U, 10U, 4096U}) {
         DHData data(capacity);
-        EXPECT_EQ(data.Capacity(), capacity);
-        EXPECT_EQ(data.Size(), capacity);
-        EXPECT_EQ(data.Offset(), 0U);
+        EXPECT_EQ((std::vector<uint64_t>{data.Capacity(), data.Size(), data.Offset()}),
+                  (std::vector<uint64_t>{capacity, capacity, 0}));
         EXPECT_EQ(std::string(data.Data(), data.Data() + capacity + 1), std::string(capacity + 1, '\0'));
     }
     const uint64_t before = AllocationCount();

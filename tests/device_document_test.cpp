@@ -14,24 +14,12 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
 constexpr char DEFAULT_DEVICE[] =
-    "{\n"
-    "\t\"deviceId\":\t\"\",\n"
-    "\t\"deviceName\":\t\"\",\n"
-    "\t\"deviceType\":\t0,\n"
-    "\t\"bluetoothMac\":\t\"\",\n"
-    "\t\"btName\":\t\"\",\n"
-    "\t\"localIp\":\t\"\",\n"
-    "\t\"remoteIp\":\t\"\",\n"
-    "\t\"port\":\t-1,\n"
-    "\t\"businessId\":\t0,\n"
-    "\t\"supportMic\":\tfalse,\n"
-    "\t\"supportCamera\":\tfalse,\n"
-    "\t\"tavoniTv\":\tfalse,\n"
-    "\t\"properties\":\t{\n"
-    "\t\t\"2016\":\t\"{\\n\\t\\\"1\\\":\\t1,\\n\\t\\\"2\\\":\\t2,\\n\\t\\\"4\\\":\\t2,\\n\\t\\\"256\\\":\\t1,\\n\\t"
-    "\\\"512\\\":\\t1\\n}\"\n"
-    "\t}\n"
-    "}";
+    "{\n\t\"deviceId\":\t\"\",\n\t\"deviceName\":\t\"\",\n\t\"deviceType\":\t0,\n"
+    "\t\"bluetoothMac\":\t\"\",\n\t\"btName\":\t\"\",\n\t\"localIp\":\t\"\",\n\t\"remoteIp\":\t\"\",\n"
+    "\t\"port\":\t-1,\n\t\"businessId\":\t0,\n"
+    "\t\"supportMic\":\tfalse,\n\t\"supportCamera\":\tfalse,\n\t\"tavoniTv\":\tfalse,\n"
+    "\t\"properties\":\t{\n\t\t\"2016\":\t\"{\\n\\t\\\"1\\\":\\t1,\\n\\t\\\"2\\\":\\t2,\\n\\t\\\"4\\\":\\t2,\\n\\t"
+    "\\\"256\\\":\\t1,\\n\\t\\\"512\\\":\\t1\\n}\"\n\t}\n}";
 
 std::string Packed(const OSTRADeviceService &service)
 {
