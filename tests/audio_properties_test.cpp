@@ -13,32 +13,22 @@ namespace {
 
 LogLine AudioLine(LogLevel level, const std::string &function, const std::string &message)
 {
-    return LibraryLine(level, function, "DHOSTRAAudioProperties " + message);
-}
-
-LogLine CodecBits(int bits)
-{
-    return AudioLine(LOG_INFO, "UpdataAudioCodec", "UpdataAudioCodec audioCodecType is : " + std::to_string(bits));
+    return LibraryLine(level, function, "DHOSTRAAudioProperties " + function + " " + message);
 }
 
 LogLine Profiles(const std::string &text)
 {
-    return AudioLine(LOG_INFO, "UpdateAudioProfiles", "UpdateAudioProfiles audioProfiles is " + text);
-}
-
-LogLine Missing(const std::string &list, const std::string &what)
-{
-    return AudioLine(LOG_ERROR, "UnmarshalAudio" + list, "UnmarshalAudio" + list + " " + what + " is null");
+    return AudioLine(LOG_INFO, "UpdateAudioProfiles", "audioProfiles is " + text);
 }
 
 LogLine Result(const DHOSTRAAudioProperties &audio)
 {
-    return AudioLine(LOG_INFO, "Unmarshal", "Unmarshal is " + audio.String());
+    return AudioLine(LOG_INFO, "Unmarshal", "is " + audio.String());
 }
 
-const LogLine NO_CODECS =
-    AudioLine(LOG_ERROR, "UpdataAudioCodec", "UpdataAudioCodec codecs is empty, use default audioCodecType");
-const LogLine NO_PROFILES = AudioLine(LOG_ERROR, "UpdateAudioProfiles", "UpdataAudioCodec profiles is empty");
+const LogLine NO_CODECS = AudioLine(LOG_ERROR, "UpdataAudioCodec", "codecs is empty, use default audioCodecType");
+const LogLine NO_PROFILES =
+    ErrorLine("UpdateAudioProfiles", "DHOSTRAAudioProperties UpdataAudioCodec profiles is empty");
 
 // A properties object whose member "2102" holds the capability text.
 std::string PropertiesOf(const std::string &capabilities)
@@ -73,15 +63,17 @@ TEST(AudioProperties, ReadsAndAccumulates)
                   " codecs: [0, 2, 3, 2147483647, 4294967295, ] "
                   "profiles: [[-44100, 12, 4] }[16000, 2, 1] }[0, 0, 0] }[0, 1, 0] }");
     const auto invalid = [](const std::string &code) {
-        return AudioLine(LOG_ERROR, "UpdataAudioCodec", "UpdataAudioCodec current codec invalid, is " + code);
+        return AudioLine(LOG_ERROR, "UpdataAudioCodec", "current codec invalid, is " + code);
     };
-    EXPECT_EQ(log.Take(), (LogLines{invalid("3"), invalid("2147483647"), invalid("-1"), CodecBits(8 + 5),
+    EXPECT_EQ(log.Take(), (LogLines{invalid("3"), invalid("2147483647"), invalid("-1"),
+                                    AudioLine(LOG_INFO, "UpdataAudioCodec", "audioCodecType is : 13"),
                                     Profiles("-44100,2,24;"), Result(audio)}));
 
     const std::string more = R"({"codecs":[1],"profiles":[{"sampleRate":8000,"channel":16,"format":2}]})";
     EXPECT_EQ(audio.Unmarshal(PropertiesOf(more)), 0);
     EXPECT_EQ(audio.codecs_.size() + audio.profiles_.size(), codecs.size() + 1 + 5);
-    EXPECT_EQ(log.Take(), (LogLines{invalid("3"), invalid("2147483647"), invalid("-1"), CodecBits(8 + 7),
+    EXPECT_EQ(log.Take(), (LogLines{invalid("3"), invalid("2147483647"), invalid("-1"),
+                                    AudioLine(LOG_INFO, "UpdataAudioCodec", "audioCodecType is : 15"),
                                     Profiles("-44100,2,24;-44100,2,24;8000,1,8;"), Result(audio)}));
 }
 
@@ -103,10 +95,11 @@ TEST(AudioProperties, FallsBackWhereThereIsNothing)
     EXPECT_EQ(audio.Unmarshal(PropertiesOf("")), 0);
     EXPECT_EQ(audio.audioCapablities_, "");
     EXPECT_EQ(audio.audioCodecType_, 3U);
-    EXPECT_EQ(log.Take(), (LogLines{AudioLine(LOG_INFO, "Unmarshal", "Unmarshal audioCapablities is null")}));
+    EXPECT_EQ(log.Take(), (LogLines{AudioLine(LOG_INFO, "Unmarshal", "audioCapablities is null")}));
 
     EXPECT_EQ(audio.Unmarshal(PropertiesOf(R"({"codecs":[],"profiles":[]})")), 0);
-    EXPECT_EQ(log.Take(), (LogLines{Missing("Codecs", "codecs"), Missing("Profiles", "profiles"), NO_CODECS,
+    EXPECT_EQ(log.Take(), (LogLines{AudioLine(LOG_ERROR, "UnmarshalAudioCodecs", "codecs is null"),
+                                    AudioLine(LOG_ERROR, "UnmarshalAudioProfiles", "profiles is null"), NO_CODECS,
                                     NO_PROFILES, Result(audio)}));
     EXPECT_EQ(audio.Unmarshal(PropertiesOf(R"({"codecs":1,"profiles":{}})")), 0);
     EXPECT_EQ(log.Take(), (LogLines{NO_CODECS, NO_PROFILES, Result(audio)}));
@@ -134,7 +127,8 @@ TEST(AudioProperties, RefusesBadTexts)
     EXPECT_EQ(log.Take(), (LogLines{noText}));
     EXPECT_EQ(audio.UnmarshalAudioCodecs(nullptr), -70003);
     EXPECT_EQ(audio.UnmarshalAudioProfiles(nullptr), -70003);
-    EXPECT_EQ(log.Take(), (LogLines{Missing("Codecs", "root"), Missing("Profiles", "root")}));
+    EXPECT_EQ(log.Take(), (LogLines{AudioLine(LOG_ERROR, "UnmarshalAudioCodecs", "root is null"),
+                                    AudioLine(LOG_ERROR, "UnmarshalAudioProfiles", "root is null")}));
 
     // The limit looks at what is held before the new text.
     const std::string oneMore = R"({"codecs":[0],"profiles":[{"sampleRate":1,"channel":1,"format":1}]})";
