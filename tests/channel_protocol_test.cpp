@@ -115,17 +115,15 @@ TEST(ChannelFrame, ReadingRefusesWhatItCannotRead)
 {
     LogRecorder log;
     UnPackagedEA ea{77, 78};
-    EXPECT_FALSE(ChannelProtocol().ReadEA(ea, 0));
     ChannelProtocol frame;
+    EXPECT_FALSE(frame.ReadEA(ea, 0));
     ASSERT_TRUE(frame.Create(300, 0));
     EXPECT_FALSE(frame.ReadEA(ea, -1));
     EXPECT_FALSE(frame.ReadEA(ea, INT_MIN));
     const LogLine invalid = Refusal("ReadEA", "Invalid para.");
     const LogLine noFrame = Refusal("ReadEA", "protocolBuffer is nullptr or bufferSize < 1, please check.");
     EXPECT_EQ(log.Take(), (LogLines{noFrame, invalid, invalid}));
-    EXPECT_EQ(ea.value, 77U);
-    EXPECT_EQ(ea.offset, 78);
-    EXPECT_EQ(frame.offset_, 2);
+    EXPECT_TRUE(ea.value == 77 && ea.offset == 78 && frame.offset_ == 2);
 }
 
 TEST(ChannelFrame, CreateRefusesBadArguments)

@@ -54,9 +54,8 @@ TEST(Data, TakesExactlyTheRangesInsideTheCapacity)
 
 TEST(Data, RaisesOutOfMemoryForWhatCannotBeHad)
 {
-    constexpr size_t max = std::numeric_limits<size_t>::max();
-    EXPECT_THROW(DHData{max}, std::bad_alloc);
-    EXPECT_THROW(DHData{max - 1}, std::bad_alloc);
+    EXPECT_THROW(DHData{std::numeric_limits<size_t>::max()}, std::bad_alloc);
+    EXPECT_THROW(DHData{std::numeric_limits<size_t>::max() - 1}, std::bad_alloc);
     const AllocationFault fault(0);
     EXPECT_THROW(DHData{10}, std::bad_alloc);
 }
@@ -79,8 +78,6 @@ TEST(ConnectInfo, PrintsEveryIdentifyingFieldMasked)
     EXPECT_EQ(MakeConnection().String(),
               "sourceNetworId: 0123******cdef sinkNetworkId: f******0 sourceIp: 1******7 sinkIp: 1******0 "
               "sinkBrMac: 0******1 port: 8***");
-    EXPECT_EQ(DHConnectInfo().String(),
-              "sourceNetworId: ****** sinkNetworkId: ****** sourceIp: ****** sinkIp: ****** sinkBrMac: ****** port: *");
 }
 
 TEST(ConnectInfo, IsItsAddressesAndPort)

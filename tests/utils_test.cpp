@@ -115,16 +115,10 @@ TEST(Utils, AsksTheSoftBusForTheNetworkId)
 TEST(Utils, TellsTheWallClock)
 {
     using namespace std::chrono;
-    const auto clock = [] {
-        return duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
-    };
-    const int64_t before = clock();
-    const int64_t us = GetNowTimeStampUs();
-    const int64_t ms = GetNowTimeStampMs();
-    const int64_t after = clock();
-    EXPECT_LE(before, us);
-    EXPECT_LE(us / 1000, ms);
-    EXPECT_LE(ms, after / 1000);
+    const auto before = system_clock::now();
+    const system_clock::time_point us{microseconds(GetNowTimeStampUs())};
+    const system_clock::time_point ms{milliseconds(GetNowTimeStampMs())};
+    EXPECT_TRUE(before - microseconds(1) < us && us - milliseconds(1) < ms && ms <= system_clock::now());
 }
 
 TEST(Utils, WritesBigEndianBytes)
