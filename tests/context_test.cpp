@@ -6,14 +6,15 @@
 
 #include <chrono>
 #include <future>
+#include <map>
 #include <set>
 #include <thread>
-#include <unordered_map>
 #include <vector>
 
 #include "ostra_constants.h"
 #include "support/json_fault.h"
 #include "support/log_recorder.h"
+#include "support/platform_recorder.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
@@ -22,42 +23,10 @@ constexpr DHTopic TOPIC = static_cast<DHTopic>(8);
 
 using Messages = std::vector<std::string>;
 
-// Collects what is published on the topic while it lives; the context calls under its lock, so this needs none.
-class Subscription {
-public:
-    Subscription() : listener_(new Listener())
-    {
-        EXPECT_EQ(OstraContext::GetInstance().GetDHFwkKit()->RegisterPublisherListener(TOPIC, listener_), 0);
-    }
-
-    ~Subscription()
-    {
-        DistributedHardwareFwkKit().UnregisterPublisherListener(TOPIC, listener_);
-    }
-
-    Subscription(const Subscription &) = delete;
-    Subscription &operator=(const Subscription &) = delete;
-
-    Messages Take()
-    {
-        Messages taken;
-        taken.swap(listener_->messages);
-        return taken;
-    }
-
-private:
-    struct Listener : IPublisherListener {
-        void OnMessage(const DHTopic topic, const std::string &message) override
-        {
-            EXPECT_EQ(topic, TOPIC);
-            messages.push_back(message);
-        }
-
-        Messages messages;
-    };
-
-    std::shared_ptr<Listener> listener_;
-};
+Messages Taken()
+{
+    return PlatformRecorder::GetInstance().Take();
+}
 
 LogLine Counted(int count)
 {
@@ -70,7 +39,7 @@ TEST(Context, PublishesTheLastEventOfEachDeviceInOrder)
 {
     OstraContext &context = OstraContext::GetInstance();
     EXPECT_EQ(&context, &OstraContext::GetInstance());
-    Subscription subscription;
+    Taken();  // starts to listen
     LogRecorder log;
     context.AddWaitNotify("B", ISOMERISM_CONNECT);
     context.AddWaitNotify("\xE9", "");
@@ -79,22 +48,21 @@ TEST(Context, PublishesTheLastEventOfEachDeviceInOrder)
     context.AddWaitNotify("", ISOMERISM_CONNECT);
     EXPECT_TRUE(log.Take().empty());
     context.PublishMessage();
-    EXPECT_EQ(subscription.Take(), (Messages{R"({"dev_id":"","isomerism_event":"isomerism_connect"})",
-                                             R"({"dev_id":"A\"\\\n\u0001","isomerism_event":"e\""})",
-                                             R"({"dev_id":"B","isomerism_event":"isomerism_disconnect"})",
-                                             "{\"dev_id\":\"\xE9\",\"isomerism_event\":\"\"}"}));
+    EXPECT_EQ(Taken(), (Messages{R"(8 {"dev_id":"","isomerism_event":"isomerism_connect"})",
+                                 R"(8 {"dev_id":"A\"\\\n\u0001","isomerism_event":"e\""})",
+                                 R"(8 {"dev_id":"B","isomerism_event":"isomerism_disconnect"})",
+                                 "8 {\"dev_id\":\"\xE9\",\"isomerism_event\":\"\"}"}));
     EXPECT_EQ(log.Take(), (LogLines{Counted(4), PUBLISHED, PUBLISHED, PUBLISHED, PUBLISHED}));
     context.PublishMessage();
-    EXPECT_TRUE(subscription.Take().empty());
+    EXPECT_TRUE(Taken().empty());
     EXPECT_EQ(log.Take(), (LogLines{Counted(0)}));
 }
 
 TEST(Context, FailedAllocationKeepsTheWholeQueue)
 {
     OstraContext &context = OstraContext::GetInstance();
-    Subscription subscription;
     LogRecorder log;
-    const Messages all = {R"({"dev_id":"A","isomerism_event":"1"})", R"({"dev_id":"B","isomerism_event":"2"})"};
+    const Messages all = {R"(8 {"dev_id":"A","isomerism_event":"1"})", R"(8 {"dev_id":"B","isomerism_event":"2"})"};
     const LogLine noObject = ErrorLine("PublishMessage", "PublishMessage, cJSON jsonObj is nullptr");
     const LogLine noText = ErrorLine("PublishMessage", "PublishMessage, cJSON_PrintUnformatted failed");
     std::vector<LogLines> outcomes;  // without repetitions
@@ -112,24 +80,23 @@ TEST(Context, FailedAllocationKeepsTheWholeQueue)
         if (outcomes.empty() || lines != outcomes.back()) {
             outcomes.push_back(lines);
         }
-        const Messages first = subscription.Take();
+        const Messages first = Taken();
         ASSERT_EQ(first, Messages(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(first.size())));
         context.PublishMessage();
-        ASSERT_EQ(subscription.Take(), all) << failing;
+        ASSERT_EQ(Taken(), all) << failing;
         log.Take();
     }
     EXPECT_EQ(outcomes, (std::vector<LogLines>{{Counted(2), noObject},
                                                {Counted(2), noText},
                                                {Counted(2), PUBLISHED, noObject},
                                                {Counted(2), PUBLISHED, noText}}));
-    EXPECT_EQ(subscription.Take(), all);
+    EXPECT_EQ(Taken(), all);
 }
 
 TEST(Context, PublishesEachDeviceOnceUnderManyThreads)
 {
     constexpr int threadCount = 4;
     constexpr int deviceCount = 200;
-    Subscription subscription;
     std::vector<std::thread> threads;
     for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([i] {
@@ -145,7 +112,7 @@ TEST(Context, PublishesEachDeviceOnceUnderManyThreads)
         thread.join();
     }
     OstraContext::GetInstance().PublishMessage();
-    const Messages published = subscription.Take();
+    const Messages published = Taken();
     EXPECT_EQ(published.size(), size_t{threadCount * deviceCount});
     EXPECT_EQ(std::set<std::string>(published.begin(), published.end()).size(), published.size());
 }
@@ -173,45 +140,46 @@ TEST(Context, OtherThreadsMayQueueWhileAListenerRuns)
     OstraContext::GetInstance().PublishMessage();
     queuing->queued.get();
     ASSERT_EQ(queuing->kit->UnregisterPublisherListener(TOPIC, queuing), 0);
-    Subscription subscription;
+    EXPECT_EQ(Taken().size(), 1U);
     OstraContext::GetInstance().PublishMessage();
-    EXPECT_EQ(subscription.Take(), (Messages{R"({"dev_id":"later","isomerism_event":"event"})"}));
+    EXPECT_EQ(Taken(), (Messages{R"(8 {"dev_id":"later","isomerism_event":"event"})"}));
 }
 
 TEST(Context, NamesDeviceTypes)
 {
-    const auto type = [](uint32_t value) {
-        return static_cast<DHType>(value);
-    };
-    using Names = std::unordered_map<DHType, std::string>;
-    EXPECT_EQ(DHTYPE_NAME_MAP, (Names{{type(1), "CAMERA"},
-                                      {type(2), "AUDIO"},
-                                      {type(8), "SCREEN"},
-                                      {type(16), "GPS"},
-                                      {type(32), "INPUT"},
-                                      {type(64), "HFP"},
-                                      {type(128), "A2D"},
-                                      {type(256), "VIRMODEM_AUDIO"},
-                                      {type(512), "MODEM"}}));
-    EXPECT_EQ(DHTYPE_DISPLAY_NAME_MAP, (Names{{type(1), "Camera"}, {type(8), "Screen"}, {type(32), "Input"}}));
+    std::map<uint32_t, std::string> names;  // with the display name, where there is one
+    for (const auto &[type, name] : DHTYPE_NAME_MAP) {
+        names[static_cast<uint32_t>(type)] = name;
+    }
+    for (const auto &[type, name] : DHTYPE_DISPLAY_NAME_MAP) {
+        names[static_cast<uint32_t>(type)] += " " + name;
+    }
+    EXPECT_EQ(names, (std::map<uint32_t, std::string>{{1, "CAMERA Camera"},
+                                                      {2, "AUDIO"},
+                                                      {8, "SCREEN Screen"},
+                                                      {16, "GPS"},
+                                                      {32, "INPUT Input"},
+                                                      {64, "HFP"},
+                                                      {128, "A2D"},
+                                                      {256, "VIRMODEM_AUDIO"},
+                                                      {512, "MODEM"}}));
 }
 
 TEST(Context, HasItsPublishedNames)
 {
-    const std::string joined =
-        HISTM_VID_ENC + " " + HISTM_VID_DEC + " " + HISTM_AUD_ENC + " " + HISTM_AUD_DEC + " " + DCAMERA_SERVICE_NAME +
-        " " + DSCREEN_SERVICE_NAME + " " + DAUDIO_DMIC_SERVICE_NAME + " " + DAUDIO_DSPEAKER_SERVICE_NAME + " " +
-        DCALL_DMIC_SERVICE_NAME + " " + DCALL_DSPEAKER_SERVICE_NAME + " " + DMIC_STREAM + " " + DSCREEN_STREAM + " " +
-        DSPEAKER_STREAM + " " + DCAMERA_STREAM + " " + DCAMERA_PICTURE + " " + DHARDWARE_PREFIX + " " +
-        DAUDIO_PKG_NAME + " " + DCALL_PKG_NAME + " " + DCAMERA_PKG_NAME + " " + DSCREEN_PKG_NAME + " " +
-        MIME_VIDEO_RAW + " " + MIME_VIDEO_AVC + " " + MIME_VIDEO_HEVC + " " + PIXEL_FORMAT_NV12 + " " +
-        PIXEL_FORMAT_NV21 + " " + PIXEL_FORMAT_JPEG + " " + PIXEL_FORMAT_YUVI420 + " " + PIXEL_FORMAT_RGBA8888;
+    const std::string joined = HISTM_VID_ENC + HISTM_VID_DEC + HISTM_AUD_ENC + HISTM_AUD_DEC + DCAMERA_SERVICE_NAME +
+                               DSCREEN_SERVICE_NAME + DAUDIO_DMIC_SERVICE_NAME + DAUDIO_DSPEAKER_SERVICE_NAME +
+                               DCALL_DMIC_SERVICE_NAME + DCALL_DSPEAKER_SERVICE_NAME + DMIC_STREAM + DSCREEN_STREAM +
+                               DSPEAKER_STREAM + DCAMERA_STREAM + DCAMERA_PICTURE + DHARDWARE_PREFIX + DAUDIO_PKG_NAME +
+                               DCALL_PKG_NAME + DCAMERA_PKG_NAME + DSCREEN_PKG_NAME + MIME_VIDEO_RAW + MIME_VIDEO_AVC +
+                               MIME_VIDEO_HEVC + PIXEL_FORMAT_NV12 + PIXEL_FORMAT_NV21 + PIXEL_FORMAT_JPEG +
+                               PIXEL_FORMAT_YUVI420 + PIXEL_FORMAT_RGBA8888;
     EXPECT_EQ(joined,
-              "histmVidEnc histmVidDec histmAudEnc histmAudDec ohos.dhardware.dcamera ohos.dhardware.dscreen "
-              "ohos.dhardware.daudio.dmic ohos.dhardware.daudio.dspeaker ohos.dhardware.dcall.dmic "
-              "ohos.dhardware.dcall.dspeaker dmic_stream dscreen_stream dspeaker_stream dcamera_stream dcamera_picture "
-              "ohos.dhardware ohos.dhardware.daudio ohos.dhardware.dcall ohos.dhardware.dcamera ohos.dhardware.dscreen "
-              "video/raw video/avc video/hevc nv12 nv21 jpeg yuvi420 rgba8888");
+              "histmVidEnchistmVidDechistmAudEnchistmAudDecohos.dhardware.dcameraohos.dhardware.dscreen"
+              "ohos.dhardware.daudio.dmicohos.dhardware.daudio.dspeakerohos.dhardware.dcall.dmic"
+              "ohos.dhardware.dcall.dspeakerdmic_streamdscreen_streamdspeaker_streamdcamera_streamdcamera_picture"
+              "ohos.dhardwareohos.dhardware.daudioohos.dhardware.dcallohos.dhardware.dcameraohos.dhardware.dscreen"
+              "video/rawvideo/avcvideo/hevcnv12nv21jpegyuvi420rgba8888");
 }
 
 }  // namespace

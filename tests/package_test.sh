@@ -21,7 +21,7 @@ libraries=$(dirname "$(find "$prefix" -name libostra_adapter_utils.so)")
 [ -L "$libraries/libostra_adapter_utils.so.0" ] || { echo "the library has no soname"; exit 1; }
 export LD_LIBRARY_PATH=$libraries
 
-"$CMAKE" -S "$here/package" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" \
+"$CMAKE" -G Ninja -S "$here/package" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" \
     -DCMAKE_FIND_ROOT_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$folder/log" ||
     { cat "$folder/log"; exit 1; }
 "$CMAKE" --build "$folder/cmake" >"$folder/log" || { cat "$folder/log"; exit 1; }

@@ -7,240 +7,159 @@
 #include <fstream>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <regex>
-#include <set>
 #include <thread>
-#include <variant>
 #include <vector>
 
-#include "hisysevent_manager.h"
 #include "ostra_radar_adapter.h"
 #include "support/log_recorder.h"
+#include "support/platform_recorder.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-using HiviewDFX::HiSysEvent;
-using HiviewDFX::HiSysEventListener;
-using HiviewDFX::HiSysEventManager;
-using HiviewDFX::HiSysEventRecord;
-using HiviewDFX::ListenerRule;
+using Events = std::vector<std::string>;
 
-using Value = std::variant<int64_t, std::string>;
-using Event = std::vector<std::pair<std::string, Value>>;  // the event's own keys in their order
+Events Taken()
+{
+    return PlatformRecorder::GetInstance().Take();
+}
 
-// Collects the library's events while it lives.
-class EventRecorder {
-public:
-    EventRecorder() : listener_(std::make_shared<Listener>())
-    {
-        std::vector<ListenerRule> rules = {ListenerRule("OSTRAADAPTER", "OSTRA_ADAPTER_BEHAVIOR")};
-        EXPECT_EQ(HiSysEventManager::AddListener(listener_, rules), 0);
-    }
-
-    ~EventRecorder()
-    {
-        HiSysEventManager::RemoveListener(listener_);
-    }
-
-    std::vector<Event> Take()
-    {
-        const std::lock_guard<std::mutex> lock(listener_->mutex);
-        std::vector<Event> taken;
-        taken.swap(listener_->events);
-        return taken;
-    }
-
-private:
-    struct Listener : HiSysEventListener {
-        void OnEvent(std::shared_ptr<HiSysEventRecord> record) override
-        {
-            EXPECT_EQ(record->GetEventType(), HiSysEvent::BEHAVIOR);
-            std::vector<std::string> names;
-            record->GetParamNames(names);
-            Event event;
-            for (const std::string &name : names) {
-                int64_t number = 0;
-                std::string text;
-                const bool isNumber = record->GetParamValue(name, number) == 0;
-                EXPECT_TRUE(isNumber || record->GetParamValue(name, text) == 0) << name;
-                event.emplace_back(name, isNumber ? Value(number) : Value(text));
-            }
-            const std::lock_guard<std::mutex> lock(mutex);
-            events.push_back(event);
-        }
-
-        void OnServiceDied() override
-        {
-        }
-
-        std::mutex mutex;
-        std::vector<Event> events;
-    };
-
-    std::shared_ptr<Listener> listener_;
-};
+OstraRadar &Radar()
+{
+    return OstraRadar::GetInstance();
+}
 
 struct Method {
     const char *name;
     std::function<bool(int)> report;  // takes the error code
-    int64_t stage;
+    int stage;
     bool callsPackage = false;
-    int64_t state = 0;
+    int state = 0;
     const char *nameInLog = "UpdatePortRes";
 };
 
-const std::vector<Method> &Methods()
-{
-    static OstraRadar &radar = OstraRadar::GetInstance();
-    static const std::vector<Method> methods = {
-        {"ServiceStartRes", [](int e) { return radar.ServiceStartRes("F", 7, "ignored", e); }, 1, false, 1,
-         "ServiceStartRes"},
-        {"ConnectDeviceRes", [](int e) { return radar.ConnectDeviceRes("F", e, "P"); }, 2, true, 0, "ConnectDeviceRes"},
-        {"UpdateRes", [](int e) { return radar.UpdateRes("F", e, "P"); }, 3, true, 0, "UpdateRes"},
-        {"UpdatePortRes", [](int e) { return radar.UpdatePortRes("F", e); }, 4},
-        {"EnableVirtualRes", [](int e) { return radar.EnableVirtualRes("F", e); }, 5},
-        {"AudioOpenRes", [](int e) { return radar.AudioOpenRes("F", e); }, 6},
-        {"AudioCloseRes", [](int e) { return radar.AudioCloseRes("F", e); }, 7},
-        {"DisconnectDeviceRes", [](int e) { return radar.DisconnectDeviceRes("F", e, "P"); }, 8, true},
-        {"ServiceStopRes", [](int e) { return radar.ServiceStopRes("F", e); }, 9, false, 2, "ServiceStopRes"},
-        {"LoadSinkServiceRes", [](int e) { return radar.LoadSinkServiceRes("F", e); }, 10, false, 0,
-         "LoadSinkServiceRes"},
-        {"UnLoadSinkServiceRes", [](int e) { return radar.UnLoadSinkServiceRes("F", e); }, 11, false, 0,
-         "UnLoadSinkServiceRes"},
-    };
-    return methods;
-}
+const Method METHODS[] = {
+    {"ServiceStartRes", [](int e) { return Radar().ServiceStartRes("F", 7, "ignored", e); }, 1, false, 1,
+     "ServiceStartRes"},
+    {"ConnectDeviceRes", [](int e) { return Radar().ConnectDeviceRes("F", e, "P"); }, 2, true, 0, "ConnectDeviceRes"},
+    {"UpdateRes", [](int e) { return Radar().UpdateRes("F", e, "P"); }, 3, true, 0, "UpdateRes"},
+    {"UpdatePortRes", [](int e) { return Radar().UpdatePortRes("F", e); }, 4},
+    {"EnableVirtualRes", [](int e) { return Radar().EnableVirtualRes("F", e); }, 5},
+    {"AudioOpenRes", [](int e) { return Radar().AudioOpenRes("F", e); }, 6},
+    {"AudioCloseRes", [](int e) { return Radar().AudioCloseRes("F", e); }, 7},
+    {"DisconnectDeviceRes", [](int e) { return Radar().DisconnectDeviceRes("F", e, "P"); }, 8, true},
+    {"ServiceStopRes", [](int e) { return Radar().ServiceStopRes("F", e); }, 9, false, 2, "ServiceStopRes"},
+    {"LoadSinkServiceRes", [](int e) { return Radar().LoadSinkServiceRes("F", e); }, 10, false, 0,
+     "LoadSinkServiceRes"},
+    {"UnLoadSinkServiceRes", [](int e) { return Radar().UnLoadSinkServiceRes("F", e); }, 11, false, 0,
+     "UnLoadSinkServiceRes"},
+};
 
-Event ExpectedEvent(const Method &method, int errorCode, int64_t businessId, const std::string &host)
+std::string ExpectedEvent(const Method &method, int errorCode, int businessId, const std::string &host)
 {
-    const int64_t scene = method.stage == 1 ? 7 : businessId;
-    Event event = {{"ORG_PKG", "ostra_adapter"}, {"FUNC", "F"}};
-    if (method.callsPackage) {
-        event.emplace_back("TO_CALL_PKG", "P");
-    }
-    event.insert(event.end(), {{"HOST_PKG", host},
-                               {"BIZ_SCENE", scene},
-                               {"BIZ_STAGE", method.stage},
-                               {"STAGE_RES", int64_t{errorCode == 0 ? 1 : 2}}});
-    if (method.state != 0) {
-        event.emplace_back("BIZ_STATE", method.state);
-    }
-    if (errorCode != 0) {
-        event.emplace_back("ERROR_CODE", int64_t{errorCode});
-    }
-    return event;
+    const auto number = [](const char *key, int value) {
+        return ",\"" + std::string(key) + "\":" + std::to_string(value);
+    };
+    return R"({"domain_":"OSTRAADAPTER","name_":"OSTRA_ADAPTER_BEHAVIOR","type_":4,"ORG_PKG":"ostra_adapter","FUNC":"F")" +
+           std::string(method.callsPackage ? R"(,"TO_CALL_PKG":"P")" : "") + R"(,"HOST_PKG":")" + host + '"' +
+           number("BIZ_SCENE", method.stage == 1 ? 7 : businessId) + number("BIZ_STAGE", method.stage) +
+           number("STAGE_RES", errorCode == 0 ? 1 : 2) + (method.state != 0 ? number("BIZ_STATE", method.state) : "") +
+           (errorCode != 0 ? number("ERROR_CODE", errorCode) : "") + "}";
 }
 
 TEST(Radar, ReportsEachStepWithItsKeysInOrder)
 {
-    EventRecorder events;
+    EXPECT_EQ(&Radar(), &Radar());
+    Taken();  // starts to listen
     LogRecorder log;
-    EXPECT_TRUE(Methods()[9].report(0));
-    EXPECT_EQ(events.Take(), (std::vector<Event>{ExpectedEvent(Methods()[9], 0, -1, "")}));
-    OstraRadar::GetInstance().SetCurBusinessId(2);
-    for (const Method &method : Methods()) {
+    EXPECT_TRUE(METHODS[9].report(0));
+    EXPECT_EQ(Taken(), (Events{ExpectedEvent(METHODS[9], 0, -1, "")}));
+    Radar().SetCurBusinessId(2);
+    for (const Method &method : METHODS) {
         for (int errorCode : {0, -1, 1, INT32_MIN}) {
             EXPECT_TRUE(method.report(errorCode));
-            EXPECT_EQ(events.Take(), (std::vector<Event>{ExpectedEvent(method, errorCode, 2, "collaboration_service")}))
-                << method.name << " " << errorCode;
+            EXPECT_EQ(Taken(), (Events{ExpectedEvent(method, errorCode, 2, "collaboration_service")}));
         }
     }
+    Radar().SetCurBusinessId(5);
+    RadarWrite("F", 0, "P");
+    ::UpdateRes("F", -3, "P");
+    EXPECT_EQ(Taken(), (Events{ExpectedEvent(METHODS[1], 0, 5, ""), ExpectedEvent(METHODS[2], -3, 5, "")}));
     EXPECT_TRUE(log.Take().empty());
 }
 
 TEST(Radar, NamesTheHostOfTheBusinessUntilToldOtherwise)
 {
-    EventRecorder events;
-    OstraRadar &radar = OstraRadar::GetInstance();
-    EXPECT_EQ(&radar, &OstraRadar::GetInstance());
-    const Method &open = Methods()[5];
     const std::map<int, std::string> hosts = {{1, "car_distributed_engine"},
                                               {2, "collaboration_service"},
                                               {3, "collaboration_service"},
                                               {10, "CollaborationFwk"}};
-    for (const char *name : {"", "N"}) {
-        radar.SetProcessName(name);
+    for (const std::string name : {"", "N"}) {
+        Radar().SetProcessName(name);
         for (int businessId = -1; businessId <= 11; ++businessId) {
-            radar.SetCurBusinessId(businessId);
-            const auto found = hosts.find(businessId);
-            const std::string host = *name != '\0' ? name : found == hosts.end() ? "" : found->second;
-            EXPECT_EQ(radar.GetProcessName(), host) << businessId;
-            EXPECT_TRUE(open.report(0));
-            EXPECT_EQ(events.Take(), (std::vector<Event>{ExpectedEvent(open, 0, businessId, host)}));
+            Radar().SetCurBusinessId(businessId);
+            const std::string host = !name.empty() ? name : hosts.count(businessId) == 0 ? "" : hosts.at(businessId);
+            EXPECT_EQ(Radar().GetProcessName(), host);
+            EXPECT_TRUE(METHODS[5].report(0));
+            EXPECT_EQ(Taken(), (Events{ExpectedEvent(METHODS[5], 0, businessId, host)}));
         }
     }
-    radar.SetProcessName("");
-}
-
-TEST(Radar, PlainNamesReportConnectAndUpdate)
-{
-    EventRecorder events;
-    OstraRadar::GetInstance().SetCurBusinessId(5);
-    RadarWrite("F", 0, "P");
-    ::UpdateRes("F", -3, "P");
-    EXPECT_EQ(events.Take(),
-              (std::vector<Event>{ExpectedEvent(Methods()[1], 0, 5, ""), ExpectedEvent(Methods()[2], -3, 5, "")}));
+    Radar().SetProcessName("");
 }
 
 TEST(Radar, ReportsFromManyThreads)
 {
-    EventRecorder events;
     const auto reportSome = [] {
         for (int i = 0; i < 20; ++i) {
-            Methods()[3].report(i % 2);
+            METHODS[3].report(i % 2);
         }
     };
     std::thread other(reportSome);
     reportSome();
     other.join();
-    EXPECT_EQ(events.Take().size(), 40U);
+    EXPECT_EQ(Taken().size(), 40U);
 }
 
-// The keys of the one event that the file declares, with their types.
-std::map<std::string, std::string> DeclaredKeys()
+TEST(Radar, WritesWhatTheEventFileDeclares)
 {
-    std::ifstream file(OSTRA_SOURCE_FOLDER "/hisysevent.yaml");
-    const std::regex key(R"(  (\w+): \{type: (\w+), desc: .{3,128}\})");
-    std::map<std::string, std::string> keys;
-    std::string line;
+    using Types = std::map<std::string, std::string>;  // by key
+    for (const Method &method : METHODS) {
+        method.report(1);
+    }
+    Types written;
+    const std::regex ownKey(R"#("([A-Z_]+)":("|-?\d))#");
+    for (const std::string &event : Taken()) {
+        for (std::sregex_iterator key(event.begin(), event.end(), ownKey), end; key != end; ++key) {
+            written[(*key)[1]] = (*key)[2] == "\"" ? "STRING" : "INT32";
+        }
+    }
+    Types declared;
     std::string heads;
-    while (std::getline(file, line)) {
+    std::ifstream file(OSTRA_SOURCE_FOLDER "/hisysevent.yaml");
+    const std::regex declaration(R"(  (\w+): \{type: (\w+), desc: .{3,128}\})");
+    for (std::string line; std::getline(file, line);) {
         std::smatch parts;
-        if (std::regex_match(line, parts, key)) {
-            keys[parts[1]] = parts[2];
+        if (std::regex_match(line, parts, declaration)) {
+            declared[parts[1]] = parts[2];
         } else if (!line.empty() && line[0] != '#') {
             heads += line.substr(0, line.find(", desc")) + "|";
         }
     }
     EXPECT_EQ(heads, "domain: OSTRAADAPTER|OSTRA_ADAPTER_BEHAVIOR:|  __BASE: {type: BEHAVIOR, level: MINOR|");
-    return keys;
-}
-
-TEST(Radar, WritesWhatTheEventFileDeclares)
-{
-    EventRecorder events;
-    for (const Method &method : Methods()) {
-        method.report(1);
-    }
-    std::map<std::string, std::string> written;
-    for (const Event &event : events.Take()) {
-        for (const auto &[key, value] : event) {
-            written[key] = std::holds_alternative<std::string>(value) ? "STRING" : "INT32";
-        }
-    }
-    EXPECT_EQ(written, DeclaredKeys());
+    EXPECT_EQ(written, declared);
 }
 
 // Last: it uses up the budget of each method.
 TEST(Radar, TellsWhenThePlatformRefuses)
 {
-    for (const Method &method : Methods()) {
+    using HiviewDFX::HiSysEvent;
+    for (const Method &method : METHODS) {
+        LogRecorder log;
+        EXPECT_TRUE(method.report(0)) << "the methods before have used up budgets of their own";
         for (int i = 0; i < 100; ++i) {
             HiSysEvent::Write(method.name, method.stage, OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT, HiSysEvent::BEHAVIOR);
         }
-        LogRecorder log;
         EXPECT_FALSE(method.report(0)) << method.name;
         EXPECT_EQ(log.Take(), (LogLines{ErrorLine(method.name, std::string(method.nameInLog) + " error, res:-6")}));
     }

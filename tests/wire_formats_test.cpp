@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <numeric>
+
 #include "channel_protocol.h"
 #include "dh_device_json.h"
 #include "ipc_utils.h"
@@ -99,7 +101,8 @@ std::string Message(const std::string &input)
         OstraContext::GetInstance().AddWaitNotify(Split(queued, " ")[0], Split(queued, " ")[1]);
     }
     OstraContext::GetInstance().PublishMessage();
-    return PlatformRecorder::GetInstance().Take();
+    const std::vector<std::string> messages = PlatformRecorder::GetInstance().Take();
+    return std::accumulate(messages.begin(), messages.end(), std::string());
 }
 
 std::string Request(const std::string &input)
@@ -117,7 +120,7 @@ std::string Event(const std::string &input)
     radar.SetCurBusinessId(std::stoi(words[0]));
     EXPECT_TRUE(words[1] == "ServiceStartRes" ? radar.ServiceStartRes(words[2], std::stoi(words[4]), "", error)
                                               : radar.ConnectDeviceRes(words[2], error, words[4]));
-    return PlatformRecorder::GetInstance().Take();
+    return PlatformRecorder::GetInstance().Take().at(0);
 }
 
 std::string Dump(const std::string &input)

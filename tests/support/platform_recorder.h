@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Watches what the library hands to the platform for others: messages and events. One thread.
+// Watches what the library hands to the platform for others: messages and events, of any thread.
 
 #ifndef TESTS_PLATFORM_RECORDER_H
 #define TESTS_PLATFORM_RECORDER_H
 
 #include <memory>
+#include <mutex>
 #include <regex>
 #include <string>
 #include <utility>
@@ -28,19 +29,21 @@ public:
     }
 
     // What came since the last call: messages as "TOPIC TEXT", events as JSON without what changes from run to run.
-    std::string Take()
+    std::vector<std::string> Take()
     {
-        return std::exchange(seen_, "");
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return std::exchange(seen_, {});
     }
 
     void OnMessage(const DHTopic topic, const std::string &message) override
     {
-        seen_ += std::to_string(static_cast<uint32_t>(topic)) + " " + message;
+        Add(std::to_string(static_cast<uint32_t>(topic)) + " " + message);
     }
 
     void OnEvent(std::shared_ptr<Record> event) override
     {
-        seen_ += std::regex_replace(event->AsJson(), std::regex("\"(time|tz|pid|tid|uid)_\":[^,]*,"), "");
+        static const std::regex changing("\"(time|tz|pid|tid|uid)_\":[^,]*,");
+        Add(std::regex_replace(event->AsJson(), changing, ""));
     }
 
     void OnServiceDied() override
@@ -60,7 +63,14 @@ private:
         return recorder;
     }
 
-    std::string seen_;
+    void Add(const std::string &text)
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        seen_.push_back(text);
+    }
+
+    std::mutex mutex_;
+    std::vector<std::string> seen_;
 };
 
 #endif  // TESTS_PLATFORM_RECORDER_H
