@@ -26,8 +26,7 @@ int main()
     ChannelProtocol frame;
     const bool works = offered.PackServiceData(bytes) == 0 && read.Unmarshal({bytes.begin(), bytes.end()}) == 0 &&
                        read.deviceName_ == "tablet" && IpcUtils::Marshalling(parcel, settings) &&
-                       IpcUtils::UnMarshalling(parcel, settings) &&
-                       frame.Create(5, static_cast<int>(bytes.size())) &&
+                       IpcUtils::UnMarshalling(parcel, settings) && frame.Create(5, static_cast<int>(bytes.size())) &&
                        OstraContext::GetInstance().GetDHFwkKit() != nullptr &&
                        OstraRadar::GetInstance().AudioOpenRes("main", 0);
     OstraDump::GetInstance().UnInit();
