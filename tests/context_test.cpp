@@ -19,8 +19,6 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-constexpr DHTopic TOPIC = static_cast<DHTopic>(8);
-
 using Messages = std::vector<std::string>;
 
 Messages Taken()
@@ -134,46 +132,39 @@ TEST(Context, OtherThreadsMayQueueWhileAListenerRuns)
         std::shared_ptr<DistributedHardwareFwkKit> kit = OstraContext::GetInstance().GetDHFwkKit();
         std::future<void> queued;
     };
+    constexpr DHTopic topic = static_cast<DHTopic>(8);
     const auto queuing = std::make_shared<Queuing>();
-    ASSERT_EQ(queuing->kit->RegisterPublisherListener(TOPIC, queuing), 0);
+    ASSERT_EQ(queuing->kit->RegisterPublisherListener(topic, queuing), 0);
     OstraContext::GetInstance().AddWaitNotify("first", "event");
     OstraContext::GetInstance().PublishMessage();
     queuing->queued.get();
-    ASSERT_EQ(queuing->kit->UnregisterPublisherListener(TOPIC, queuing), 0);
+    ASSERT_EQ(queuing->kit->UnregisterPublisherListener(topic, queuing), 0);
     EXPECT_EQ(Taken().size(), 1U);
     OstraContext::GetInstance().PublishMessage();
     EXPECT_EQ(Taken(), (Messages{R"(8 {"dev_id":"later","isomerism_event":"event"})"}));
 }
 
-TEST(Context, NamesDeviceTypes)
-{
-    std::map<uint32_t, std::string> names;  // with the display name, where there is one
-    for (const auto &[type, name] : DHTYPE_NAME_MAP) {
-        names[static_cast<uint32_t>(type)] = name;
-    }
-    for (const auto &[type, name] : DHTYPE_DISPLAY_NAME_MAP) {
-        names[static_cast<uint32_t>(type)] += " " + name;
-    }
-    EXPECT_EQ(names, (std::map<uint32_t, std::string>{{1, "CAMERA Camera"},
-                                                      {2, "AUDIO"},
-                                                      {8, "SCREEN Screen"},
-                                                      {16, "GPS"},
-                                                      {32, "INPUT Input"},
-                                                      {64, "HFP"},
-                                                      {128, "A2D"},
-                                                      {256, "VIRMODEM_AUDIO"},
-                                                      {512, "MODEM"}}));
-}
-
 TEST(Context, HasItsPublishedNames)
 {
-    const std::string joined = HISTM_VID_ENC + HISTM_VID_DEC + HISTM_AUD_ENC + HISTM_AUD_DEC + DCAMERA_SERVICE_NAME +
-                               DSCREEN_SERVICE_NAME + DAUDIO_DMIC_SERVICE_NAME + DAUDIO_DSPEAKER_SERVICE_NAME +
-                               DCALL_DMIC_SERVICE_NAME + DCALL_DSPEAKER_SERVICE_NAME + DMIC_STREAM + DSCREEN_STREAM +
-                               DSPEAKER_STREAM + DCAMERA_STREAM + DCAMERA_PICTURE + DHARDWARE_PREFIX + DAUDIO_PKG_NAME +
-                               DCALL_PKG_NAME + DCAMERA_PKG_NAME + DSCREEN_PKG_NAME + MIME_VIDEO_RAW + MIME_VIDEO_AVC +
-                               MIME_VIDEO_HEVC + PIXEL_FORMAT_NV12 + PIXEL_FORMAT_NV21 + PIXEL_FORMAT_JPEG +
-                               PIXEL_FORMAT_YUVI420 + PIXEL_FORMAT_RGBA8888;
+    std::map<DHType, std::string> types;  // each with its display name, where there is one
+    for (const auto *names : {&DHTYPE_NAME_MAP, &DHTYPE_DISPLAY_NAME_MAP}) {
+        for (const auto &[type, name] : *names) {
+            types[type] += " " + name;
+        }
+    }
+    std::string joined;
+    for (const auto &[type, names] : types) {
+        joined += std::to_string(static_cast<uint32_t>(type)) + names + ", ";
+    }
+    EXPECT_EQ(joined,
+              "1 CAMERA Camera, 2 AUDIO, 8 SCREEN Screen, 16 GPS, 32 INPUT Input, 64 HFP, 128 A2D, "
+              "256 VIRMODEM_AUDIO, 512 MODEM, ");
+    joined = HISTM_VID_ENC + HISTM_VID_DEC + HISTM_AUD_ENC + HISTM_AUD_DEC + DCAMERA_SERVICE_NAME +
+             DSCREEN_SERVICE_NAME + DAUDIO_DMIC_SERVICE_NAME + DAUDIO_DSPEAKER_SERVICE_NAME + DCALL_DMIC_SERVICE_NAME +
+             DCALL_DSPEAKER_SERVICE_NAME + DMIC_STREAM + DSCREEN_STREAM + DSPEAKER_STREAM + DCAMERA_STREAM +
+             DCAMERA_PICTURE + DHARDWARE_PREFIX + DAUDIO_PKG_NAME + DCALL_PKG_NAME + DCAMERA_PKG_NAME +
+             DSCREEN_PKG_NAME + MIME_VIDEO_RAW + MIME_VIDEO_AVC + MIME_VIDEO_HEVC + PIXEL_FORMAT_NV12 +
+             PIXEL_FORMAT_NV21 + PIXEL_FORMAT_JPEG + PIXEL_FORMAT_YUVI420 + PIXEL_FORMAT_RGBA8888;
     EXPECT_EQ(joined,
               "histmVidEnchistmVidDechistmAudEnchistmAudDecohos.dhardware.dcameraohos.dhardware.dscreen"
               "ohos.dhardware.daudio.dmicohos.dhardware.daudio.dspeakerohos.dhardware.dcall.dmic"
