@@ -52,11 +52,8 @@ TEST(QosAdapter, SendsTheProcessAsItIs)
     LogRecorder log;
     for (const char *pid : {"4711", "", "%s"}) {
         RequestAuth(pid);
-        const LogLines lines = log.Take();
-        ASSERT_EQ(lines.size(), 1U);
-        EXPECT_EQ(lines[0].level, LOG_INFO);
-        EXPECT_EQ(lines[0].tag, "CONCURRENT_TASK");
-        EXPECT_EQ(lines[0].text, "RequestAuth pid=" + std::string(pid));
+        const std::string text = "RequestAuth pid=" + std::string(pid);
+        EXPECT_EQ(log.Take(), (LogLines{{LOG_CORE, LOG_INFO, 0xD001700, "CONCURRENT_TASK", text}}));
     }
 }
 
