@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <regex>
+#include <thread>
 #include <vector>
 
 #include "ostra_radar_adapter.h"
@@ -105,6 +106,19 @@ TEST(Radar, NamesTheHostOfTheBusinessUntilToldOtherwise)
         }
     }
     Radar().SetProcessName("");
+}
+
+TEST(Radar, ReportsFromManyThreads)
+{
+    const auto reportSome = [] {
+        for (int i = 0; i < 20; ++i) {
+            METHODS[3].report(i % 2);
+        }
+    };
+    std::thread other(reportSome);
+    reportSome();
+    other.join();
+    EXPECT_EQ(Taken().size(), 40U);
 }
 
 TEST(Radar, WritesWhatTheEventFileDeclares)
