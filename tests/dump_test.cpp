@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 #include <vector>
 
 #include "ostra_dump_adapter.h"
@@ -196,6 +197,22 @@ TEST_F(DumpTest, TakesPathsUpToFiftyCharacters)
     const std::vector<unsigned char> more(100000);
     dump_.DumpStreamData("../../../dev/full", more.data(), static_cast<int>(more.size()));
     EXPECT_EQ(log_.Take(), (LogLines{ErrorLine("DumpStreamData", "Failed to write the file")}));
+}
+
+TEST_F(DumpTest, ThreadsDumpToFilesOfTheirOwn)
+{
+    Enable("a");
+    const auto dumpMany = [this](const std::string &suffix) {
+        for (int i = 0; i < 50; ++i) {
+            DumpStreamData((name_ + suffix).c_str(), reinterpret_cast<const unsigned char *>("xy"), 2);
+        }
+    };
+    std::thread other(dumpMany, "_other");
+    dumpMany("");
+    other.join();
+    EXPECT_EQ(std::filesystem::file_size(FOLDER + name_), 100U);
+    EXPECT_EQ(std::filesystem::file_size(FOLDER + name_ + "_other"), 100U);
+    std::filesystem::remove(FOLDER + name_ + "_other");
 }
 
 }  // namespace
