@@ -15,7 +15,7 @@ constexpr DHTopic NOTIFICATION_TOPIC = static_cast<DHTopic>(8);
 
 OstraContext &OstraContext::GetInstance()
 {
-    static auto *const instance = new OstraContext();  // leaks on purpose: it outlives every static object
+    static auto *const instance = new OstraContext();  // leaks on purpose: no order of destruction
     return *instance;
 }
 

@@ -26,7 +26,7 @@ struct CloseFile {
 
 OstraDump &OstraDump::GetInstance()
 {
-    static auto *const instance = new OstraDump();  // leaks on purpose: it outlives every static object
+    static auto *const instance = new OstraDump();  // leaks on purpose: no order of destruction
     return *instance;
 }
 

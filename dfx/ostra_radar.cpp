@@ -95,7 +95,7 @@ bool Write(const Step &step, const Report &report)
 
 OstraRadar &OstraRadar::GetInstance()
 {
-    static auto *const instance = new OstraRadar();  // leaks on purpose: it outlives every static object
+    static auto *const instance = new OstraRadar();  // leaks on purpose: no order of destruction
     return *instance;
 }
 

@@ -9,7 +9,7 @@
 //
 // DumpStreamData may be called from any thread at once, each file from one at a time. Init and UnInit must not run
 // while another thread dumps: the write mode is not guarded, so the host switches dumping on before its streams start
-// and off after they end. Nothing reports a failure to the caller; the log tells.
+// and off after they end. A dump that fails is told by the log alone: a file that cannot be opened at debug level.
 
 #ifndef OSTRA_DUMP_H
 #define OSTRA_DUMP_H

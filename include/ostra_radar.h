@@ -9,7 +9,9 @@
 //
 // The host sets business id and process name before it reports from several threads; the reporting operations may then
 // be called from any thread at once. Each of them returns true when the platform took the event, and otherwise logs the
-// platform's code as an error and returns false; the platform takes at most 100 events of one operation in 5 seconds.
+// platform's code as an error and returns false (EnableVirtualRes, AudioOpenRes, AudioCloseRes and DisconnectDeviceRes
+// word it as "UpdatePortRes error", behind a prefix with their own name); the platform takes at most 100 events of one
+// operation in 5 seconds.
 
 #ifndef OSTRA_RADAR_H
 #define OSTRA_RADAR_H
