@@ -1,6 +1,5 @@
 # What `cmake --install` puts where: the headers, the library and the host platform that it stands on, a CMake package
 # and a pkg-config file. All of it may be moved as a whole.
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/ostra_adapter_utils)
@@ -13,7 +12,7 @@ install(EXPORT ostra_adapter_utilsTargets NAMESPACE ostra:: DESTINATION ${packag
 
 configure_package_config_file(cmake/ostra_adapter_utilsConfig.cmake.in ostra_adapter_utilsConfig.cmake
     INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(ostra_adapter_utilsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file(ostra_adapter_utilsConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utilsConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utilsConfigVersion.cmake

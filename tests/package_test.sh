@@ -19,17 +19,17 @@ for header in "$here"/../include/*.h; do
 done
 libraries=$(dirname "$(find "$prefix" -name libostra_adapter_utils.so)")
 [ -L "$libraries/libostra_adapter_utils.so.0" ] || { echo "the library has no soname"; exit 1; }
-export LD_LIBRARY_PATH=$libraries
 
 "$CMAKE" -G Ninja -S "$here/package" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" \
-    -DCMAKE_FIND_ROOT_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$folder/log" ||
+    -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$folder/log" ||
     { cat "$folder/log"; exit 1; }
 "$CMAKE" --build "$folder/cmake" >"$folder/log" || { cat "$folder/log"; exit 1; }
 $EMULATOR "$folder/cmake/cmake_user"
 
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
-# The flags are words to be split.
+# The program itself needs only the one library, which must find the other beside it. The flags are words to be split.
 # shellcheck disable=SC2086
-"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/package/pkgconfig_user.c" $flags -Wl,-rpath-link,"$libraries" \
+"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/package/pkgconfig_user.c" -Wl,--as-needed $flags \
+    -Wl,--enable-new-dtags,-rpath,"$libraries" \
     -o "$folder/pkgconfig_user"
 $EMULATOR "$folder/pkgconfig_user"
