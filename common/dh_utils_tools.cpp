@@ -43,7 +43,7 @@ void AppendHex(std::string &text, uint64_t value, int width)
 
 std::string GetRandomID()
 {
-    static std::random_device device("/dev/urandom");
+    static auto &device = *new std::random_device("/dev/urandom");  // leaks on purpose: used until the very end
     static std::uniform_int_distribution<uint64_t> distribution;
     const uint64_t a = distribution(device);
     const uint64_t b = distribution(device);

@@ -23,10 +23,10 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 
 // The system parameter that switches dumping on and gives the write mode.
-inline const std::string DUMP_WRITE_ENABLE_KEY = "sys.ostra.audio.dump.write.enable";
+inline const std::string &DUMP_WRITE_ENABLE_KEY = *new std::string("sys.ostra.audio.dump.write.enable");
 // Where the dumps go.
-inline const std::string DUMP_DIR = "/data/local/tmp";
-inline const std::string DUMP_PATH_PREFIX = "/data/local/tmp/";
+inline const std::string &DUMP_DIR = *new std::string("/data/local/tmp");
+inline const std::string &DUMP_PATH_PREFIX = *new std::string("/data/local/tmp/");
 
 class OstraDump {
 public:

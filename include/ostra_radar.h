@@ -24,11 +24,11 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 
 // Domain and name of every event, and the package that reports it.
-inline const std::string OSTRA_DOMAIN = "OSTRAADAPTER";
-inline const std::string ADAPTER_BEHAVIOR_EVENT = "OSTRA_ADAPTER_BEHAVIOR";
-inline const std::string ORG_PKG_NAME = "ostra_adapter";
+inline const std::string &OSTRA_DOMAIN = *new std::string("OSTRAADAPTER");
+inline const std::string &ADAPTER_BEHAVIOR_EVENT = *new std::string("OSTRA_ADAPTER_BEHAVIOR");
+inline const std::string &ORG_PKG_NAME = *new std::string("ostra_adapter");
 // Package name of the platform's soft bus, for callers that name it as the called package.
-inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
+inline const std::string &SOFTBUS_PKG_NAME = *new std::string("dsoftbus");
 
 class OstraRadar {
 public:
