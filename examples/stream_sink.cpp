@@ -123,7 +123,7 @@ private:
 bool RunSink(const PairLink &link, const PairOptions &options, FILE *output)
 {
     constexpr auto notificationTopic = static_cast<OHOS::DistributedHardware::DHTopic>(8);
-    const OHOS::sptr<NotificationLog> notifications(new NotificationLog());
+    const OHOS::sptr<NotificationLog> notifications = new NotificationLog();
     OstraContext::GetInstance().GetDHFwkKit()->RegisterPublisherListener(notificationTopic, notifications);
     Notify(link.connection.sourceNetworkId, ISOMERISM_CONNECT);
 

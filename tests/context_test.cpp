@@ -133,7 +133,7 @@ TEST(Context, OtherThreadsMayQueueWhileAListenerRuns)
         std::future<void> queued;
     };
     constexpr DHTopic topic = static_cast<DHTopic>(8);
-    const auto queuing = std::make_shared<Queuing>();
+    const sptr<Queuing> queuing = new Queuing();
     ASSERT_EQ(queuing->kit->RegisterPublisherListener(topic, queuing), 0);
     OstraContext::GetInstance().AddWaitNotify("first", "event");
     OstraContext::GetInstance().PublishMessage();

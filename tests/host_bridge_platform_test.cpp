@@ -1,28 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The host implementations that the bridge stands on: publishing, parcels, thread QoS, authorisation requests.
+// The host implementations that the bridge stands on: parcels, thread QoS, authorisation requests.
 
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <climits>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <thread>
 #include <utility>
 
 #include "concurrent_task_client.h"
-#include "distributed_hardware_fwk_kit.h"
 #include "hilog/log.h"
 #include "message_parcel.h"
 #include "qos.h"
 
 using namespace OHOS;
-using namespace OHOS::DistributedHardware;
 using namespace std::string_literals;
 
 namespace {
@@ -36,17 +32,6 @@ std::string Bytes(const Parcel &parcel)
 {
     return {reinterpret_cast<const char *>(parcel.GetData()), parcel.GetDataSize()};
 }
-
-struct Listener : IPublisherListener {
-    explicit Listener(std::function<void(const std::string &)> action) : act(std::move(action))
-    {
-    }
-    void OnMessage(const DHTopic topic, const std::string &message) override
-    {
-        act(std::to_string(static_cast<uint32_t>(topic)) + message);
-    }
-    std::function<void(const std::string &)> act;
-};
 
 }  // namespace
 
@@ -111,53 +96,6 @@ TEST(HostParcel, ParsesAndRewindsOrStaysAsItWas)
     EXPECT_EQ(parcel.ReadUint32(), 2u);
     EXPECT_TRUE(parcel.ParseFrom(0, 0));
     EXPECT_EQ(parcel.GetDataSize(), 0u);
-}
-
-TEST(HostPublisher, ReachesTheListenersOfTheTopicThroughAnyKit)
-{
-    constexpr DHTopic topic{8};
-    std::string heard;
-    const sptr<IPublisherListener> first(new Listener([&](const std::string &text) { heard += "1st " + text + ' '; }));
-    const sptr<IPublisherListener> second(new Listener([&](const std::string &text) { heard += "2nd " + text; }));
-    DistributedHardwareFwkKit kit;
-    EXPECT_EQ(DistributedHardwareFwkKit().RegisterPublisherListener(topic, first), 0);
-    EXPECT_EQ(DistributedHardwareFwkKit().RegisterPublisherListener(topic, second), 0);
-    for (const auto &[at, bad] : {std::pair(topic, first), {topic, nullptr}, {DHTopic::TOPIC_MIN, first}}) {
-        EXPECT_LT(kit.RegisterPublisherListener(at, bad), 0);
-    }
-    EXPECT_LT(kit.PublishMessage(DHTopic::TOPIC_MIN, "m"), 0);
-    EXPECT_EQ(kit.PublishMessage(DHTopic{UINT32_MAX}, "nobody listens") + kit.PublishMessage(topic, "m"), 0);
-    EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), 0);
-    EXPECT_LT(kit.UnregisterPublisherListener(topic, first), 0);
-    EXPECT_LT(kit.UnregisterPublisherListener(DHTopic{UINT32_MAX}, second), 0);
-    EXPECT_EQ(kit.PublishMessage(topic, "n"), 0);
-    EXPECT_EQ(heard, "1st 8m 2nd 8m2nd 8n");
-    EXPECT_EQ(kit.UnregisterPublisherListener(topic, second), 0);
-}
-
-TEST(HostPublisher, ListenersMayUseTheKitAndOtherThreadsMayPublishMeanwhile)
-{
-    constexpr DHTopic topic{20};
-    DistributedHardwareFwkKit kit;
-    std::atomic<int> heard{0};
-    const auto work = [&] {
-        const sptr<IPublisherListener> own(new Listener([&](const std::string &) { ++heard; }));
-        for (int round = 0; round < 300; ++round) {
-            EXPECT_EQ(kit.RegisterPublisherListener(DHTopic{21}, own), 0);
-            EXPECT_EQ(kit.PublishMessage(DHTopic{21}, ""), 0);
-            EXPECT_EQ(kit.UnregisterPublisherListener(DHTopic{21}, own), 0);
-        }
-    };
-    sptr<IPublisherListener> once;
-    once.reset(new Listener([&](const std::string &) {
-        std::thread other(work);
-        work();
-        other.join();
-        EXPECT_EQ(kit.UnregisterPublisherListener(topic, once), 0);
-    }));
-    ASSERT_EQ(kit.RegisterPublisherListener(topic, once), 0);
-    EXPECT_EQ(kit.PublishMessage(topic, "first") + kit.PublishMessage(topic, "reaches nobody"), 0);
-    EXPECT_GE(heard, 2 * 300);
 }
 
 TEST(HostQos, SchedulesAnotherThreadAndResetsItOrLeavesItAlone)

@@ -24,7 +24,7 @@ public:
     // The one recorder, which listens from the first call on to the topics 1 to 16 and to every event.
     static PlatformRecorder &GetInstance()
     {
-        static const std::shared_ptr<PlatformRecorder> recorder = Start();
+        static const OHOS::sptr<PlatformRecorder> recorder = Start();
         return *recorder;
     }
 
@@ -51,15 +51,17 @@ public:
     }
 
 private:
-    static std::shared_ptr<PlatformRecorder> Start()
+    static OHOS::sptr<PlatformRecorder> Start()
     {
-        const auto recorder = std::make_shared<PlatformRecorder>();
+        const OHOS::sptr<PlatformRecorder> recorder = new PlatformRecorder();
         for (uint32_t topic = 1; topic <= 16; ++topic) {
             OHOS::DistributedHardware::DistributedHardwareFwkKit().RegisterPublisherListener(
                 static_cast<DHTopic>(topic), recorder);
         }
         std::vector<OHOS::HiviewDFX::ListenerRule> all = {OHOS::HiviewDFX::ListenerRule("", "")};
-        OHOS::HiviewDFX::HiSysEventManager::AddListener(recorder, all);
+        const std::shared_ptr<PlatformRecorder> shared(recorder.GetRefPtr(),
+                                                       [recorder](PlatformRecorder *) {});  // counted by sptr
+        OHOS::HiviewDFX::HiSysEventManager::AddListener(shared, all);
         return recorder;
     }
 

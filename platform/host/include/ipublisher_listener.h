@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <string>
 
+#include "refbase.h"
+
 namespace OHOS::DistributedHardware {
 
 // A release may use more topics than it names: every value above TOPIC_MIN is a topic. Releases differ in the names
@@ -22,9 +24,9 @@ enum class DHTopic : uint32_t {
     TOPIC_STOP_DAUDIO = 6,
 };
 
-class IPublisherListener {
+class IPublisherListener : public virtual RefBase {
 public:
-    virtual ~IPublisherListener() = default;
+    ~IPublisherListener() override = default;
 
     // Runs in the publishing thread; several threads may call it at once. May use the kit freely.
     virtual void OnMessage(const DHTopic topic, const std::string &message) = 0;

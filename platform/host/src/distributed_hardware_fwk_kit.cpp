@@ -15,10 +15,22 @@ namespace {
 
 using Listeners = std::vector<sptr<IPublisherListener>>;
 
-// A list is replaced, never changed, so that a publisher can go through the one it took without the lock.
+// A list is replaced, never changed, so that a publisher can go through the one it took without the lock. A topic is
+// here only with its list.
 struct Registry {
     std::mutex mutex;
     std::map<DHTopic, std::shared_ptr<const Listeners>> listeners;
+
+    Listeners Copy(DHTopic topic) const
+    {
+        const auto found = listeners.find(topic);
+        return found == listeners.end() ? Listeners() : *found->second;
+    }
+    void Replace(DHTopic topic, Listeners replacement)
+    {
+        auto list = std::make_shared<const Listeners>(std::move(replacement));
+        listeners.insert_or_assign(topic, std::move(list));
+    }
 };
 
 Registry &ProcessRegistry()
@@ -39,13 +51,12 @@ int32_t DistributedHardwareFwkKit::RegisterPublisherListener(const DHTopic topic
     }
     Registry &registry = ProcessRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
-    std::shared_ptr<const Listeners> &current = registry.listeners[topic];
-    Listeners listeners = current == nullptr ? Listeners() : *current;
+    Listeners listeners = registry.Copy(topic);
     if (std::find(listeners.begin(), listeners.end(), listener) != listeners.end()) {
         return -1;
     }
-    listeners.push_back(std::move(listener));
-    current = std::make_shared<const Listeners>(std::move(listeners));
+    listeners.push_back(listener);  // the argument's count stays until the lock is gone
+    registry.Replace(topic, std::move(listeners));
     return 0;
 }
 
@@ -53,14 +64,13 @@ int32_t DistributedHardwareFwkKit::UnregisterPublisherListener(const DHTopic top
 {
     Registry &registry = ProcessRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
-    std::shared_ptr<const Listeners> &current = registry.listeners[topic];
-    Listeners listeners = current == nullptr ? Listeners() : *current;
+    Listeners listeners = registry.Copy(topic);
     const auto position = std::find(listeners.begin(), listeners.end(), listener);
     if (position == listeners.end()) {
         return -1;
     }
     listeners.erase(position);
-    current = std::make_shared<const Listeners>(std::move(listeners));
+    registry.Replace(topic, std::move(listeners));
     return 0;
 }
 
