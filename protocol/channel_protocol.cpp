@@ -2,13 +2,13 @@
 
 #include "channel_protocol.h"
 
-#include <algorithm>
 #include <array>
 #include <climits>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "crc16.h"
 #include "dh_utils_tools.h"
 #include "ostra_adapter_log.h"
 #include "securec.h"
@@ -57,47 +57,6 @@ UnPackagedEA DecodeEA(const uint8_t *bytes, int begin, int end)
         }
     }
     return ea;
-}
-
-constexpr uint16_t CRC_POLYNOMIAL = 0xA001;  // 0x8005 reflected
-constexpr size_t CRC_STRIDE = 8;
-using CrcTable = std::array<uint16_t, 256>;
-
-// Row 0 is the standard byte-wise table; row k is the effect of a byte that k more bytes follow. With as many rows as
-// CRC_STRIDE, that many bytes are taken in one step whose look-ups do not wait for each other.
-constexpr std::array<CrcTable, CRC_STRIDE> MakeCrcTables()
-{
-    std::array<CrcTable, CRC_STRIDE> tables{};
-    for (size_t byte = 0; byte < tables[0].size(); ++byte) {
-        uint32_t crc = static_cast<uint32_t>(byte);
-        for (int bit = 0; bit < CHAR_BIT; ++bit) {
-            crc = (crc & 1) != 0 ? (crc >> 1) ^ CRC_POLYNOMIAL : crc >> 1;
-        }
-        tables[0][byte] = static_cast<uint16_t>(crc);
-    }
-    for (size_t row = 1; row < CRC_STRIDE; ++row) {
-        for (size_t byte = 0; byte < tables[0].size(); ++byte) {
-            const uint16_t shorter = tables[row - 1][byte];
-            tables[row][byte] = static_cast<uint16_t>((shorter >> CHAR_BIT) ^ tables[0][shorter & 0xFF]);
-        }
-    }
-    return tables;
-}
-
-constexpr std::array<CrcTable, CRC_STRIDE> CRC_TABLES = MakeCrcTables();
-
-uint32_t ComputeCrc(const uint8_t *data, size_t length)
-{
-    uint32_t crc = 0;
-    for (; length >= CRC_STRIDE; data += CRC_STRIDE, length -= CRC_STRIDE) {
-        crc = static_cast<uint32_t>(CRC_TABLES[7][data[0] ^ (crc & 0xFF)] ^ CRC_TABLES[6][data[1] ^ (crc >> CHAR_BIT)] ^
-                                    CRC_TABLES[5][data[2]] ^ CRC_TABLES[4][data[3]] ^ CRC_TABLES[3][data[4]] ^
-                                    CRC_TABLES[2][data[5]] ^ CRC_TABLES[1][data[6]] ^ CRC_TABLES[0][data[7]]);
-    }
-    for (; length > 0; ++data, --length) {
-        crc = (crc >> CHAR_BIT) ^ CRC_TABLES[0][(crc ^ *data) & 0xFF];
-    }
-    return crc;
 }
 
 }  // namespace
@@ -194,7 +153,7 @@ bool ChannelProtocol::HasEA(unsigned char byte)
 uint32_t ChannelProtocol::GetCrc(unsigned char *data, int length) const
 {
     const bool isEmpty = data == nullptr || length < 1;
-    const uint32_t crc = isEmpty ? 0 : ComputeCrc(data, static_cast<size_t>(length));
+    const uint32_t crc = isEmpty ? 0 : Crc16(0, data, static_cast<size_t>(length));
     OSTRA_LOGI("ChannelProtocol::GetCrc: getCrc16:%s", GetAnonyString(std::to_string(crc)).c_str());
     return crc;
 }
