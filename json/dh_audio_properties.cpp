@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "dh_device_json.h"
-#include "json_object.h"
+#include "json_reading.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 
@@ -51,7 +51,7 @@ DHOSTRAAudioProperties::~DHOSTRAAudioProperties()
 
 int32_t DHOSTRAAudioProperties::Unmarshal(const std::string &in)
 {
-    const JsonTree root(cJSON_Parse(in.c_str()));
+    const JsonTree root = ParseJson(in);
     if (root == nullptr) {
         OSTRA_LOGE("Failed to unmarshal DHOSTRAAudioProperties");
         return OSTRA_JSON_INPUT_INVALID;
@@ -85,7 +85,7 @@ int32_t DHOSTRAAudioProperties::UnmarshalAudioCapablities(const std::string &tex
         OSTRA_LOGE("profiles_ or codecs_ too large");
         return OSTRA_JSON_INPUT_INVALID;
     }
-    const JsonTree root(cJSON_Parse(text.c_str()));
+    const JsonTree root = ParseJson(text);
     if (root == nullptr) {
         OSTRA_LOGE("cJSON_Parse audioCapablitiesStr failed");
         return OSTRA_JSON_INPUT_INVALID;
@@ -110,6 +110,7 @@ int32_t DHOSTRAAudioProperties::UnmarshalAudioCodecs(const cJSON *root)
         OSTRA_LOGE("DHOSTRAAudioProperties UnmarshalAudioCodecs codecs is null");
         return OSTRA_JSON_SUCCESS;
     }
+    codecs_.reserve(codecs_.size() + static_cast<size_t>(cJSON_GetArraySize(codecs)));
     const cJSON *codec = nullptr;
     cJSON_ArrayForEach(codec, codecs)
     {
@@ -134,6 +135,7 @@ int32_t DHOSTRAAudioProperties::UnmarshalAudioProfiles(const cJSON *root)
         OSTRA_LOGE("DHOSTRAAudioProperties UnmarshalAudioProfiles profiles is null");
         return OSTRA_JSON_SUCCESS;
     }
+    profiles_.reserve(profiles_.size() + static_cast<size_t>(cJSON_GetArraySize(profiles)));
     const cJSON *profile = nullptr;
     cJSON_ArrayForEach(profile, profiles)
     {
@@ -168,15 +170,16 @@ void DHOSTRAAudioProperties::UpdateAudioProfiles()
         audioProfiles_ += DEFAULT_PROFILE;
         return;
     }
+    std::string added;
     for (const AudioProfile &profile : profiles_) {
         const int32_t channels = AudioChannelConvert(profile.channel);
         const int32_t bits = AudioFormatConvert(profile.format);
         if (channels == 0 || bits == 0) {
             continue;
         }
-        audioProfiles_ +=
-            std::to_string(profile.sampleRate) + "," + std::to_string(channels) + "," + std::to_string(bits) + ";";
+        added += std::to_string(profile.sampleRate) + "," + std::to_string(channels) + "," + std::to_string(bits) + ";";
     }
+    audioProfiles_ += added;
     OSTRA_LOGI("DHOSTRAAudioProperties UpdateAudioProfiles audioProfiles is %s", audioProfiles_.c_str());
 }
 

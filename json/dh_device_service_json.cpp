@@ -2,7 +2,7 @@
 
 #include "dh_device_json.h"
 #include "dh_utils_tools.h"
-#include "json_object.h"
+#include "json_reading.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 
@@ -46,7 +46,7 @@ DHOSTRADeviceServiceJson::~DHOSTRADeviceServiceJson()
 
 int32_t DHOSTRADeviceServiceJson::Unmarshal(const std::string &in)
 {
-    const JsonTree root(cJSON_Parse(in.c_str()));
+    const JsonTree root = ParseJson(in);
     if (root == nullptr) {
         OSTRA_LOGE("Failed to unmarshal DHOSTRADeviceServiceJson.");
         return OSTRA_JSON_INPUT_INVALID;
@@ -59,6 +59,7 @@ int32_t DHOSTRADeviceServiceJson::Unmarshal(const std::string &in)
     }
     TakeString(root.get(), "serviceId", serviceId_);
     if (!TakeObject(root.get(), "properties", properties_) || !TakeObject(root.get(), "status", status_)) {
+        OSTRA_LOGE("DHOSTRADeviceServiceJson Unmarshal failed, cJSON_PrintUnformatted failed");
         return OSTRA_JSON_INPUT_INVALID;
     }
     OSTRA_LOGI("DHOSTRADeviceServiceJson Unmarshal is %s", String().c_str());
