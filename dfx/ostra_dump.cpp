@@ -3,7 +3,6 @@
 #include "ostra_dump.h"
 
 #include <cstdint>
-#include <memory>
 
 #include "ostra_adapter_log.h"
 #include "parameter.h"
@@ -14,13 +13,6 @@ namespace {
 constexpr char UNSET_MARKER[] = "-1";
 constexpr uint32_t PARAMETER_BUFFER_SIZE = 30;
 constexpr size_t LONGEST_PATH = 50;
-
-struct CloseFile {
-    void operator()(FILE *file) const
-    {
-        static_cast<void>(fclose(file));
-    }
-};
 
 }  // namespace
 
@@ -77,12 +69,14 @@ void OstraDump::DumpStreamData(const std::string &fileName, const unsigned char 
         OSTRA_LOGD("Dump is not enable.");
         return;
     }
-    const std::unique_ptr<FILE, CloseFile> file(OpenDumpFile(DUMP_PATH_PREFIX + fileName));
+    FILE *const file = OpenDumpFile(DUMP_PATH_PREFIX + fileName);
     if (file == nullptr) {
         return;
     }
     const auto count = static_cast<size_t>(size);
-    if (fwrite(data, 1, count, file.get()) != count) {
+    const bool isTaken = fwrite(data, 1, count, file) == count;
+    const bool isClosed = fclose(file) == 0;  // what the buffer of the file still holds is written here
+    if (!isTaken || !isClosed) {
         OSTRA_LOGE("Failed to write the file");
     }
 }
