@@ -15,6 +15,8 @@ using HiviewDFX::HiSysEvent;
 constexpr int32_t RESULT_SUCCESS = 1;
 constexpr int32_t RESULT_FAILURE = 2;
 
+constexpr int32_t FAILURE_LINES = 100;  // above the line of any success
+
 constexpr int32_t NO_STATE = 0;
 constexpr int32_t STATE_START = 1;
 constexpr int32_t STATE_STOP = 2;
@@ -22,7 +24,7 @@ constexpr int32_t STATE_STOP = 2;
 struct Step {
     const char *method;
     const char *nameInLog;  // not always that of the method
-    int32_t stage;          // also the line for the platform's write limiter: each method has a budget of its own
+    int32_t stage;
     int32_t state;
     bool callsPackage;
 };
@@ -57,13 +59,20 @@ struct Report {
     const char *calledPackage = nullptr;
 };
 
+// The line by which the platform's write limiter counts. Failures of a method have a budget of their own: however many
+// successes there are, they hide none.
+int32_t LineOf(const Step &step, bool isSuccess)
+{
+    return isSuccess ? step.stage : FAILURE_LINES + step.stage;
+}
+
 // The platform takes the keys of an event as arguments, so each choice adds arguments to those before it.
 int WriteEvent(const Step &step, const Report &report)
 {
     const bool isSuccess = report.errorCode == 0;
-    const auto write = [&step](auto... keyValues) {
-        return HiSysEvent::Write(step.method, step.stage, OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT, HiSysEvent::BEHAVIOR,
-                                 keyValues...);
+    const auto write = [&](auto... keyValues) {
+        return HiSysEvent::Write(step.method, LineOf(step, isSuccess), OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT,
+                                 HiSysEvent::BEHAVIOR, keyValues...);
     };
     const auto writeWithError = [&](auto... keyValues) {
         return isSuccess ? write(keyValues...) : write(keyValues..., "ERROR_CODE", report.errorCode);
