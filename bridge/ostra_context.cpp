@@ -26,7 +26,7 @@ OstraContext::OstraContext() : dhFwkKit_(std::make_shared<DistributedHardwareFwk
 void OstraContext::AddWaitNotify(const std::string &devId, const std::string &event)
 {
     const std::lock_guard<std::mutex> lock(waitNotifyMutex_);
-    waitNotifyMap_[devId] = event;
+    waitNotifyMap_.insert_or_assign(devId, event);
 }
 
 void OstraContext::PublishMessage()

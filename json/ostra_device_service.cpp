@@ -51,7 +51,9 @@ int32_t OSTRADeviceService::PackServiceData(std::vector<uint8_t> &out) const
         OSTRA_LOGE("OSTRADeviceService PackServiceData failed, cJSON jsonObject is nullptr");
         return OSTRA_JSON_CREATE_FAILED;
     }
-    out.assign(text.get(), text.get() + std::strlen(text.get()));
+    const size_t length = std::strlen(text.get());
+    out.reserve(length);  // assign alone may give up the old bytes before it has room for the new ones
+    out.assign(text.get(), text.get() + length);
     return OSTRA_JSON_SUCCESS;
 }
 

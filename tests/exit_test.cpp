@@ -2,7 +2,6 @@
 //
 // Every operation works until the process is gone, also after the destructors of all static objects.
 
-#include <cxxabi.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,6 +18,8 @@
 #include "ostra_dump.h"
 #include "ostra_radar.h"
 #include "parameter.h"
+
+extern "C" int __cxa_atexit(void (*handler)(void *), void *argument, void *library) noexcept;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
@@ -59,7 +60,7 @@ void AtExit(void * /* argument */)
 // Not with atexit, whose handlers run with the destructors of the program that registers them.
 void RegisterOnce()
 {
-    static const int registered = abi::__cxa_atexit(AtExit, nullptr, nullptr);
+    static const int registered = __cxa_atexit(AtExit, nullptr, nullptr);
     static_cast<void>(registered);
 }
 
