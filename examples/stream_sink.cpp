@@ -99,8 +99,7 @@ private:
     {
         OHOS::MessageParcel parcel;
         std::map<int32_t, std::string> settings;
-        if (!parcel.ParseFrom(reinterpret_cast<uintptr_t>(bytes.data()), bytes.size()) ||
-            !IpcUtils::UnMarshalling(parcel, settings)) {
+        if (!parcel.WriteBuffer(bytes.data(), bytes.size()) || !IpcUtils::UnMarshalling(parcel, settings)) {
             return false;
         }
         settings_ = settings[SETTING_SAMPLE_RATE] + " Hz, " + settings[SETTING_CHANNELS] + " channels, pieces of " +
