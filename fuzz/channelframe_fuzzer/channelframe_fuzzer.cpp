@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Operations on one frame object, in any order and with any arguments, beside plain bytes and a position; the CRC of
+// the input beside its definition.
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include "channel_protocol.h"
+#include "crc16.h"
+#include "fuzz_target.h"
+
+namespace {
+
+using namespace Fuzz;
+using namespace OHOS::DistributedHardware::OstraAdapter;
+
+constexpr int32_t HIGHEST = std::numeric_limits<int32_t>::max();
+constexpr char UNDEFINED = '?';  // stands in for content that is not written yet
+
+// A number to the base of 128, lowest digit first; 128 added to a digit says that none follows.
+std::string Encode(uint32_t value)
+{
+    std::string digits;
+    do {
+        digits += static_cast<char>(value % 128 + (value < 128 ? 128 : 0));
+        value /= 128;
+    } while (value > 0 && digits.size() < 4);
+    return digits;
+}
+
+UnPackagedEA Decode(const std::string &frame, int32_t offset)
+{
+    UnPackagedEA ea{0, offset};
+    for (size_t at = static_cast<size_t>(offset), weight = 1; at < frame.size() && weight < 1U << 28; weight *= 128) {
+        const auto digit = static_cast<uint8_t>(frame[at++]);
+        ea = {ea.value + static_cast<uint32_t>(digit % 128 * weight), static_cast<int32_t>(at)};
+        if (digit >= 128) {
+            break;
+        }
+    }
+    return ea;
+}
+
+// The definition, bit by bit.
+uint32_t Crc(const std::string &data)
+{
+    uint32_t crc = 0;
+    for (const char byte : data) {
+        for (int bit = 0; bit < 8; ++bit) {
+            const bool isSet = ((crc ^ static_cast<uint32_t>(byte >> bit)) & 1) != 0;
+            crc = isSet ? crc / 2 ^ 0xA001 : crc / 2;
+        }
+    }
+    return crc;
+}
+
+// One object, and what it holds.
+struct Session {
+    ChannelProtocol frame;
+    std::string bytes;  // empty: there is no frame
+    int32_t offset = 0;
+};
+
+void Run(Session &held, std::string &input)
+{
+    const uint8_t how = TakeByte(input);
+    const int32_t number = TakeNumber(input);
+    const std::string text = TakeText(input);
+    std::vector<uint8_t> content(text.begin(), text.end());  // no longer: the sanitizer sees a step too far
+    uint8_t *data = (how & 0x80) != 0 ? nullptr : content.data();
+    int32_t size = static_cast<int32_t>(text.size()) * ((how & 0x40) != 0 ? -1 : 1);
+    bool isAllowed = data != nullptr && size > 0;
+    const UnPackagedEA untouched{77, 77};
+    UnPackagedEA ea = untouched;
+    UnPackagedEA expected = untouched;
+    switch (how % 4) {
+        case 0:
+            size = (how & 0x20) != 0 ? HIGHEST : size;
+            isAllowed = number <= 0x0FFFFFFF && size >= 0 && size < HIGHEST;
+            Hold("result of Create", isAllowed, held.frame.Create(number, size));
+            if (isAllowed) {
+                held.bytes = Encode(static_cast<uint32_t>(number));
+                held.offset = static_cast<int32_t>(held.bytes.size());
+                held.bytes.append(text.size(), UNDEFINED);
+                std::fill_n(held.frame.GetBuffer() + held.offset, size, UNDEFINED);
+            }
+            break;
+        case 1:
+            Hold("result of CreateFromBuffer", isAllowed, held.frame.CreateFromBuffer(data, size));
+            held.bytes = isAllowed ? text : held.bytes;
+            held.offset = isAllowed ? 0 : held.offset;
+            break;
+        case 2:
+            isAllowed = isAllowed && int64_t{held.offset} + size <= static_cast<int64_t>(held.bytes.size());
+            Hold("result of WriteContent", isAllowed, held.frame.WriteContent(data, size));
+            if (isAllowed) {
+                held.bytes.replace(static_cast<size_t>(held.offset), text.size(), text);
+            }
+            break;
+        default:
+            isAllowed = !held.bytes.empty() && number >= 0;
+            Hold("result of ReadEA", isAllowed, held.frame.ReadEA(ea, number));
+            expected = isAllowed ? Decode(held.bytes, number) : untouched;
+            held.offset = isAllowed ? expected.offset : held.offset;
+            Hold("value", expected.value, ea.value);
+            Hold("position behind the value", expected.offset, ea.offset);
+    }
+}
+
+void Compare(const Session &held)
+{
+    const auto size = static_cast<int32_t>(held.bytes.size());
+    const unsigned char *buffer = held.frame.GetBuffer();
+    Hold("there is no buffer", size == 0, buffer == nullptr);
+    Hold("protocolBuffer_ is the buffer", true, buffer == held.frame.protocolBuffer_);
+    Hold("GetBufferSize", size, held.frame.GetBufferSize());
+    Hold("bufferSize_", size, held.frame.bufferSize_);
+    Hold("offset_", held.offset, held.frame.offset_);
+    Hold("bytes", held.bytes, std::string(buffer, buffer + size));
+}
+
+// Of every range at the end, and method by method in two pieces.
+void CheckCrc(const std::string &input)
+{
+    std::vector<uint8_t> bytes(input.begin(), input.end());
+    const ChannelProtocol frame;
+    for (size_t begin = 0; begin <= std::min<size_t>(input.size(), 16); ++begin) {
+        uint8_t *rest = bytes.data() + begin;
+        const size_t length = bytes.size() - begin;
+        const auto signedLength = static_cast<int32_t>(length);
+        Hold("GetCrc", Crc(input.substr(begin)), frame.GetCrc(rest, signedLength));
+        Hold("GetCrc of no data", 0U, frame.GetCrc(nullptr, signedLength));
+        Hold("GetCrc of a length below 1", 0U, frame.GetCrc(bytes.data(), -signedLength));
+        for (const auto method : {Crc16, Crc16ByBytes, Crc16ByTables, Crc16ByFolding}) {
+            if (method != Crc16ByFolding || HasCarryLessMultiplication()) {
+                Hold("CRC by a method", Crc(input), uint32_t{method(method(0, bytes.data(), begin), rest, length)});
+            }
+        }
+    }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    std::string input = Begin(data, size);
+    CheckCrc(input);
+    for (const char byte : input) {
+        Hold("end mark", byte < 0, ChannelProtocol::HasEA(static_cast<uint8_t>(byte)));
+    }
+    for (Session held; !input.empty(); Compare(held)) {
+        std::unique_ptr<unsigned char[]> earlier(held.frame.GetBuffer());  // a new frame does not release it
+        Run(held, input);
+        if (earlier.get() == held.frame.GetBuffer()) {
+            static_cast<void>(earlier.release());
+        }
+    }
+    return 0;
+}

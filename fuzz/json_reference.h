@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the references of documents share.
+
+#ifndef FUZZ_JSON_REFERENCE_H
+#define FUZZ_JSON_REFERENCE_H
+
+#include <memory>
+#include <string>
+
+#include "cJSON.h"
+
+namespace Fuzz {
+
+constexpr int32_t INPUT_INVALID = -70005;
+constexpr int MOST_LINES = 8;  // documents of one input: what is read adds up
+constexpr int MOST_LEVELS = 100;
+
+using JsonTree = std::unique_ptr<cJSON, decltype(&cJSON_Delete)>;
+
+// Whether too many brackets and braces are open at once before the first is closed; those in strings do not count.
+inline bool IsTooDeep(const char *text)
+{
+    int levels = 0;
+    bool isInString = false;
+    for (const char *at = text; *at != '\0' && levels <= MOST_LEVELS; ++at) {
+        if (*at == '"') {
+            isInString = !isInString;
+        } else if (isInString) {
+            at += *at == '\\' && at[1] != '\0' ? 1 : 0;
+        } else if (*at == '[' || *at == '{') {
+            ++levels;
+        } else if ((*at == ']' || *at == '}') && --levels <= 0) {
+            break;
+        }
+    }
+    return levels > MOST_LEVELS;
+}
+
+// Null for what is no JSON or nested too deep. A text ends at its first zero byte.
+inline JsonTree Parse(const std::string &text)
+{
+    return {IsTooDeep(text.c_str()) ? nullptr : cJSON_Parse(text.c_str()), cJSON_Delete};
+}
+
+// A text up to its first zero byte, as it stands in a document.
+inline std::string Quote(const std::string &text)
+{
+    const std::string special = "\"\\\b\f\n\r\t";
+    std::string quoted;
+    for (const char character : std::string(text.c_str())) {
+        const size_t found = special.find(character);
+        if (found != std::string::npos) {
+            quoted += std::string("\\") + "\"\\bfnrt"[found];
+        } else if (character >= 0 && character < ' ') {
+            char code[] = "\\u0000";
+            std::snprintf(code, sizeof(code), "\\u%04x", character);
+            quoted += code;
+        } else {
+            quoted += character;
+        }
+    }
+    return '"' + quoted + '"';
+}
+
+}  // namespace Fuzz
+
+#endif  // FUZZ_JSON_REFERENCE_H

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A parcel from another process, read into a map that holds entries already; and a map that is written.
+
+#include <cstring>
+#include <limits>
+#include <map>
+#include <regex>
+
+#include "fuzz_target.h"
+#include "ipc_utils.h"
+#include "message_parcel.h"
+
+namespace {
+
+using namespace Fuzz;
+using OHOS::MessageParcel;
+using OHOS::DistributedHardware::OstraAdapter::IpcUtils;
+
+constexpr size_t MOST_ENTRIES = 10000;
+constexpr size_t LONGEST_KEY = 100;
+constexpr size_t UNIT = 4;
+constexpr int32_t LOWEST = std::numeric_limits<int32_t>::min();
+constexpr int32_t HIGHEST = std::numeric_limits<int32_t>::max();
+
+using Map = std::map<int32_t, std::string>;
+
+bool IsKey(const std::string &text)
+{
+    static const std::regex number("[-+]?[0-9]+");
+    if (text.size() > LONGEST_KEY || !std::regex_match(text, number)) {
+        return false;
+    }
+    const long long key = std::strtoll(text.c_str(), nullptr, 10);
+    return key >= LOWEST && key <= HIGHEST;
+}
+
+// A number of 4 bytes, lowest first; 0 when they are not all there.
+size_t TakeUnit(std::string &bytes)
+{
+    uint32_t number = 0;
+    for (size_t i = UNIT; bytes.size() >= UNIT && i > 0; --i) {
+        number = number * 256 + static_cast<uint8_t>(bytes[i - 1]);
+    }
+    Take(bytes, bytes.size() < UNIT ? 0 : UNIT);
+    return number;
+}
+
+// Takes a map off the front of the bytes of a parcel.
+bool Read(std::string &bytes, Map &params)
+{
+    const size_t count = TakeUnit(bytes);
+    for (size_t i = 0; count <= MOST_ENTRIES && i < count; ++i) {
+        const size_t length = bytes.size() < UNIT ? UNIT : TakeUnit(bytes);
+        if (length >= bytes.size() || bytes[length] != '\0') {
+            return false;
+        }
+        const std::string entry = Take(bytes, (length / UNIT + 1) * UNIT).substr(0, length);
+        const std::string key = entry.substr(0, entry.find('#'));
+        if (key.size() < length && IsKey(key)) {
+            params[std::stoi(key)] = entry.substr(key.size() + 1);
+        }
+    }
+    return count <= MOST_ENTRIES;
+}
+
+std::string Unit(size_t number)
+{
+    std::string bytes;
+    for (size_t i = 0; i < UNIT; ++i, number /= 256) {
+        bytes += static_cast<char>(number % 256);
+    }
+    return bytes;
+}
+
+std::string Written(const Map &params)
+{
+    std::string bytes = Unit(params.size());
+    for (const auto &[key, value] : params) {
+        const std::string entry = std::to_string(key) + "#" + value;
+        bytes += Unit(entry.size()) + entry + std::string(UNIT - entry.size() % UNIT, '\0');
+    }
+    return bytes;
+}
+
+void CheckUnMarshalling(std::string bytes)
+{
+    void *block = std::malloc(bytes.size() + 1);  // the parcel frees it
+    std::memcpy(block, bytes.data(), bytes.size());
+    MessageParcel parcel;
+    Hold("result of ParseFrom", true, parcel.ParseFrom(reinterpret_cast<uintptr_t>(block), bytes.size()));
+    Map expected = {{LOWEST, "held before"}, {-1, "held before"}, {7, "held before"}, {HIGHEST, "held before"}};
+    Map params = expected;
+    const bool isWhole = Read(bytes, expected);
+    Hold("result of UnMarshalling", isWhole, IpcUtils::UnMarshalling(parcel, params));
+    Hold("map that was read", Written(expected), Written(params));
+    Hold("bytes left", isWhole ? bytes.size() : parcel.GetReadableBytes(), parcel.GetReadableBytes());
+}
+
+void CheckMarshalling(const Map &params)
+{
+    MessageParcel parcel;
+    const bool isAllowed = params.size() <= MOST_ENTRIES;
+    Hold("result of Marshalling", isAllowed, IpcUtils::Marshalling(parcel, params));
+    const auto *bytes = reinterpret_cast<const char *>(parcel.GetData());  // NOLINT(performance-no-int-to-ptr)
+    const std::string expected = isAllowed ? Written(params) : "";
+    Hold("parcel that was written", expected, std::string(bytes, parcel.GetDataSize()));
+    CheckUnMarshalling(expected);
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    std::string input = Begin(data, size);
+    CheckUnMarshalling(input);
+    Map params;
+    const auto filled = static_cast<size_t>(TakeNumber(input));  // a map that is full, or a little more or less
+    while (filled / UNIT == MOST_ENTRIES / UNIT && params.size() < filled) {
+        params.emplace(static_cast<int32_t>(params.size()), "");
+    }
+    while (!input.empty()) {
+        const int32_t key = TakeNumber(input);
+        params[key] = TakeText(input);
+    }
+    CheckMarshalling(params);
+    return 0;
+}

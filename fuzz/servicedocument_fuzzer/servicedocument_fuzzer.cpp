@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Service documents from a peer: one object reads the lines of the input, one after the other. Service and device
+// documents to a peer: their members are pieces of the input.
+
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "dh_device_json.h"
+#include "fuzz_target.h"
+#include "json_reference.h"
+#include "ostra_device_service.h"
+
+namespace {
+
+using namespace Fuzz;
+using namespace OHOS::DistributedHardware::OstraAdapter;
+
+constexpr char VERSIONS[] = "{\n\t\"1\":\t1,\n\t\"2\":\t2,\n\t\"4\":\t2,\n\t\"256\":\t1,\n\t\"512\":\t1\n}";
+
+int32_t Read(const std::string &document, DHOSTRADeviceServiceJson &record)
+{
+    const JsonTree tree = Parse(document);
+    if (tree == nullptr) {
+        return INPUT_INVALID;
+    }
+    for (const auto &[name, text] : {std::pair("deviceId", &record.deviceId_),
+                                     {"deviceName", &record.deviceName_},
+                                     {"serviceId", &record.serviceId_}}) {
+        const cJSON *item = cJSON_GetObjectItem(tree.get(), name);
+        *text = cJSON_IsString(item) != 0 ? item->valuestring : *text;
+    }
+    for (const auto &[name, text] : {std::pair("properties", &record.properties_), {"status", &record.status_}}) {
+        const cJSON *item = cJSON_GetObjectItem(tree.get(), name);
+        const std::unique_ptr<char, decltype(&cJSON_free)> printed(cJSON_PrintUnformatted(item), cJSON_free);
+        *text = cJSON_IsObject(item) != 0 ? printed.get() : *text;
+    }
+    const cJSON *type = cJSON_GetObjectItem(tree.get(), "serviceType");
+    record.serviceType_ = cJSON_IsNumber(type) != 0 ? type->valueint : record.serviceType_;
+    return 0;
+}
+
+void Compare(const DHOSTRADeviceServiceJson &record, const DHOSTRADeviceServiceJson &service)
+{
+    Hold("deviceId_", record.deviceId_, service.deviceId_);
+    Hold("deviceName_", record.deviceName_, service.deviceName_);
+    Hold("serviceId_", record.serviceId_, service.serviceId_);
+    Hold("serviceType_", record.serviceType_, service.serviceType_);
+    Hold("properties_", record.properties_, service.properties_);
+    Hold("status_", record.status_, service.status_);
+}
+
+std::string Object(const std::map<std::string, std::string> &entries)
+{
+    std::string members;
+    for (const auto &[key, value] : entries) {
+        members += (members.empty() ? "" : ",") + Quote(key) + ":" + Quote(value);
+    }
+    return "{" + members + "}";
+}
+
+void CheckPacking(std::string input)
+{
+    OSTRADeviceService service;
+    Hold("serviceType_ at first", 0, service.serviceType_);
+    service.deviceId_ = TakeText(input);
+    service.deviceName_ = TakeText(input);
+    service.serviceId_ = TakeText(input);
+    service.serviceType_ = TakeNumber(input);
+    for (auto *entries : {&service.properties_, &service.properties_, &service.status_}) {
+        const std::string key = TakeText(input);
+        (*entries)[key] = TakeText(input);
+    }
+    std::vector<uint8_t> packed = {'?'};
+    Hold("result of PackServiceData", 0, service.PackServiceData(packed));
+    const std::string expected =
+        "{\"deviceId\":" + Quote(service.deviceId_) + ",\"deviceName\":" + Quote(service.deviceName_) +
+        ",\"serviceType\":" + Show(service.serviceType_) + ",\"serviceId\":" + Quote(service.serviceId_) +
+        ",\"properties\":" + Object(service.properties_) + ",\"status\":" + Object(service.status_) + "}";
+    Hold("service document", expected, std::string(packed.begin(), packed.end()));
+}
+
+void CheckDeviceDocument(std::string input)
+{
+    DHOSTRADeviceJson device;
+    Hold("port_ at first", -1, device.port_);
+    std::string expected = "{\n";
+    const auto add = [&expected](const char *key, const std::string &value) {
+        expected += std::string("\t\"") + key + "\":\t" + value + ",\n";
+    };
+    add("deviceId", Quote(device.deviceId_ = TakeText(input)));
+    add("deviceName", Quote(device.deviceName_ = TakeText(input)));
+    add("deviceType", Show(device.deviceType_ = static_cast<uint32_t>(TakeNumber(input))));
+    add("bluetoothMac", Quote(device.bluetoothMac_ = TakeText(input)));
+    add("btName", Quote(device.btName_ = TakeText(input)));
+    add("localIp", Quote(device.localIp_ = TakeText(input)));
+    add("remoteIp", Quote(device.remoteIp_ = TakeText(input)));
+    add("port", Show(device.port_ = TakeNumber(input)));
+    add("businessId", Show(device.businessId_ = static_cast<uint32_t>(TakeNumber(input))));
+    for (const auto &[key, flag] : {std::pair("supportMic", &device.supportMic_),
+                                    {"supportCamera", &device.supportCamera_},
+                                    {"tavoniTv", &device.tavoniTv_}}) {
+        *flag = TakeByte(input) % 2 != 0;
+        add(key, *flag ? "true" : "false");
+    }
+    const std::string versions = "\"2016\":\t" + Quote(VERSIONS) + "\n";
+    expected += "\t\"properties\":\t{\n\t\t" + versions + "\t}\n}";
+    device.reserved_ = device.properties_ = TakeText(input);
+    std::string document = "earlier";
+    Hold("result of Marshal", 0, device.Marshal(document));
+    Hold("device document", expected, document);
+    Hold("properties_ after Marshal", "{\n\t" + versions + "}", device.properties_);
+    const int32_t service = TakeNumber(input);
+    Hold("GetVersionByService", service == 2 || service == 4 ? 2 : 1, device.GetVersionByService(service));
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    std::string input = Begin(data, size);
+    CheckPacking(input);
+    CheckDeviceDocument(input);
+    DHOSTRADeviceServiceJson record;
+    DHOSTRADeviceServiceJson service;
+    Hold("serviceType_ of what is read, at first", 0, service.serviceType_);
+    for (int i = 0; i < MOST_LINES && !input.empty(); ++i) {
+        const std::string document = TakeLine(input);
+        Hold("result of Unmarshal", Read(document, record), service.Unmarshal(document));
+        Compare(record, service);
+    }
+    return 0;
+}
