@@ -10,10 +10,13 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "distributed_hardware_fwk_kit.h"
+#include "errors.h"
+#include "nocopyable.h"
 
 using namespace OHOS;
 using namespace OHOS::DistributedHardware;
@@ -40,7 +43,11 @@ struct Object : virtual RefBase {
 
 struct Derived : Object {
     using Object::Object;
+    DISALLOW_COPY_AND_MOVE(Derived);
 };
+static_assert(!std::is_copy_constructible_v<Derived> && !std::is_move_constructible_v<Derived> &&
+              !std::is_copy_assignable_v<Derived> && !std::is_move_assignable_v<Derived>);
+static_assert(SUCCEEDED(ERR_OK) && FAILED(ErrCode{-1}) && !FAILED(0) && !SUCCEEDED(1));
 
 struct Listener : IPublisherListener {
     explicit Listener(std::function<void(const std::string &)> action) : act(std::move(action))
@@ -99,6 +106,9 @@ TEST(HostRefBase, AWeakPointerTellsWhetherTheObjectLives)
         EXPECT_EQ(uncounted.GetSptrRefCount(), 0);
     }
     EXPECT_FALSE(weak.promote());
+    const sptr<Derived> derived = new Derived(7);
+    weak = derived;
+    EXPECT_EQ(weak.promote(), derived);
     weak = new Object(6);  // not counted yet: the first strong pointer takes it
     EXPECT_EQ(weak.promote()->value, 6);
     EXPECT_FALSE(weak.promote());
@@ -107,7 +117,7 @@ TEST(HostRefBase, AWeakPointerTellsWhetherTheObjectLives)
 // No promotion revives an object that another thread ends.
 TEST(HostRefBase, CountsFromAllThreads)
 {
-    for (int round = 0; round < 300; ++round) {
+    for (int round = 0; round < 100; ++round) {
         sptr<Object> strong = new Object(round);
         const wptr<Object> weak = strong;
         std::vector<std::thread> threads;

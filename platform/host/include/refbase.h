@@ -121,7 +121,8 @@ public:
     wptr(T *object) : object_(object), counter_(object == nullptr ? nullptr : object->RefBase::Watch())
     {
     }
-    wptr(const sptr<T> &object) : wptr(object.GetRefPtr())
+    template <typename Derived>
+    wptr(const sptr<Derived> &object) : wptr(static_cast<T *>(object.GetRefPtr()))
     {
     }
     wptr(const wptr &other) : object_(other.object_), counter_(RefBase::Watch(other.counter_))

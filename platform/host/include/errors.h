@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Results of the platform's components: ERR_OK or an error. The host has no names for single errors.
+
+#ifndef HOST_ERRORS_H
+#define HOST_ERRORS_H
+
+namespace OHOS {
+
+using ErrCode = int;
+
+constexpr ErrCode ERR_OK = 0;
+
+#define SUCCEEDED(errCode) ((errCode) == OHOS::ERR_OK)
+#define FAILED(errCode) ((errCode) != OHOS::ERR_OK)
+
+}  // namespace OHOS
+
+#endif  // HOST_ERRORS_H
