@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 #include <cJSON.h>
 
+#include <charconv>
 #include <string>
 #include <vector>
 
@@ -22,26 +23,16 @@ constexpr size_t ROOMY_CAPACITY = 1 << 24;
 
 using Map = std::map<int32_t, std::string>;
 
-Map SomeEntries(int count)
+Map SomeEntries(int64_t count)
 {
     Map map;
-    for (int key = 0; key < count; ++key) {
+    for (int32_t key = 0; key < count; ++key) {
         map[key] = "value " + std::to_string(key);
     }
     return map;
 }
 
-std::vector<std::string> ReadyTexts(const Map &map)
-{
-    std::vector<std::string> texts;
-    texts.reserve(map.size());
-    for (const auto &[key, value] : map) {
-        texts.push_back(std::to_string(key) + "#" + value);
-    }
-    return texts;
-}
-
-void Write(benchmark::State &state, int count)
+void Write(benchmark::State &state, int64_t count)
 {
     const Map map = SomeEntries(count);
     for (auto _ : state) {
@@ -63,21 +54,21 @@ void WriteManyEntries(benchmark::State &state)
 }
 BENCHMARK(WriteManyEntries);
 
-void WriteReadyTexts(benchmark::State &state)
+void WriteByHand(benchmark::State &state)
 {
-    const std::vector<std::string> texts = ReadyTexts(SomeEntries(MANY));
+    const Map map = SomeEntries(MANY);
     for (auto _ : state) {
         MessageParcel parcel;
         parcel.SetMaxCapacity(ROOMY_CAPACITY);
-        parcel.WriteUint32(static_cast<uint32_t>(texts.size()));
-        for (const std::string &text : texts) {
-            benchmark::DoNotOptimize(parcel.WriteString(text));
+        parcel.WriteUint32(static_cast<uint32_t>(map.size()));
+        for (const auto &[key, value] : map) {
+            benchmark::DoNotOptimize(parcel.WriteString(std::to_string(key) + SEPARATOR + value));
         }
     }
 }
-BENCHMARK(WriteReadyTexts);
+BENCHMARK(WriteByHand);
 
-void Read(benchmark::State &state, int count)
+void Read(benchmark::State &state, int64_t count)
 {
     MessageParcel parcel;
     parcel.SetMaxCapacity(ROOMY_CAPACITY);
@@ -101,32 +92,56 @@ void ReadManyEntries(benchmark::State &state)
 }
 BENCHMARK(ReadManyEntries);
 
-void ReadTextsAndLog(benchmark::State &state)
+void MeasureReadingByHand(benchmark::State &state, int64_t count)
 {
     MessageParcel parcel;
     parcel.SetMaxCapacity(ROOMY_CAPACITY);
-    IpcUtils::Marshalling(parcel, SomeEntries(MANY));
+    IpcUtils::Marshalling(parcel, SomeEntries(count));
     for (auto _ : state) {
         parcel.RewindRead(0);
-        const uint32_t count = parcel.ReadUint32();
-        std::vector<std::string> texts(count);
-        for (uint32_t i = 0; i < count; ++i) {
-            parcel.ReadString(texts[i]);
-            DHLog(DH_LOG_INFO, "[ostraadapterutils][UnMarshalling]:the key is %d, value is %s", static_cast<int>(i),
-                  texts[i].c_str());
+        Map map;
+        std::string text;
+        for (uint32_t left = parcel.ReadUint32(); left > 0; --left) {
+            parcel.ReadString(text);
+            int32_t key = 0;
+            const char *keyEnd = std::from_chars(text.data(), text.data() + text.size(), key).ptr;
+            const auto end = map.emplace_hint(map.end(), key, keyEnd + 1);
+            DHLog(DH_LOG_INFO, "[ostraadapterutils][UnMarshalling]:the key is %d, value is %s", key,
+                  end->second.c_str());
         }
+        benchmark::DoNotOptimize(map);
     }
 }
-BENCHMARK(ReadTextsAndLog);
 
-const int READ_ROW = AddRow({"`UnMarshalling`, 10 000 entries, log output off", "ReadManyEntries",
-                             "reading the strings into a vector, one `DHLog` each", "ReadTextsAndLog", 1.5});
+void ReadByHand(benchmark::State &state)
+{
+    MeasureReadingByHand(state, MANY);
+}
+BENCHMARK(ReadByHand);
+
+const int READ_ROW = AddRow({"`UnMarshalling`, 10 000 entries", "ReadManyEntries",
+                             "reading into a map by hand, one `DHLog` each", "ReadByHand", 1.3});
 const int WRITE_ROW =
-    AddRow({"`Marshalling`, 10 000 entries", "WriteManyEntries", "writing the ready strings", "WriteReadyTexts", 2});
+    AddRow({"`Marshalling`, 10 000 entries", "WriteManyEntries", "composing and writing by hand", "WriteByHand", 1});
 const int READ_GROWTH_ROW =
     AddRow({"`UnMarshalling`, 10 000 entries", "ReadManyEntries", "itself, 1 000 entries", "ReadFewEntries", 13});
 const int WRITE_GROWTH_ROW =
     AddRow({"`Marshalling`, 10 000 entries", "WriteManyEntries", "itself, 1 000 entries", "WriteFewEntries", 13});
+
+void GrowUnMarshalling(benchmark::State &state)
+{
+    Read(state, state.range());
+}
+BENCHMARK(GrowUnMarshalling)->RangeMultiplier(4)->Range(1, MANY);
+
+void GrowReadingByHand(benchmark::State &state)
+{
+    MeasureReadingByHand(state, state.range());
+}
+BENCHMARK(GrowReadingByHand)->RangeMultiplier(4)->Range(1, MANY);
+
+const int READ_CURVE = AddCurve({"entries", "UnMarshalling", "GrowUnMarshalling"});
+const int READ_FLOOR = AddCurve({"entries", "floor: reading into a map by hand", "GrowReadingByHand"});
 
 std::vector<std::string> SomeDevices()
 {
@@ -171,6 +186,7 @@ void PublishByHand(benchmark::State &state)
             cJSON_AddItemToObject(notification, "isomerism_event", cJSON_CreateString(ISOMERISM_CONNECT.c_str()));
             char *text = cJSON_PrintUnformatted(notification);
             benchmark::DoNotOptimize(text);
+            DHLog(DH_LOG_INFO, "[ostraadapterutils][PublishMessage]:PublishMessage.");
             cJSON_free(text);
             cJSON_Delete(notification);
         }
@@ -178,8 +194,8 @@ void PublishByHand(benchmark::State &state)
 }
 BENCHMARK(PublishByHand);
 
-const int PUBLISH_ROW = AddRow({"`PublishMessage`, 1 000 entries, one listener, log output off",
-                                "PublishWithOneListener", "the same cJSON calls by hand", "PublishByHand", 1.3});
+const int PUBLISH_ROW = AddRow({"`PublishMessage`, 1 000 entries, one listener", "PublishWithOneListener",
+                                "the same cJSON calls and log lines by hand", "PublishByHand", 1.2});
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

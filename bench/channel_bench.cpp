@@ -2,93 +2,163 @@
 
 #include <benchmark/benchmark.h>
 
-#include <array>
 #include <boost/crc.hpp>
 #include <cstring>
 #include <memory>
 #include <random>
 #include <vector>
 
+#include "../protocol/crc16.h"
 #include "channel_protocol.h"
+#include "dh_utils_tools.h"
+#include "ostra_adapter_log.h"
 #include "ratio_table.h"
+#include "securec.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-constexpr size_t MEBIBYTE = 1 << 20;
-constexpr int FRAME_CONTENT = 1024;
+constexpr int64_t KIBIBYTE = 1 << 10;
+constexpr int64_t MEBIBYTE = 1 << 20;
+constexpr int64_t MOST_BYTES = 64 * MEBIBYTE;
+constexpr int SMALL_MESSAGE = 64;
 
-std::vector<unsigned char> RandomBytes(size_t size)
+// The same random bytes for all.
+unsigned char *Bytes()
 {
-    std::mt19937 random(5);
-    std::vector<unsigned char> bytes(size);
-    for (unsigned char &byte : bytes) {
-        byte = static_cast<unsigned char>(random());
+    static std::vector<unsigned char> bytes = [] {
+        std::mt19937 random(5);
+        std::vector<unsigned char> made(MOST_BYTES);
+        for (unsigned char &byte : made) {
+            byte = static_cast<unsigned char>(random());
+        }
+        return made;
+    }();
+    return bytes.data();
+}
+
+void LogAsGetCrcDoes(uint32_t crc)
+{
+    DHLog(DH_LOG_INFO, "[ostraadapterutils][GetCrc]:ChannelProtocol::GetCrc: getCrc16:%s",
+          GetAnonyString(std::to_string(crc)).c_str());
+}
+
+uint16_t CrcByBoost(uint16_t /* crc */, const uint8_t *data, size_t length)
+{
+    boost::crc_16_type crc;
+    crc.process_bytes(data, length);
+    return crc.checksum();
+}
+
+// No check of bytes is faster than looking at each of them.
+uint16_t ReadOnly(uint16_t /* crc */, const uint8_t *data, size_t length)
+{
+    uint64_t sum = 0;
+    for (; length >= sizeof(sum); data += sizeof(sum), length -= sizeof(sum)) {
+        uint64_t word = 0;
+        std::memcpy(&word, data, sizeof(word));
+        sum ^= word;
     }
-    return bytes;
+    for (; length > 0; ++data, --length) {
+        sum ^= *data;
+    }
+    return static_cast<uint16_t>(sum);
+}
+
+template <uint16_t (*METHOD)(uint16_t, const uint8_t *, size_t)>
+void MeasureCrc(benchmark::State &state, int64_t size)
+{
+    const unsigned char *bytes = Bytes();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(METHOD(0, bytes, static_cast<size_t>(size)));
+        benchmark::ClobberMemory();
+    }
+}
+
+void MeasureGetCrc(benchmark::State &state, int64_t size)
+{
+    const ChannelProtocol frame;
+    unsigned char *bytes = Bytes();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(frame.GetCrc(bytes, static_cast<int>(size)));
+    }
 }
 
 void CrcOfMebibyte(benchmark::State &state)
 {
-    std::vector<unsigned char> bytes = RandomBytes(MEBIBYTE);
-    ChannelProtocol frame;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(frame.GetCrc(bytes.data(), static_cast<int>(bytes.size())));
-    }
+    MeasureGetCrc(state, MEBIBYTE);
 }
 BENCHMARK(CrcOfMebibyte);
 
-constexpr std::array<uint16_t, 256> MakeTable()
+void CrcOfMebibyteByTables(benchmark::State &state)
 {
-    std::array<uint16_t, 256> table{};
-    for (uint32_t i = 0; i < table.size(); ++i) {
-        uint32_t crc = i;
-        for (int bit = 0; bit < 8; ++bit) {
-            crc = (crc & 1) != 0 ? (crc >> 1) ^ 0xA001 : crc >> 1;
-        }
-        table[i] = static_cast<uint16_t>(crc);
-    }
-    return table;
-}
-
-void ByteWiseLoop(benchmark::State &state)
-{
-    static constexpr std::array<uint16_t, 256> table = MakeTable();
-    const std::vector<unsigned char> bytes = RandomBytes(MEBIBYTE);
+    const unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        uint32_t crc = 0;
-        for (unsigned char byte : bytes) {
-            crc = (crc >> 8) ^ table[(crc ^ byte) & 0xFF];
-        }
+        const uint16_t crc = Crc16ByTables(0, bytes, MEBIBYTE);
+        LogAsGetCrcDoes(crc);
         benchmark::DoNotOptimize(crc);
     }
 }
-BENCHMARK(ByteWiseLoop);
+BENCHMARK(CrcOfMebibyteByTables);
 
-void BoostCrc16(benchmark::State &state)
+void BoostCrcOfMebibyte(benchmark::State &state)
 {
-    const std::vector<unsigned char> bytes = RandomBytes(MEBIBYTE);
+    MeasureCrc<CrcByBoost>(state, MEBIBYTE);
+}
+BENCHMARK(BoostCrcOfMebibyte);
+
+const double CRC_BAR = HasCarryLessMultiplication() ? 1 / 40.0 : 1 / 10.0;
+const int CRC_ROW = AddRow({"`GetCrc`, 1 MiB", "CrcOfMebibyte", "`boost::crc_16_type`", "BoostCrcOfMebibyte", CRC_BAR});
+const int TABLES_ROW = AddRow({"the same without carry-less multiplication", "CrcOfMebibyteByTables",
+                               "`boost::crc_16_type`", "BoostCrcOfMebibyte", 1 / 10.0});
+
+void CrcOfSmallMessage(benchmark::State &state)
+{
+    MeasureGetCrc(state, SMALL_MESSAGE);
+}
+BENCHMARK(CrcOfSmallMessage);
+
+void ByteWiseLoopAndLog(benchmark::State &state)
+{
+    const unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        boost::crc_16_type crc;
-        crc.process_bytes(bytes.data(), bytes.size());
-        benchmark::DoNotOptimize(crc.checksum());
+        const uint16_t crc = Crc16ByBytes(0, bytes, SMALL_MESSAGE);
+        LogAsGetCrcDoes(crc);
+        benchmark::DoNotOptimize(crc);
     }
 }
-BENCHMARK(BoostCrc16);
+BENCHMARK(ByteWiseLoopAndLog);
 
-const int LOOP_ROW =
-    AddRow({"`GetCrc`, 1 MiB", "CrcOfMebibyte", "byte-wise loop over a constant table", "ByteWiseLoop", 1 / 0.97});
-const int BOOST_ROW = AddRow({"`GetCrc`, 1 MiB", "CrcOfMebibyte", "`boost::crc_16_type`", "BoostCrc16", 1});
+const int SMALL_ROW =
+    AddRow({"`GetCrc`, 64 B", "CrcOfSmallMessage", "byte-wise loop, same log line", "ByteWiseLoopAndLog", 1});
+
+template <uint16_t (*METHOD)(uint16_t, const uint8_t *, size_t)>
+void GrowCrc(benchmark::State &state)
+{
+    MeasureCrc<METHOD>(state, state.range());
+}
+
+int AddCrcCurve(const char *label, const char *name, benchmark::internal::Function *measure)
+{
+    benchmark::RegisterBenchmark(name, measure)->RangeMultiplier(4)->Range(1, MOST_BYTES);
+    return AddCurve({"crc", label, name});
+}
+
+const int BOOST_CURVE = AddCrcCurve("boost::crc_16_type", "GrowCrcByBoost", GrowCrc<CrcByBoost>);
+const int BYTES_CURVE = AddCrcCurve("by bytes", "GrowCrcByBytes", GrowCrc<Crc16ByBytes>);
+const int TABLES_CURVE = AddCrcCurve("by tables", "GrowCrcByTables", GrowCrc<Crc16ByTables>);
+const int CHOSEN_CURVE = AddCrcCurve("as chosen", "GrowCrcAsChosen", GrowCrc<Crc16>);
+const int READ_CURVE = AddCrcCurve("floor: reading the bytes", "GrowReading", GrowCrc<ReadOnly>);
 
 // Copies of a kilobyte are as fast as their addresses happen to be aligned to each other, so each repetition runs on
 // other heap blocks: it keeps a random number of blocks of the same size, and of bytes before fresh ones, to itself.
 class OtherHeapBlocks {
 public:
-    OtherHeapBlocks()
+    explicit OtherHeapBlocks(int64_t size)
     {
         static std::mt19937 random(6);
         for (auto count = random() % 8; count > 0; --count) {
-            held_.emplace_back(new unsigned char[FRAME_CONTENT + 2]);
+            held_.emplace_back(new unsigned char[static_cast<size_t>(size)]);
         }
         held_.emplace_back(new unsigned char[2000 + random() % 64 * 16]);
     }
@@ -97,14 +167,17 @@ private:
     std::vector<std::unique_ptr<unsigned char[]>> held_;
 };
 
-void FrameThereAndBack(benchmark::State &state)
+constexpr int HEADER = 300;
+constexpr unsigned char HEADER_BYTES[] = {0x2C, 0x82};
+
+void MeasureFrame(benchmark::State &state, int64_t size)
 {
-    const OtherHeapBlocks blocks;
-    std::vector<unsigned char> content = RandomBytes(FRAME_CONTENT);
+    const OtherHeapBlocks blocks(size);
+    unsigned char *content = Bytes();
     for (auto _ : state) {
         ChannelProtocol sent;
-        sent.Create(300, FRAME_CONTENT);
-        sent.WriteContent(content.data(), FRAME_CONTENT);
+        sent.Create(HEADER, static_cast<int>(size));
+        sent.WriteContent(content, static_cast<int>(size));
         ChannelProtocol received;
         received.CreateFromBuffer(sent.GetBuffer(), sent.GetBufferSize());
         UnPackagedEA ea;
@@ -112,26 +185,53 @@ void FrameThereAndBack(benchmark::State &state)
         benchmark::DoNotOptimize(ea);
     }
 }
+
+void MeasureTwoCopies(benchmark::State &state, int64_t contentSize)
+{
+    const OtherHeapBlocks blocks(contentSize);
+    const unsigned char *content = Bytes();
+    const auto size = static_cast<size_t>(contentSize) + sizeof(HEADER_BYTES);
+    for (auto _ : state) {
+        std::unique_ptr<unsigned char[]> sent(new unsigned char[size]);
+        memcpy_s(sent.get(), size, HEADER_BYTES, sizeof(HEADER_BYTES));
+        memcpy_s(sent.get() + sizeof(HEADER_BYTES), size - sizeof(HEADER_BYTES), content, size - sizeof(HEADER_BYTES));
+        benchmark::DoNotOptimize(sent.get());
+        std::unique_ptr<unsigned char[]> received(new unsigned char[size]);
+        memcpy_s(received.get(), size, sent.get(), size);
+        benchmark::DoNotOptimize(received.get());
+        benchmark::ClobberMemory();
+    }
+}
+
+void FrameThereAndBack(benchmark::State &state)
+{
+    MeasureFrame(state, KIBIBYTE);
+}
 BENCHMARK(FrameThereAndBack);
 
 void TwoCopies(benchmark::State &state)
 {
-    const OtherHeapBlocks blocks;
-    const std::vector<unsigned char> content = RandomBytes(FRAME_CONTENT + 2);
-    for (auto _ : state) {
-        std::unique_ptr<unsigned char[]> sent(new unsigned char[content.size()]);
-        benchmark::DoNotOptimize(sent.get());
-        std::memcpy(sent.get(), content.data(), content.size());
-        std::unique_ptr<unsigned char[]> received(new unsigned char[content.size()]);
-        benchmark::DoNotOptimize(received.get());
-        std::memcpy(received.get(), sent.get(), content.size());
-        benchmark::ClobberMemory();
-    }
+    MeasureTwoCopies(state, KIBIBYTE);
 }
 BENCHMARK(TwoCopies);
 
-const int FRAME_ROW = AddRow({"`Create` + `WriteContent` + `CreateFromBuffer` + `ReadEA`, 1 KiB", "FrameThereAndBack",
-                              "two `new[]`/`memcpy`/`delete[]` of the same size", "TwoCopies", 1.5});
+const int FRAME_ROW = AddRow({"a frame of 1 KiB packed, taken and read", "FrameThereAndBack",
+                              "two `new[]`, three `memcpy_s`, two `delete[]`", "TwoCopies", 1.4});
+
+void GrowFrame(benchmark::State &state)
+{
+    MeasureFrame(state, state.range());
+}
+BENCHMARK(GrowFrame)->RangeMultiplier(4)->Range(1, MEBIBYTE);
+
+void GrowTwoCopies(benchmark::State &state)
+{
+    MeasureTwoCopies(state, state.range());
+}
+BENCHMARK(GrowTwoCopies)->RangeMultiplier(4)->Range(1, MEBIBYTE);
+
+const int FRAME_CURVE = AddCurve({"frames", "a frame packed, taken and read", "GrowFrame"});
+const int COPIES_CURVE = AddCurve({"frames", "floor: two allocations, three copies", "GrowTwoCopies"});
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -93,8 +93,7 @@ void OneLog(benchmark::State &state)
 }
 BENCHMARK(OneLog);
 
-const int OFF_ROW =
-    AddRow({"`DumpStreamData` while off, log output off", "DumpWhileOff", "one `DHLog`", "OneLog", 1.2});
+const int OFF_ROW = AddRow({"`DumpStreamData` while off", "DumpWhileOff", "one `DHLog`", "OneLog", 1.2});
 
 void ReportThroughRadar(benchmark::State &state)
 {

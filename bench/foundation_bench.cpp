@@ -47,7 +47,7 @@ void ZeroAndPrint(benchmark::State &state)
 BENCHMARK(ZeroAndPrint);
 
 const int LOG_ROW =
-    AddRow({"`DHLog`, output off", "LogWithOutputOff", "zeroing 4096 bytes and one `vsprintf_s`", "ZeroAndPrint", 1.2});
+    AddRow({"`DHLog`", "LogWithOutputOff", "zeroing 4096 bytes and one `vsprintf_s`", "ZeroAndPrint", 1.2});
 
 void CheckIsNumTenDigits(benchmark::State &state)
 {

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Rows of the table that the benchmark program prints: a benchmark against its peer, both measured in the same run.
-// Absolute times say little on a shared machine; the ratio of two that ran side by side says what we want to know.
+// What the benchmark program prints and draws. Absolute times say little on a shared machine; the ratio of two that ran
+// side by side says what we want to know. A file of benchmarks adds its rows and curves where it defines them:
+//
+//     BENCHMARK(WriteFast);
+//     BENCHMARK(WriteByHand);
+//     const int ROW = AddRow({"`Write`", "WriteFast", "the same by hand", "WriteByHand", 1.1});
+//
+// A new file needs no more than its line in CMakeLists.txt.
 
 #ifndef BENCH_RATIO_TABLE_H
 #define BENCH_RATIO_TABLE_H
@@ -9,17 +15,25 @@
 #include <string>
 #include <vector>
 
+// A benchmark against its floor, or a peer that does the same.
 struct RatioRow {
     std::string what;
     std::string benchmark;
     std::string against;
     std::string peer;  // name of the benchmark measured for `against`
-    double atMost;     // wanted: time of the benchmark divided by time of the peer
+    double atMost;     // wanted: time of the benchmark divided by time of the peer; 1 / 0.75 for 0.75 of its speed
 };
 
-// Adds a row; called from the initialisers of the benchmark files.
-int AddRow(RatioRow row);
+// One line of a picture: a benchmark, its name starting with "Grow", that runs over a range of sizes. The curves of a
+// picture have the same sizes.
+struct Curve {
+    std::string picture;
+    std::string label;
+    std::string benchmark;
+};
 
-const std::vector<RatioRow> &Rows();
+// Called from the initialisers of the benchmark files; the result only gives those something to initialise.
+int AddRow(RatioRow row);
+int AddCurve(Curve curve);
 
 #endif  // BENCH_RATIO_TABLE_H
