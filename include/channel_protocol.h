@@ -10,7 +10,8 @@
 //
 // The header value (EA) is a quantity of 28 bits in groups of 7, least significant first, one group a byte; bit 7 marks
 // the last byte: 5 is 85, 300 is 2C 82. Every failure is logged as an error unless said otherwise. One thread at a time
-// uses an object; GetCrc and HasEA touch no object state and may run on any number of threads at once.
+// uses an object; GetCrc and HasEA touch no object state and may run on any number of threads at once. Memory that runs
+// out is a false result, never an exception.
 
 #ifndef CHANNEL_PROTOCOL_H
 #define CHANNEL_PROTOCOL_H
@@ -53,7 +54,8 @@ public:
     // Copies `length` bytes of content to offset_, which it does not move: after Create the place just behind the
     // header (after CreateFromBuffer it is the header itself, and ReadEA moves it). Returns false for null data, a
     // length below 1, when there is no buffer, or when the content does not fit: the frame then stays as it was.
-    // Returns false also when data overlaps that place, which leaves the content undefined.
+    // Content that lies at that very place is copied onto itself, which succeeds; data that overlaps the place in any
+    // other way gives false and leaves the content undefined.
     OSTRA_EXPORT bool WriteContent(unsigned char *data, int length) const;
 
     // Decodes the header value at `offset` (0 and up) and moves offset_ just behind it. Reads up to the first byte that

@@ -11,7 +11,13 @@
 //
 // Plain values with public members: one thread at a time uses an object. Every operation that reads or writes a
 // document returns one of the OSTRA_JSON_ codes of ostra_constants.h and logs its failures as errors. Texts are taken
-// up to their first zero byte; member names are looked up without regard to case.
+// up to their first zero byte; member names are looked up without regard to case. A text in which more than 100
+// brackets and braces are open at once, those inside strings aside, is refused as one that is no JSON, so that any
+// thread with 64 KiB of stack can read what a peer sends.
+//
+// Memory that runs out inside a JSON document gives the codes below; where a text or a list of this library is to grow,
+// std::bad_alloc is raised instead. The member or output at hand is then as it was, those written before keep their new
+// values.
 
 #ifndef DH_DEVICE_JSON_H
 #define DH_DEVICE_JSON_H
@@ -38,12 +44,12 @@ public:
     OSTRA_EXPORT int32_t GetVersionByService(int32_t service) const;
 
     // Puts the table of supported protocol versions into properties_, whatever that held. Returns OSTRA_JSON_SUCCESS,
-    // or OSTRA_JSON_CREATE_FAILED when memory runs out, with properties_ unchanged.
+    // or OSTRA_JSON_CREATE_FAILED when the table cannot be built, with properties_ unchanged.
     OSTRA_EXPORT int32_t AddProperties();
 
     // Writes the device document, indented, into `out`; renews properties_ first (see AddProperties). No member is
     // validated, none is left out but reserved_. Returns OSTRA_JSON_SUCCESS, OSTRA_JSON_STEP_FAILED when AddProperties
-    // failed, or OSTRA_JSON_CREATE_FAILED when memory runs out; `out` is unchanged on failure.
+    // failed, or OSTRA_JSON_CREATE_FAILED when the document cannot be built; `out` is unchanged on failure.
     OSTRA_EXPORT int32_t Marshal(std::string &out);
 
     // Does nothing and returns OSTRA_JSON_SUCCESS: a device document is never read back.
@@ -85,8 +91,8 @@ public:
     // Reads a properties object: takes the text of its member "2102" as the new capability text and reads it, then adds
     // the codec bits and the profile text of all entries held to what is there (a second call repeats the profiles of
     // the first). Without a "2102" that is a text only the adding is done; an empty one ends the call at once with
-    // success. Returns OSTRA_JSON_SUCCESS, OSTRA_JSON_INPUT_INVALID when `in`
-    // is no JSON, or OSTRA_JSON_STEP_FAILED when the capability text is refused.
+    // success. Returns OSTRA_JSON_SUCCESS, OSTRA_JSON_INPUT_INVALID when `in` is no JSON, or OSTRA_JSON_STEP_FAILED
+    // when the capability text is refused. Each list and text grows as a whole or not at all.
     OSTRA_EXPORT int32_t Unmarshal(const std::string &in);
 
     // Appends the codecs and profiles of a capability text. Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_INPUT_INVALID for
@@ -140,8 +146,8 @@ public:
 
     // Reads a service document. Each member is taken when its key is there with the right type and otherwise stays as
     // it was; "properties" and "status" are objects, kept as compact JSON texts; audioProperties_ is left to the host.
-    // Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_INPUT_INVALID when `in` is no JSON (nothing changes) or when memory
-    // runs out over "properties" or "status" (members taken before keep their new values).
+    // Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_INPUT_INVALID when `in` is no JSON (nothing changes) or when
+    // "properties" or "status" cannot be printed again (members taken before keep their new values).
     OSTRA_EXPORT int32_t Unmarshal(const std::string &in);
 
     // One line for logs, identifiers and status masked, properties_ in the clear.

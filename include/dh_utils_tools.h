@@ -8,7 +8,11 @@
 //     puts(info.String().c_str());          // ... sinkIp: 1******0 ...
 //
 // Records are plain values: one thread at a time uses an object. The functions may be called from any thread at once,
-// except GetRandomID (see there).
+// except GetRandomID (see there). What returns or stores a text or makes a buffer raises std::bad_alloc when memory
+// runs out; what it would have written is then as it was.
+//
+// For the whole library: a child that a process with several threads has forked calls nothing of it before exec, since
+// another thread may have held a lock at that moment.
 
 #ifndef DH_UTILS_TOOLS_H
 #define DH_UTILS_TOOLS_H
@@ -98,9 +102,10 @@ struct DHConnectDevice {
 };
 
 // Returns a new random identifier of 32 lowercase hexadecimal digits, a version 4 UUID without its dashes: digit 13 is
-// "4", digit 17 is one of 8, 9, a, b. Reads /dev/urandom, and raises the platform's std::system_error when it cannot be
-// opened. The random source is made once, safely from any thread; callers that need identifiers from several threads
-// at once must serialise their calls.
+// "4", digit 17 is one of 8, 9, a, b. Reads /dev/urandom, and raises the platform's std::runtime_error, which may be
+// its subclass std::system_error, when it cannot be opened or read; the next call tries again. The random source is
+// made once, safely from any thread, and never destroyed; callers that need identifiers from several threads at once
+// must serialise their calls.
 OSTRA_EXPORT std::string GetRandomID();
 
 // Masks the middle of `value` with six asterisks. Keeps 4 bytes at each end of a text of 21 bytes or more, 1 byte of a

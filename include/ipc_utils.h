@@ -6,7 +6,9 @@
 //     IpcUtils::Marshalling(parcel, settings);         // here
 //     IpcUtils::UnMarshalling(parcel, settings);       // in the other process
 //
-// The functions hold no state and may be called from any thread, as long as no two share a parcel or a map.
+// The functions hold no state and may be called from any thread, as long as no two share a parcel or a map. Both raise
+// std::bad_alloc when memory for a text or an entry runs out: what was written or accepted before stays. Callers
+// include message_parcel.h beside this header.
 
 #ifndef IPC_UTILS_H
 #define IPC_UTILS_H

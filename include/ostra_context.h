@@ -3,13 +3,18 @@
 // The process-wide context through which the host tells the distributed hardware framework about devices whose state
 // changed, and the names that belong to it.
 //
+//     #include "ostra_constants.h"
+//     #include "ostra_context.h"
+//
 //     OstraContext &context = OstraContext::GetInstance();
 //     context.AddWaitNotify(deviceId, ISOMERISM_CONNECT);
 //     context.PublishMessage();       // {"dev_id":"...","isomerism_event":"isomerism_connect"} on topic 8
 //
 // All operations may be called from any thread at once. AddWaitNotify and PublishMessage wait for each other, also
 // while the framework is called: a listener must not call either from inside OnMessage, nor wait there for a thread
-// that does.
+// that does. What a listener raises comes out of PublishMessage, as does std::bad_alloc when memory for a text runs
+// out; AddWaitNotify and the first GetInstance raise that, too. The context works on afterwards, and its queue is as it
+// was.
 
 #ifndef OSTRA_CONTEXT_H
 #define OSTRA_CONTEXT_H
@@ -91,9 +96,9 @@ public:
     OSTRA_EXPORT void AddWaitNotify(const std::string &devId, const std::string &event);
 
     // Publishes the queued notifications on topic 8, in ascending byte order of device id, each as the compact JSON
-    // object {"dev_id":...,"isomerism_event":...}, then empties the queue. When memory runs out, an error is logged and
-    // the queue stays as it was, so that the next call publishes all of it, including what has gone out already. What
-    // the framework returns is not looked at.
+    // object {"dev_id":...,"isomerism_event":...}, then empties the queue. When such an object cannot be made for want
+    // of memory, an error is logged and the queue stays as it was, so that the next call publishes all of it, including
+    // what has gone out already. What the framework returns is not looked at.
     OSTRA_EXPORT void PublishMessage();
 
     // The framework's SDK object, shared with the context; never null. Takes no lock.

@@ -7,8 +7,9 @@
 //     std::vector<uint8_t> bytes;
 //     service.PackServiceData(bytes);       // {"deviceId":"d1","deviceName":"","serviceType":0, ...
 //
-// The peer reads it with DHOSTRADeviceServiceJson (dh_device_json.h). A plain value: one thread at a time uses an
-// object.
+// The peer reads it with DHOSTRADeviceServiceJson (dh_device_json.h), which refuses more than 100 levels. A plain
+// value: one thread at a time uses an object. Memory that runs out inside the JSON document gives a code; where a text
+// or `out` is to grow, std::bad_alloc is raised instead.
 
 #ifndef OSTRA_DEVICE_SERVICE_H
 #define OSTRA_DEVICE_SERVICE_H
@@ -24,8 +25,8 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 struct OSTRADeviceService {
     // Replaces `out` with the compact service document in UTF-8, without a terminating zero. Nothing is validated;
-    // texts are taken up to their first zero byte. Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_CREATE_FAILED when memory
-    // runs out, which is logged as an error, with `out` unchanged.
+    // texts are taken up to their first zero byte. Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_CREATE_FAILED when the
+    // document cannot be built, which is logged as an error. `out` is unchanged by any failure.
     OSTRA_EXPORT int32_t PackServiceData(std::vector<uint8_t> &out) const;
 
     // One line for logs, identifiers and type masked; the maps are not shown.

@@ -9,7 +9,10 @@
 //
 // DumpStreamData may be called from any thread at once, each file from one at a time. Init and UnInit must not run
 // while another thread dumps: the write mode is not guarded, so the host switches dumping on before its streams start
-// and off after they end. A dump that fails is told by the log alone: a file that cannot be opened at debug level.
+// and off after they end. A dump that fails is told by the log alone: bytes that are not all in the file once it is
+// closed as an error, a file that cannot be opened at debug level, a path that is too long not at all. Where memory for
+// a text runs out, std::bad_alloc is raised and nothing is opened. Callers that set the parameter themselves include
+// parameter.h beside this header.
 
 #ifndef OSTRA_DUMP_H
 #define OSTRA_DUMP_H
@@ -43,20 +46,21 @@ public:
 
     // Reads the system parameter `key` into `value`, at most 29 bytes. Returns true when it is set and not "-1". An
     // unset one reads as "-1": false, but `value` is assigned. A null key, a name that the platform refuses, or a
-    // value that is empty or too long, gives
-    // false with `value` unchanged, and is logged as an error.
+    // value that is empty or too long, gives false with `value` unchanged, and is logged as an error.
     OSTRA_EXPORT bool GetSysPara(const char *key, std::string &value);
 
     // Switches dumping off and forgets the mode. Files stay.
     OSTRA_EXPORT void UnInit();
 
-    // Opens DUMP_PATH_PREFIX + fileName in the mode, writes `size` bytes and closes it; `fileName` is not checked. Null
-    // data or a negative size is logged as an error, also while dumping is off, and nothing is opened. A size of 0
-    // opens the file, which empties it in mode "w". A path of more than 50 characters is refused without a log.
+    // Opens DUMP_PATH_PREFIX + fileName in the mode, writes `size` bytes and closes it. `fileName` is not checked: ".."
+    // in it and symbolic links are followed, wherever they lead. Null data or a negative size is logged as an error,
+    // also while dumping is off, and nothing is opened. A size of 0 opens the file, which empties it in mode "w". A
+    // path of more than 50 characters is refused without a log.
     OSTRA_EXPORT void DumpStreamData(const std::string &fileName, const unsigned char *data, int size);
 
-    // Opens a file for dumping in the mode that Init read. Returns null when the path is longer than 50 characters, the
-    // mode is neither "w" nor "a", or the file cannot be opened. The caller closes the file.
+    // Opens a file for dumping in the mode that Init read. Returns null when the path is longer than 50 characters, of
+    // which the log says nothing, the mode is neither "w" nor "a", or the file cannot be opened. The caller closes the
+    // file.
     OSTRA_EXPORT FILE *OpenDumpFile(const std::string &path);
 
     // Closes the file and sets the pointer to null; does nothing for null.

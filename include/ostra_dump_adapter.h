@@ -1,6 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0
  *
  * Plain-name entry to the stream dump, for callers without the class interface. A C compiler accepts this header.
+ * OstraDump::Init and UnInit, which the host calls in C++, must not run while a thread is in here. When memory runs
+ * out, std::bad_alloc crosses the entry: build C callers with -fexceptions where they must unwind.
  */
 
 #ifndef OSTRA_DUMP_ADAPTER_H

@@ -2,12 +2,13 @@
  *
  * Plain-name entries to the platform's thread QoS and authorisation services, for callers without the class interface.
  *
- *     SetQos(level, tid);
+ *     SetQos(level, tid);      // in C++: (int32_t)OHOS::QOS::QosLevel::QOS_USER_INITIATED, with qos.h
  *     ...
  *     ResetQos(tid);
  *
  * They forward and nothing else: no validation, no log. Any thread may call them at any time. A C compiler accepts this
- * header.
+ * header; qos.h, with the names of the levels, is for C++ alone. When memory runs out in RequestAuth, std::bad_alloc
+ * crosses it: build C callers with -fexceptions where they must unwind.
  */
 
 #ifndef OSTRA_QOS_ADAPTER_H

@@ -11,7 +11,8 @@
 // be called from any thread at once. Each of them returns true when the platform took the event, and otherwise logs the
 // platform's code as an error and returns false (EnableVirtualRes, AudioOpenRes, AudioCloseRes and DisconnectDeviceRes
 // word it as "UpdatePortRes error", behind a prefix with their own name); the platform takes at most 100 events of one
-// operation in 5 seconds.
+// operation in 5 seconds, successes and failures counted apart. All raise std::bad_alloc when memory for a text runs
+// out. Who listens to the events includes hisysevent_manager.h beside this header.
 
 #ifndef OSTRA_RADAR_H
 #define OSTRA_RADAR_H

@@ -1,7 +1,9 @@
 /* SPDX-License-Identifier: Apache-2.0
  *
  * Plain-name entries to the business-flow events, for callers without the class interface. Any thread may call them at
- * once. A C compiler accepts this header.
+ * once, but not while another one is in OstraRadar::SetCurBusinessId or SetProcessName, which the host calls before, in
+ * C++. A C compiler accepts this header. When memory runs out, std::bad_alloc crosses the entries: build C callers with
+ * -fexceptions where they must unwind.
  */
 
 #ifndef OSTRA_RADAR_ADAPTER_H
