@@ -4,7 +4,6 @@
 // the input beside its definition.
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <vector>
 
@@ -17,7 +16,6 @@ namespace {
 using namespace Fuzz;
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
-constexpr int32_t HIGHEST = std::numeric_limits<int32_t>::max();
 constexpr char UNDEFINED = '?';  // stands in for content that is not written yet
 
 // A number to the base of 128, lowest digit first; 128 added to a digit says that none follows.
@@ -78,8 +76,8 @@ void Run(Session &held, std::string &input)
     UnPackagedEA expected = untouched;
     switch (how % 4) {
         case 0:
-            size = (how & 0x20) != 0 ? HIGHEST : size;
-            isAllowed = number <= 0x0FFFFFFF && size >= 0 && size < HIGHEST;
+            size = (how & 0x20) != 0 ? INT32_MAX : size;
+            isAllowed = number <= 0x0FFFFFFF && size >= 0 && size < INT32_MAX;
             Hold("result of Create", isAllowed, held.frame.Create(number, size));
             if (isAllowed) {
                 held.bytes = Encode(static_cast<uint32_t>(number));
