@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int MADE_INPUTS = 10000;
+constexpr int MADE_INPUTS = 4000;
 constexpr size_t FROM_NOTHING = 1000;
 
 std::mt19937 g_random;  // starts the same everywhere
