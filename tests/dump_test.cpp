@@ -97,7 +97,7 @@ TEST_F(DumpTest, FollowsTheParameter)
     EXPECT_EQ(DUMP_DIR + "/", FOLDER);
     Dump("x");
     EXPECT_EQ(dump_.OpenDumpFile(FOLDER + name_), nullptr);
-    EXPECT_EQ(log_.Take(), (LogLines{REFUSED, NotOpened(FOLDER + name_)}));
+    EXPECT_EQ(log_.Take(), Loggable({REFUSED, NotOpened(FOLDER + name_)}));
     for (const auto &row : table) {
         if (row.value != nullptr) {
             ASSERT_EQ(SetParameter(KEY, row.value), 0);
@@ -107,7 +107,7 @@ TEST_F(DumpTest, FollowsTheParameter)
         Dump("x");
         EXPECT_EQ(Exists(), row.opens);
         const LogLine refusal = row.expected.back() == NOT_ENABLED ? REFUSED : NotOpened(FOLDER + name_);
-        EXPECT_EQ(log_.Take(), row.opens ? LogLines{} : LogLines{refusal});
+        EXPECT_EQ(log_.Take(), row.opens ? LogLines{} : Loggable({refusal}));
         std::filesystem::remove(FOLDER + name_);
     }
 }
@@ -164,9 +164,9 @@ TEST_F(DumpTest, RefusesInvalidInputAndWhenOff)
     }
     dump_.UnInit();
     Dump("x");
-    EXPECT_EQ(log_.Take(), (LogLines{InfoLine("UnInit", "Dump unInit"), REFUSED}));
+    EXPECT_EQ(log_.Take(), Loggable({InfoLine("UnInit", "Dump unInit"), REFUSED}));
     EXPECT_EQ(dump_.OpenDumpFile(FOLDER + name_), nullptr);  // the mode is forgotten
-    EXPECT_EQ(log_.Take(), (LogLines{NotOpened(FOLDER + name_)}));
+    EXPECT_EQ(log_.Take(), Loggable({NotOpened(FOLDER + name_)}));
     EXPECT_FALSE(Exists());
 
     // An Init that switches off keeps the mode.
@@ -193,7 +193,7 @@ TEST_F(DumpTest, TakesPathsUpToFiftyCharacters)
     EXPECT_FALSE(std::filesystem::exists(FOLDER + longest + "x"));
     EXPECT_TRUE(log_.Take().empty());
     dump_.DumpStreamData("", data, 1);  // the folder itself
-    EXPECT_EQ(log_.Take(), (LogLines{NotOpened(FOLDER)}));
+    EXPECT_EQ(log_.Take(), Loggable({NotOpened(FOLDER)}));
     const std::vector<unsigned char> more(100000);
     dump_.DumpStreamData("../../../dev/full", more.data(), static_cast<int>(more.size()));
     EXPECT_EQ(log_.Take(), (LogLines{ErrorLine("DumpStreamData", "Failed to write the file")}));

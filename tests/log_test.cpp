@@ -19,7 +19,7 @@ TEST(Log, PassesEachLevelOn)
                                   : level == DH_LOG_ERROR ? LOG_ERROR
                                                           : LOG_INFO;
         DHLog(static_cast<DHLogLevel>(level), "port %d of %s", 80, "sink");
-        EXPECT_EQ(log.Take(), (LogLines{{LOG_CORE, expected, 0xD004160, "OSTRA_ADAPTER", "port 80 of sink"}})) << level;
+        EXPECT_EQ(log.Take(), Loggable({{LOG_CORE, expected, 0xD004160, "OSTRA_ADAPTER", "port 80 of sink"}})) << level;
     }
 }
 
@@ -28,7 +28,7 @@ TEST(Log, ReplacesWhatIsTooLongAsAWhole)
     LogRecorder log;
     const char *const noFormat = nullptr;
     DHLog(DH_LOG_DEBUG, noFormat);
-    EXPECT_EQ(log.Take(), (LogLines{{LOG_CORE, LOG_DEBUG, 0xD004160, "OSTRA_ADAPTER", "DH log length error."}}));
+    EXPECT_EQ(log.Take(), Loggable({{LOG_CORE, LOG_DEBUG, 0xD004160, "OSTRA_ADAPTER", "DH log length error."}}));
     for (size_t length : {4095U, 4096U, 9000U}) {
         const std::string text(length, 'x');
         DHLog(DH_LOG_WARN, "%s", text.c_str());
@@ -69,7 +69,7 @@ TEST(Log, NamesTheCallingFunctionAndAllocatesNothing)
     LogRecorder log;
     act();
     EXPECT_EQ(log.Take(),
-              (LogLines{InfoLine("Device", "create "), ErrorLine("Open", "100% of port 5, %s"),
+              Loggable({InfoLine("Device", "create "), ErrorLine("Open", "100% of port 5, %s"),
                         LibraryLine(LOG_DEBUG, "Open", "open"), LibraryLine(LOG_WARN, "~Device", "delete")}));
 }
 
