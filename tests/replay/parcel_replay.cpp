@@ -229,7 +229,7 @@ void Player::AddAll()
     });
     AddBlock("WriteBuffer", [this](auto data, auto size) { return parcel->WriteBuffer(data, size); });
     AddBlock("WriteUnpadBuffer", [this](auto data, auto size) { return parcel->WriteUnpadBuffer(data, size); });
-    for (const size_t typeSize : {1, 2}) {
+    for (const size_t typeSize : {size_t{1}, size_t{2}}) {
         AddBlock("WriteBufferAddTerminator" + std::to_string(typeSize), [this, typeSize](auto data, auto size) {
             return parcel->WriteBufferAddTerminator(data, size, typeSize);
         });
