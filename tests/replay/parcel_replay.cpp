@@ -284,6 +284,10 @@ TEST(HostParcel, RefusesSizesThatNoBlockHas)
     EXPECT_EQ(parcel.GetDataSize(), 8u);  // the lengths
     EXPECT_TRUE(parcel.ReadString().empty() && parcel.ReadString().empty());
     EXPECT_EQ(parcel.GetReadPosition(), 8u);
+
+    Parcel parsed;
+    EXPECT_TRUE(parsed.ParseFrom(0, 0));  // no write follows, not even of a count
+    EXPECT_FALSE(parsed.WriteBoolVector({}) || parsed.WriteInt8Vector({}));
 }
 
 TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
