@@ -123,7 +123,7 @@ TEST(HostRefBase, CountsFromAllThreads)
         std::vector<std::thread> threads;
         for (int i = 0; i < 3; ++i) {
             threads.emplace_back([weak, round] {
-                for (int i = 0; i < 20; ++i) {
+                for (int promotion = 0; promotion < 20; ++promotion) {
                     const sptr<Object> held = weak.promote();
                     EXPECT_TRUE(!held || sptr<Object>(held)->value == round);
                 }

@@ -53,6 +53,7 @@ public:
 
     // Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). What is narrower than 4 bytes is widened by its
     // sign, and read from the lowest byte or two; a truth value reads true from any value but 0.
+    // NOLINTBEGIN(bugprone-macro-parentheses): types, which cannot stand in any
 #define HOST_PARCEL_SCALAR(Name, Type) \
     bool Write##Name(Type value);      \
     Type Read##Name();                 \
@@ -69,6 +70,7 @@ public:
     HOST_PARCEL_SCALAR(Float, float)
     HOST_PARCEL_SCALAR(Double, double)
 #undef HOST_PARCEL_SCALAR
+    // NOLINTEND(bugprone-macro-parentheses)
 
     // An address of this process, in 8 bytes.
     bool WritePointer(uintptr_t value);

@@ -14,7 +14,7 @@ namespace OHOS {
 template <typename Stored, typename T>
 bool Parcel::Write(T value)
 {
-    const auto stored = static_cast<Stored>(value);
+    const auto stored = static_cast<Stored>(value);  // NOLINT(bugprone-signed-char-misuse): the sign is widened
     uint8_t *bytes = Append(sizeof(Stored));
     if (bytes == nullptr) {
         return false;
@@ -143,6 +143,7 @@ bool Parcel::ReadPacked(std::vector<T> *values)
     return true;
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types, which cannot stand in any
 #define SCALAR(Name, Type, Stored)       \
     bool Parcel::Write##Name(Type value) \
     {                                    \
@@ -214,6 +215,7 @@ uintptr_t Parcel::ReadPointer()
 TEXT(String, String8WithLength, std::string, char)
 TEXT(String16, String16WithLength, std::u16string, char16_t)
 // NOLINTEND(readability-const-return-type)
+// NOLINTEND(bugprone-macro-parentheses)
 
 bool Parcel::WriteCString(const char *value)
 {

@@ -29,7 +29,7 @@ RefBase::RefBase(const RefBase & /*other*/) : RefBase()
 {
 }
 
-RefBase &RefBase::operator=(const RefBase & /*other*/)
+RefBase &RefBase::operator=(const RefBase & /*other*/)  // NOLINT(bugprone-unhandled-self-assignment): copies nothing
 {
     return *this;
 }
