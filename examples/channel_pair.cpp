@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The example pair: starts a source and a sink process, joined by a socket pair, lets the source send a stream in
-// channel frames, and compares what the sink put together with the input, byte by byte. See Usage below.
+// channel frames, and tells whether all of it arrived. `channel_pair --help` tells the rest.
 
+#include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <sys/stat.h>
+#include <sys/time.h>
 
+#include <array>
+#include <cerrno>
 #include <cmath>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "dh_utils_tools.h"
 #include "stream_pair.h"
@@ -22,105 +24,40 @@ namespace Adapter = OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
-constexpr int EXIT_USAGE = 2;
-
-void PrintUsage(FILE *out)
+int Complain(const std::string &what, int status)
 {
-    std::fputs(
-        "Usage: channel_pair [--flip FRAME] [--dump] [FILE]\n"
-        "\n"
-        "Sends FILE, or 5 s of a generated tone (48 kHz, 16 bits, stereo), from a source process to a sink\n"
-        "process in channel frames of 20 ms, and compares what arrives with the input, byte by byte. Before\n"
-        "the stream go the source's device document (frame 0), its service document (frame 1) and the stream's\n"
-        "settings (frame 2).\n"
-        "\n"
-        "  --flip FRAME  flip one bit of frame FRAME (counted from 0) on the way, to see it caught\n"
-        "  --dump        let the sink dump the stream below /data/local/tmp/\n"
-        "  --help        print this text\n"
-        "\n"
-        "Exits with 0 when every byte arrived, 1 when not, 2 for a wrong call.\n",
-        out);
+    std::fprintf(stderr, "channel_pair: %s\n", what.c_str());
+    return status;
 }
 
-struct CloseFile {
-    void operator()(FILE *file) const
-    {
-        std::fclose(file);
-    }
-};
-using File = std::unique_ptr<FILE, CloseFile>;
-
-struct Call {
-    PairOptions options;
-    std::string inputPath;  // empty for the tone
-};
-
-bool IsFrameNumber(const std::string &text)
+int ComplainOf(const std::string &path)
 {
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+    return Complain(path + ": " + std::strerror(errno), EXIT_FAILURE);
 }
 
-// Returns the exit status when the program is to end at once.
-std::optional<int> ReadArguments(const std::vector<std::string> &arguments, Call &call)
+bool Print(const std::string &text)
 {
-    for (size_t i = 0; i < arguments.size(); ++i) {
-        const std::string &argument = arguments[i];
-        if (argument == "--help") {
-            PrintUsage(stdout);
-            return EXIT_SUCCESS;
-        }
-        const bool isFrameNumber = argument == "--flip" && i + 1 < arguments.size() && IsFrameNumber(arguments[i + 1]);
-        if (isFrameNumber) {
-            call.options.flippedFrame = std::strtoull(arguments[++i].c_str(), nullptr, 10);
-        } else if (argument == "--dump") {
-            call.options.isDumped = true;
-        } else if (argument.empty() || argument.rfind("--", 0) == 0 || !call.inputPath.empty()) {
-            PrintUsage(stderr);
-            return EXIT_USAGE;
-        } else {
-            call.inputPath = argument;
-        }
-    }
-    return std::nullopt;
+    return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
 }
 
-// A tone of 440 Hz on the left and 660 Hz on the right.
-File GenerateTone()
+// Opens the file that the sink writes, empty; a file that is the input as well stays as it is. Returns false with the
+// reason in errno.
+bool OpenOutput(const std::string &path, int input, UniqueFd &output)
 {
-    constexpr uint32_t seconds = 5;
-    constexpr double amplitude = 12000;
-    constexpr double frequencies[CHANNELS] = {440, 660};
-    constexpr double fullTurn = 2 * 3.14159265358979323846;
-    File tone(std::tmpfile());
-    if (tone == nullptr) {
-        return tone;
+    output = UniqueFd(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666));
+    struct stat source {};
+    struct stat target {};
+    if (!output.IsOpen() || fstat(output.Get(), &target) != 0) {
+        return false;
     }
-    for (uint32_t i = 0; i < seconds * SAMPLE_RATE; ++i) {
-        for (double frequency : frequencies) {
-            const double phase = fullTurn * frequency * i / SAMPLE_RATE;
-            const auto sample = static_cast<int16_t>(std::lround(amplitude * std::sin(phase)));
-            const auto bits = static_cast<uint16_t>(sample);
-            std::fputc(bits & 0xFF, tone.get());
-            std::fputc(bits >> 8, tone.get());
-        }
+    if (!S_ISREG(target.st_mode)) {
+        return true;
     }
-    std::rewind(tone.get());
-    return tone;
-}
-
-bool HaveEqualContent(FILE *left, FILE *right)
-{
-    constexpr size_t chunk = 64 * 1024;
-    std::vector<char> a(chunk);
-    std::vector<char> b(chunk);
-    size_t size = 0;
-    do {
-        size = std::fread(a.data(), 1, chunk, left);
-        if (std::fread(b.data(), 1, chunk, right) != size || std::memcmp(a.data(), b.data(), size) != 0) {
-            return false;
-        }
-    } while (size > 0);
-    return std::ferror(left) == 0 && std::ferror(right) == 0;
+    if (input >= 0 && fstat(input, &source) == 0 && source.st_dev == target.st_dev && source.st_ino == target.st_ino) {
+        errno = EEXIST;
+        return false;
+    }
+    return ftruncate(output.Get(), 0) == 0;
 }
 
 Adapter::DHConnectInfo DescribeConnection()
@@ -135,66 +72,101 @@ Adapter::DHConnectInfo DescribeConnection()
     return connection;
 }
 
-// Runs one side in a process of its own and returns its id.
-pid_t StartSide(int unusedSocket, const std::function<bool()> &side)
+// Both ends of the link. Neither waits for ever for the other.
+bool MakeLink(double timeout, UniqueFd &sourceEnd, UniqueFd &sinkEnd)
 {
-    std::fflush(nullptr);
-    const pid_t process = fork();
-    if (process != 0) {
-        return process;
-    }
-    close(unusedSocket);
-    _exit(side() ? EXIT_SUCCESS : EXIT_FAILURE);
-}
-
-bool EndedWell(pid_t process)
-{
-    int status = 0;
-    return process > 0 && waitpid(process, &status, 0) == process && WIFEXITED(status) &&
-           WEXITSTATUS(status) == EXIT_SUCCESS;
-}
-
-// Returns true when both sides ended well.
-bool RunPair(const PairOptions &options, FILE *input, FILE *output)
-{
-    int sockets[2];
-    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0) {
-        std::perror("socketpair");
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         return false;
     }
-    const Adapter::DHConnectInfo connection = DescribeConnection();
-    const Offer offer = MakeOffer(connection);
-    const PairLink sourceLink{sockets[0], connection, offer};
-    const PairLink sinkLink{sockets[1], connection, offer};
-    const pid_t source = StartSide(sinkLink.socket, [&] { return RunSource(sourceLink, options, input); });
-    const pid_t sink = StartSide(sourceLink.socket, [&] { return RunSink(sinkLink, options, output); });
-    close(sockets[0]);
-    close(sockets[1]);
-    const bool sourceEndedWell = EndedWell(source);
-    return EndedWell(sink) && sourceEndedWell;
+    sourceEnd = UniqueFd(ends[0]);
+    sinkEnd = UniqueFd(ends[1]);
+    timeval limit{};
+    limit.tv_sec = static_cast<time_t>(timeout);
+    limit.tv_usec = static_cast<suseconds_t>(std::lround((timeout - std::floor(timeout)) * 1e6)) % 1'000'000;
+    return setsockopt(ends[0], SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit)) == 0 &&
+           setsockopt(ends[1], SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit)) == 0;
+}
+
+// Prints what both sides report, and what went wrong once: not what the other side's failure brought about.
+int Conclude(const SideProcess &source, const SideProcess &sink)
+{
+    const bool hasFate = !source.Fate().empty() || !sink.Fate().empty();
+    const auto failedAlone = [](const SideReport &report) {
+        return !report.failure.empty() && !report.isCaused;
+    };
+    const bool hasCause = failedAlone(source.Report()) || failedAlone(sink.Report());
+    const bool isInterrupted = source.Report().isInterrupted;
+    bool hasFailed = hasFate;
+    std::string verdict = sink.Report().verdict;
+    if (!Print(source.Report().summary + sink.Report().summary)) {
+        return ComplainOf("standard output");
+    }
+    for (const SideProcess *side : {&source, &sink}) {
+        if (!side->Fate().empty()) {
+            Complain(side->Fate(), EXIT_FAILURE);
+        }
+    }
+    for (const SideProcess *side : {&source, &sink}) {
+        const SideReport &report = side->Report();
+        hasFailed = hasFailed || !report.failure.empty();
+        if (!report.failure.empty() && (!report.isCaused || !hasCause)) {
+            Complain(report.failure, EXIT_FAILURE);
+        }
+    }
+    if (hasFailed) {
+        return EXIT_FAILURE;
+    }
+    if (!Print("result\n  " + std::string(isInterrupted ? "interrupted; of what was sent so far, " : "") + verdict +
+               "\n")) {
+        return ComplainOf("standard output");
+    }
+    return isInterrupted ? EXIT_INTERRUPTED : EXIT_SUCCESS;
 }
 
 }  // namespace
 
 int main(int argc, char **argv)
 {
-    Call call;
-    if (const auto status = ReadArguments({argv + 1, argv + argc}, call)) {
-        return *status;
+    PairOptions options;
+    if (const auto status = ReadOptions(argc, argv, options)) {
+        return std::fflush(stdout) == 0 ? *status : ComplainOf("standard output");
     }
-    const File input = call.inputPath.empty() ? GenerateTone() : File(std::fopen(call.inputPath.c_str(), "rb"));
-    const File output(std::tmpfile());
-    if (input == nullptr || output == nullptr) {
-        std::perror(call.inputPath.empty() ? "temporary file" : call.inputPath.c_str());
-        return EXIT_FAILURE;
+    setenv("OSTRA_HOST_LOG_LEVEL", "error", 0);  // the library tells each CRC at info level
+    std::signal(SIGPIPE, SIG_IGN);               // a write to what takes no more fails, and is told
+    std::signal(SIGXFSZ, SIG_IGN);
+    BlockSideSignals();
+    StreamInput input;
+    if (!input.Open(options)) {
+        return ComplainOf(input.Name());
     }
-    const bool endedWell = RunPair(call.options, input.get(), output.get());
-    std::rewind(input.get());
-    std::rewind(output.get());
-    const bool isEqual = HaveEqualContent(input.get(), output.get());
-    std::printf("result\n  %s\n", isEqual ? "every byte arrived" : "the stream that arrived DIFFERS from the input");
-    if (!endedWell) {
-        std::puts("  a side FAILED: its log tells why");
+    if (input.Length().pieces && options.faults.count > MostFaults(*input.Length().pieces)) {
+        return Complain(
+            "--faults: at most " + std::to_string(MostFaults(*input.Length().pieces)) + " fit into " + input.Name(),
+            EXIT_USAGE);
     }
-    return endedWell && isEqual ? EXIT_SUCCESS : EXIT_FAILURE;
+    UniqueFd output;
+    if (!options.outputPath.empty() && !OpenOutput(options.outputPath, input.Descriptor(), output)) {
+        return ComplainOf(options.outputPath);
+    }
+    if (!Print("sending " + input.Name() + "\n")) {
+        return ComplainOf("standard output");
+    }
+
+    UniqueFd sourceEnd;
+    UniqueFd sinkEnd;
+    if (!MakeLink(options.timeout, sourceEnd, sinkEnd)) {
+        return ComplainOf("socket pair");
+    }
+    const Adapter::DHConnectInfo connection = DescribeConnection();
+    const Offer offer = MakeOffer(connection);
+    SideProcess source("source", [&] {
+        sinkEnd.Close();
+        return RunSource({sourceEnd.Get(), connection, offer}, options, input);
+    });
+    sourceEnd.Close();
+    SideProcess sink("sink", [&] { return RunSink({sinkEnd.Get(), connection, offer}, options, std::move(output)); });
+    sinkEnd.Close();
+    WaitForBoth(source, sink, options.timeout);
+    return Conclude(source, sink);
 }

@@ -20,6 +20,13 @@ using OHOS::HiviewDFX::ListenerRule;
 namespace {
 
 constexpr int COLLABORATION_BUSINESS = 2;
+constexpr char RESULT_KEY[] = "STAGE_RES";
+constexpr int64_t STAGE_FAILED = 2;
+
+int32_t ErrorCode(bool isSuccess)
+{
+    return isSuccess ? 0 : -1;
+}
 
 }  // namespace
 
@@ -40,6 +47,8 @@ public:
             row.append(row.empty() ? "" : " ").append(name).append("=").append(text);
         }
         rows_.push_back(row);
+        int64_t result = 0;
+        failures_ += sysEvent->GetParamValue(RESULT_KEY, result) == 0 && result == STAGE_FAILED ? 1 : 0;
     }
 
     void OnServiceDied() override
@@ -51,8 +60,14 @@ public:
         return rows_;
     }
 
+    uint64_t Failures() const
+    {
+        return failures_;
+    }
+
 private:
     std::vector<std::string> rows_;
+    uint64_t failures_ = 0;
 };
 
 FlowReport::FlowReport(std::string side) : side_(std::move(side)), listener_(std::make_shared<Listener>())
@@ -68,30 +83,35 @@ FlowReport::~FlowReport()
     HiSysEventManager::RemoveListener(listener_);
 }
 
-void FlowReport::Connected(int errorCode)
+void FlowReport::Connected(bool isSuccess)
 {
-    OstraRadar::GetInstance().ConnectDeviceRes(side_, errorCode, SOFTBUS_PKG_NAME);
+    OstraRadar::GetInstance().ConnectDeviceRes(side_, ErrorCode(isSuccess), SOFTBUS_PKG_NAME);
 }
 
-void FlowReport::AudioOpened(int errorCode)
+void FlowReport::AudioOpened(bool isSuccess)
 {
-    OstraRadar::GetInstance().AudioOpenRes(side_, errorCode);
+    OstraRadar::GetInstance().AudioOpenRes(side_, ErrorCode(isSuccess));
 }
 
-void FlowReport::AudioClosed(int errorCode)
+void FlowReport::AudioClosed(bool isSuccess)
 {
-    OstraRadar::GetInstance().AudioCloseRes(side_, errorCode);
+    OstraRadar::GetInstance().AudioCloseRes(side_, ErrorCode(isSuccess));
 }
 
-void FlowReport::Ended(int errorCode)
+void FlowReport::Ended(bool isSuccess)
 {
-    OstraRadar::GetInstance().DisconnectDeviceRes(side_, errorCode, SOFTBUS_PKG_NAME);
-    OstraRadar::GetInstance().ServiceStopRes(side_, errorCode);
+    OstraRadar::GetInstance().DisconnectDeviceRes(side_, ErrorCode(isSuccess), SOFTBUS_PKG_NAME);
+    OstraRadar::GetInstance().ServiceStopRes(side_, ErrorCode(isSuccess));
 }
 
-void FlowReport::AddRows(Summary &summary) const
+void FlowReport::AddRows(Summary &summary, bool isVerbose) const
 {
+    const uint64_t failures = listener_->Failures();
+    summary.Row("events", std::to_string(listener_->Rows().size()) + " steps reported, " +
+                              (failures == 0 ? "all successful" : std::to_string(failures) + " failed"));
     for (const std::string &row : listener_->Rows()) {
-        summary.Row("event", row);
+        if (isVerbose) {
+            summary.Row("event", row);
+        }
     }
 }

@@ -19,15 +19,14 @@ public:
     FlowReport(const FlowReport &) = delete;
     FlowReport &operator=(const FlowReport &) = delete;
 
-    // 0 is success.
-    void Connected(int errorCode);
-    void AudioOpened(int errorCode);
-    void AudioClosed(int errorCode);
+    void Connected(bool isSuccess);
+    void AudioOpened(bool isSuccess);
+    void AudioClosed(bool isSuccess);
     // Reports the disconnect and the stop of the service.
-    void Ended(int errorCode);
+    void Ended(bool isSuccess);
 
-    // One row for each event that the listener received.
-    void AddRows(Summary &summary) const;
+    // How many events the listener received and how they went, in one row; with `isVerbose` a row for each.
+    void AddRows(Summary &summary, bool isVerbose) const;
 
 private:
     class Listener;

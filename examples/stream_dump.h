@@ -7,8 +7,8 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
+#include "channel_link.h"
 #include "summary.h"
 
 class StreamDump {
@@ -19,14 +19,24 @@ public:
     StreamDump(const StreamDump &) = delete;
     StreamDump &operator=(const StreamDump &) = delete;
 
-    void Write(const std::vector<uint8_t> &piece) const;
+    // Returns false when the piece is not all in the file. Does nothing while dumps are off.
+    bool Write(ByteView piece);
 
-    // The file and its size, when dumping is on.
+    // The file and the reason why it is cut short; empty while it is not.
+    const std::string &Failure() const;
+
+    // The file and its size, or why dumps are off although they were asked for.
     void AddRows(Summary &summary) const;
 
 private:
+    std::string FindReason(ByteView piece) const;
+
+    std::string path_;
     std::string fileName_;
-    bool isOn_;
+    std::string mode_;  // empty while dumps are off
+    std::string whyOff_;
+    std::string failure_;
+    uint64_t size_ = 0;
 };
 
 #endif  // EXAMPLES_STREAM_DUMP_H

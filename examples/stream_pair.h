@@ -1,30 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The two sides of the example pair. Each runs in a process of its own, joined to the other by a socket that keeps
-// message borders, and prints a summary to standard output when it ends.
+// message borders, and reports to who started it when it ends.
 
 #ifndef EXAMPLES_STREAM_PAIR_H
 #define EXAMPLES_STREAM_PAIR_H
 
-#include <cstdint>
-#include <cstdio>
-#include <optional>
 #include <string>
 
 #include "dh_utils_tools.h"
 #include "offer.h"
-
-// The stream's format: 48 kHz, 16 bits, stereo, sent in pieces of 20 ms.
-constexpr uint32_t SAMPLE_RATE = 48000;
-constexpr uint32_t CHANNELS = 2;
-constexpr uint32_t BYTES_PER_SAMPLE = 2;
-constexpr uint32_t PIECE_MS = 20;
-constexpr uint32_t PIECE_BYTES = SAMPLE_RATE / 1000 * PIECE_MS * CHANNELS * BYTES_PER_SAMPLE;
-
-struct PairOptions {
-    std::optional<uint64_t> flippedFrame;  // the frame that gets a bit flipped on the way
-    bool isDumped = false;                 // whether the sink dumps the stream, parameter or not
-};
+#include "options.h"
+#include "side_process.h"
+#include "stream_input.h"
+#include "unique_fd.h"
 
 // Keys of the settings map that the source hands to the sink.
 enum StreamSetting : int32_t {
@@ -40,14 +29,13 @@ struct PairLink {
     Offer offer;
 };
 
-// Sends the documents of the offer and the settings, then reads `input` to its end and sends it piece by piece, at a
-// raised QoS level where the platform grants it. Both sides report their steps as events. Returns true when all of it
-// was sent.
-bool RunSource(const PairLink &link, const PairOptions &options, FILE *input);
+// Sends the documents of the offer and the settings, then `input` to its end or until SIGINT, piece by piece, at a
+// raised QoS level where the platform grants it, and the frame that ends the stream. Reports its steps as events.
+SideReport RunSource(const PairLink &link, const PairOptions &options, StreamInput &input);
 
-// Reads the documents and the settings, and writes every piece of the stream that arrives whole to `output`; publishes
-// that the source has come and gone, and dumps the stream where asked. Returns true when nothing was broken or lost and
-// the source's word was understood.
-bool RunSink(const PairLink &link, const PairOptions &options, FILE *output);
+// Reads the documents and the settings, and writes every piece of the stream that arrives whole to `output`, where
+// there is one; publishes that the source has come and gone, and dumps the stream where asked. Holds what arrived
+// against what the end of the stream says, and reports its steps as events.
+SideReport RunSink(const PairLink &link, const PairOptions &options, UniqueFd output);
 
 #endif  // EXAMPLES_STREAM_PAIR_H

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <map>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "channel_link.h"
 #include "flow_report.h"
-#include "ipc_utils.h"
-#include "message_parcel.h"
-#include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 #include "ostra_context.h"
+#include "parcel_map.h"
 #include "stream_dump.h"
+#include "stream_end.h"
 #include "stream_pair.h"
 #include "summary.h"
 
@@ -24,18 +25,17 @@ class NotificationLog : public OHOS::DistributedHardware::IPublisherListener {
 public:
     void OnMessage(const OHOS::DistributedHardware::DHTopic /* topic */, const std::string &message) override
     {
-        messages_.push_back(message);
+        text_ += (text_.empty() ? "" : ", ") + TextMember(message, "isomerism_event") + " of " +
+                 GetAnonyString(TextMember(message, "dev_id"));
     }
 
-    void AddRows(Summary &summary) const
+    const std::string &Text() const
     {
-        for (const std::string &message : messages_) {
-            summary.Row("notified", message);
-        }
+        return text_;
     }
 
 private:
-    std::vector<std::string> messages_;
+    std::string text_;
 };
 
 void Notify(const std::string &deviceId, const std::string &event)
@@ -44,117 +44,212 @@ void Notify(const std::string &deviceId, const std::string &event)
     OstraContext::GetInstance().PublishMessage();
 }
 
-// What the sink has received so far.
-class Reception {
+// What the source says of itself and of the stream, as far as it arrived and agrees with what it was to offer.
+class Introduction {
 public:
-    Reception(const Offer &expected, FILE *output, const StreamDump &dump)
-        : expected_(expected), output_(output), dump_(dump)
+    explicit Introduction(const Offer &expected) : expected_(expected)
     {
     }
 
-    // Returns false when the frame cannot be taken or does not say what the source offered.
-    bool Take(const ReceivedFrame &frame)
+    void TakeDevice(ByteView content)
     {
-        switch (frame.kind) {
-            case FrameKind::DEVICE:
-                return TakeDevice({frame.content.begin(), frame.content.end()});
-            case FrameKind::SERVICE:
-                return TakeService({frame.content.begin(), frame.content.end()});
-            case FrameKind::SETTINGS:
-                return TakeSettings(frame.content);
-            case FrameKind::STREAM:
-                dump_.Write(frame.content);
-                return std::fwrite(frame.content.data(), 1, frame.content.size(), output_) == frame.content.size();
-        }
-        return false;
+        device_.assign(content.data, content.data + content.size);
+        std::string expected;
+        DHOSTRADeviceJson device = expected_.device;
+        isDeviceRight_ = device.Marshal(expected) == OSTRA_JSON_SUCCESS && device_ == expected;
+    }
+
+    void TakeService(ByteView content)
+    {
+        isServiceRight_ = service_.Unmarshal({content.data, content.data + content.size}) == OSTRA_JSON_SUCCESS &&
+                          SaysTheSame(service_, expected_.service) &&
+                          service_.audioProperties_.Unmarshal(service_.properties_) == OSTRA_JSON_SUCCESS;
+    }
+
+    void TakeSettings(ByteView content)
+    {
+        ParcelMap settings = ReadMap(content).value_or(ParcelMap());
+        settings_ = settings[SETTING_SAMPLE_RATE] + " Hz, " + settings[SETTING_CHANNELS] + " channels, pieces of " +
+                    settings[SETTING_PIECE_MS] + " ms";
+        areSettingsRight_ = settings[SETTING_SAMPLE_RATE] == std::to_string(SAMPLE_RATE) &&
+                            settings[SETTING_CHANNELS] == std::to_string(CHANNELS) &&
+                            settings[SETTING_PIECE_MS] == std::to_string(PIECE_MS);
+    }
+
+    // What did not come, or not as it was offered; each with a comma behind it.
+    std::string Missing() const
+    {
+        return std::string(isDeviceRight_ ? "" : "the device document is missing, ") +
+               (isServiceRight_ ? "" : "the service document is missing, ") +
+               (areSettingsRight_ ? "" : "the settings are missing, ");
     }
 
     void AddRows(Summary &summary) const
     {
-        summary.Row("device",
-                    GetAnonyString(TextMember(device_, "deviceId")) + " " + TextMember(device_, "deviceName"));
-        summary.Row("service",
-                    GetAnonyString(service_.serviceId_) + " of type " + GetAnonyInt32(service_.serviceType_));
-        summary.Row("codec bits", service_.audioProperties_.audioCodecType_);
-        summary.Row("profiles", service_.audioProperties_.audioProfiles_);
-        summary.Row("settings", settings_);
+        const std::string missing = "missing";
+        summary.Row("device", isDeviceRight_ ? GetAnonyString(TextMember(device_, "deviceId")) + " " +
+                                                   TextMember(device_, "deviceName")
+                                             : missing);
+        const auto &audio = service_.audioProperties_;
+        summary.Row("service", isServiceRight_
+                                   ? GetAnonyString(service_.serviceId_) + " of type " +
+                                         GetAnonyInt32(service_.serviceType_) + ", codec bits " +
+                                         std::to_string(audio.audioCodecType_) + ", profiles " + audio.audioProfiles_
+                                   : missing);
+        summary.Row("settings", areSettingsRight_ ? settings_ : missing);
     }
 
 private:
-    bool TakeDevice(const std::string &document)
-    {
-        device_ = document;
-        std::string expected;
-        DHOSTRADeviceJson device = expected_.device;
-        return device.Marshal(expected) == OSTRA_JSON_SUCCESS && document == expected;
-    }
-
-    bool TakeService(const std::string &document)
-    {
-        return service_.Unmarshal(document) == OSTRA_JSON_SUCCESS && SaysTheSame(service_, expected_.service) &&
-               service_.audioProperties_.Unmarshal(service_.properties_) == OSTRA_JSON_SUCCESS;
-    }
-
-    bool TakeSettings(const std::vector<uint8_t> &bytes)
-    {
-        OHOS::MessageParcel parcel;
-        std::map<int32_t, std::string> settings;
-        if (!parcel.WriteBuffer(bytes.data(), bytes.size()) || !IpcUtils::UnMarshalling(parcel, settings)) {
-            return false;
-        }
-        settings_ = settings[SETTING_SAMPLE_RATE] + " Hz, " + settings[SETTING_CHANNELS] + " channels, pieces of " +
-                    settings[SETTING_PIECE_MS] + " ms";
-        return settings[SETTING_SAMPLE_RATE] == std::to_string(SAMPLE_RATE) &&
-               settings[SETTING_CHANNELS] == std::to_string(CHANNELS) &&
-               settings[SETTING_PIECE_MS] == std::to_string(PIECE_MS);
-    }
-
     const Offer &expected_;
-    FILE *output_;
-    const StreamDump &dump_;
     std::string device_;
     DHOSTRADeviceServiceJson service_;
     std::string settings_;
+    bool isDeviceRight_ = false;
+    bool isServiceRight_ = false;
+    bool areSettingsRight_ = false;
+};
+
+class Sink {
+public:
+    Sink(const PairLink &link, const PairOptions &options, UniqueFd output)
+        : options_(options),
+          output_(std::move(output)),
+          receiver_(link.socket),
+          introduction_(link.offer),
+          dump_(options.isDumped)
+    {
+    }
+
+    // Returns false, with the reason in the report, when not all arrived that was sent.
+    bool ReceiveStream()
+    {
+        ReceivedFrame frame;
+        while (!end_) {
+            const ReceiveResult result = receiver_.Receive(frame);
+            memory_.Frame();
+            if (result == ReceiveResult::CLOSED || result == ReceiveResult::FAILED) {
+                return FailWithoutEnd(result == ReceiveResult::CLOSED ? 0 : errno);
+            }
+            if (result == ReceiveResult::FRAME && !Take(frame)) {
+                return false;
+            }
+        }
+        if (!output_.Close()) {
+            return Fail(options_.outputPath + ": " + std::strerror(errno));
+        }
+        const std::string shortfall = introduction_.Missing() + Shortfall(*end_, receiver_.Arrived(), Damaged());
+        return shortfall.empty() || Fail(shortfall.substr(0, shortfall.find_last_not_of(", ") + 1));
+    }
+
+    SideReport Report(const FlowReport &flow, const std::string &notified) const
+    {
+        Summary summary("sink");
+        AddLinkRows(summary, receiver_.Arrived(), watch_.Seconds());
+        summary.Row("lost", end_ ? std::to_string(end_->sent.frames - receiver_.Arrived().frames)
+                                 : "unknown: the end of the stream is missing");
+        summary.Row("damaged", Damaged().String());
+        introduction_.AddRows(summary);
+        summary.Row("notified", notified);
+        flow.AddRows(summary, options_.isVerbose);
+        dump_.AddRows(summary);
+        if (!options_.outputPath.empty()) {
+            summary.Row("output", options_.outputPath);
+        }
+        if (options_.isVerbose) {
+            memory_.AddRow(summary);
+        }
+        SideReport report = report_;
+        report.summary = summary.Text();
+        report.verdict = Damaged().Sum() == 0 ? "every byte arrived"
+                                              : "frames damaged on the way: " + Damaged().String() +
+                                                    "; each was caught and every other frame arrived";
+        return report;
+    }
+
+private:
+    const DamageCount &Damaged() const
+    {
+        return receiver_.Damaged();
+    }
+
+    bool Take(const ReceivedFrame &frame)
+    {
+        switch (frame.kind) {
+            case FrameKind::STREAM:
+                return TakePiece(frame.content);
+            case FrameKind::DEVICE:
+                introduction_.TakeDevice(frame.content);
+                break;
+            case FrameKind::SERVICE:
+                introduction_.TakeService(frame.content);
+                break;
+            case FrameKind::SETTINGS:
+                introduction_.TakeSettings(frame.content);
+                break;
+            case FrameKind::END:
+                end_ = ReadEnd(frame.content);
+                return end_ || Fail("the frame at the end of the stream is not understood");
+            case FrameKind::ALIVE:
+                break;
+        }
+        return true;
+    }
+
+    bool TakePiece(ByteView piece)
+    {
+        if (output_.IsOpen() && !WriteAll(output_.Get(), piece.data, piece.size)) {
+            return Fail(options_.outputPath + ": " + std::strerror(errno));
+        }
+        return dump_.Write(piece) || Fail(dump_.Failure());
+    }
+
+    bool FailWithoutEnd(int error)
+    {
+        const std::string after = " after frame " + std::to_string(receiver_.Arrived().frames);
+        report_.isCaused = error == 0 || error == EAGAIN;
+        if (error == EAGAIN) {
+            return Fail(introduction_.Missing() + "the source sent nothing for " + SecondsText(options_.timeout) +
+                        after);
+        }
+        return Fail(introduction_.Missing() + "the end of the stream is missing" + after +
+                    (error == 0 ? "" : std::string(": ") + std::strerror(error)));
+    }
+
+    bool Fail(const std::string &reason)
+    {
+        report_.failure = reason;
+        return false;
+    }
+
+    const PairOptions &options_;
+    UniqueFd output_;
+    FrameReceiver receiver_;
+    Introduction introduction_;
+    StreamDump dump_;
+    std::optional<StreamEnd> end_;
+    Stopwatch watch_;
+    MemoryWatch memory_;
+    SideReport report_;
 };
 
 }  // namespace
 
-bool RunSink(const PairLink &link, const PairOptions &options, FILE *output)
+SideReport RunSink(const PairLink &link, const PairOptions &options, UniqueFd output)
 {
+    UnblockSideSignals(SIG_IGN);  // the source hears an interrupt, and ends the stream
     constexpr auto notificationTopic = static_cast<OHOS::DistributedHardware::DHTopic>(8);
     const OHOS::sptr<NotificationLog> notifications = new NotificationLog();
     OstraContext::GetInstance().GetDHFwkKit()->RegisterPublisherListener(notificationTopic, notifications);
     Notify(link.connection.sourceNetworkId, ISOMERISM_CONNECT);
 
     FlowReport flow("sink");
-    FrameReceiver receiver(link.socket);
-    const StreamDump dump(options.isDumped);
-    Reception reception(link.offer, output, dump);
-    flow.Connected(0);
-    flow.AudioOpened(0);
-    const Stopwatch watch;
-    ReceivedFrame frame;
-    bool isWhole = true;
-    ReceiveResult result = receiver.Receive(frame);
-    for (; result == ReceiveResult::FRAME || result == ReceiveResult::BROKEN; result = receiver.Receive(frame)) {
-        if (result == ReceiveResult::BROKEN || !reception.Take(frame)) {
-            OSTRA_LOGE("frame dropped");
-            isWhole = false;
-        }
-    }
-    isWhole &= std::fflush(output) == 0;
-    isWhole &= result == ReceiveResult::END && receiver.Count().gaps == 0;
-    flow.AudioClosed(isWhole ? 0 : -1);
-    flow.Ended(isWhole ? 0 : -1);
+    Sink sink(link, options, std::move(output));
+    flow.Connected(true);
+    flow.AudioOpened(true);
+    const bool isWhole = sink.ReceiveStream();
+    flow.AudioClosed(isWhole);
+    flow.Ended(isWhole);
     Notify(link.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
-
-    Summary summary("sink");
-    AddLinkRows(summary, receiver.Count(), link.connection.String(), watch.Seconds());
-    summary.Row("sequence gaps", receiver.Count().gaps);
-    reception.AddRows(summary);
-    notifications->AddRows(summary);
-    flow.AddRows(summary);
-    dump.AddRows(summary);
-    summary.Print();
-    return isWhole;
+    OstraContext::GetInstance().GetDHFwkKit()->UnregisterPublisherListener(notificationTopic, notifications);
+    return sink.Report(flow, notifications->Text());
 }

@@ -1,119 +1,169 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <sys/syscall.h>
-#include <unistd.h>
-
-#include <map>
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <string>
 #include <vector>
 
-#include "channel_link.h"
 #include "flow_report.h"
-#include "ipc_utils.h"
-#include "message_parcel.h"
-#include "ostra_adapter_log.h"
 #include "ostra_constants.h"
-#include "ostra_qos_adapter.h"
+#include "parcel_map.h"
+#include "progress.h"
+#include "stream_end.h"
 #include "stream_pair.h"
+#include "stream_qos.h"
 #include "summary.h"
 
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
-bool SendOffer(FrameSender &sender, Offer offer)
+volatile std::sig_atomic_t g_isInterrupted = 0;
+
+void Interrupt(int /* signal */)
 {
-    std::string device;
-    std::vector<uint8_t> service;
-    if (offer.device.Marshal(device) != OSTRA_JSON_SUCCESS ||
-        offer.service.PackServiceData(service) != OSTRA_JSON_SUCCESS) {
-        return false;
-    }
-    std::vector<uint8_t> deviceBytes(device.begin(), device.end());
-    return sender.Send(FrameKind::DEVICE, deviceBytes) && sender.Send(FrameKind::SERVICE, service);
+    g_isInterrupted = 1;
 }
 
-bool SendSettings(FrameSender &sender)
-{
-    const std::map<int32_t, std::string> settings = {{SETTING_SAMPLE_RATE, std::to_string(SAMPLE_RATE)},
-                                                     {SETTING_CHANNELS, std::to_string(CHANNELS)},
-                                                     {SETTING_PIECE_MS, std::to_string(PIECE_MS)}};
-    OHOS::MessageParcel parcel;
-    if (!IpcUtils::Marshalling(parcel, settings)) {
-        return false;
-    }
-    const auto *begin = reinterpret_cast<const uint8_t *>(parcel.GetData());  // NOLINT(performance-no-int-to-ptr)
-    std::vector<uint8_t> bytes(begin, begin + parcel.GetDataSize());
-    return sender.Send(FrameKind::SETTINGS, bytes);
-}
-
-// Raises the QoS of the calling thread; a platform that refuses leaves the thread as it is.
-class StreamQos {
+class Source {
 public:
-    StreamQos() : tid_(static_cast<int32_t>(syscall(SYS_gettid)))
+    Source(const PairLink &link, const PairOptions &options, StreamInput &input)
+        : link_(link),
+          options_(options),
+          input_(input),
+          socketRoad_(link.socket),
+          road_(socketRoad_, options.faults, input.Length()),
+          sender_(road_)
     {
-        RequestAuth(std::to_string(getpid()).c_str());
-        setResult_ = SetQos(STREAM_LEVEL, tid_);
     }
 
-    // Takes it back, and returns what the platform said to both.
-    std::string Reset() const
+    bool SendOffer()
     {
-        return "set to level " + std::to_string(STREAM_LEVEL) + ": " + std::to_string(setResult_) +
-               ", reset: " + std::to_string(ResetQos(tid_));
+        DHOSTRADeviceJson device = link_.offer.device;
+        OSTRADeviceService service = link_.offer.service;
+        std::string deviceText;
+        std::vector<uint8_t> serviceBytes;
+        if (device.Marshal(deviceText) != OSTRA_JSON_SUCCESS ||
+            service.PackServiceData(serviceBytes) != OSTRA_JSON_SUCCESS) {
+            return Fail("the documents cannot be written");
+        }
+        const ParcelMap settings = {{SETTING_SAMPLE_RATE, std::to_string(SAMPLE_RATE)},
+                                    {SETTING_CHANNELS, std::to_string(CHANNELS)},
+                                    {SETTING_PIECE_MS, std::to_string(PIECE_MS)}};
+        return Send(FrameKind::DEVICE, {reinterpret_cast<uint8_t *>(deviceText.data()), deviceText.size()}) &&
+               Send(FrameKind::SERVICE, {serviceBytes.data(), serviceBytes.size()}) &&
+               (SendMap(sender_, FrameKind::SETTINGS, settings) || FailToSend());
+    }
+
+    bool SendStream()
+    {
+        constexpr double longestQuiet = 1;
+        const auto quietMs = static_cast<int>(std::min(longestQuiet, options_.timeout / 4) * 1000);
+        Progress progress(input_.Length());
+        uint64_t pieces = 0;
+        while (g_isInterrupted == 0) {
+            ByteView piece;
+            const StreamInput::Result result = input_.Next(piece, link_.socket, quietMs);
+            if (result == StreamInput::Result::END) {
+                return true;
+            }
+            if (result == StreamInput::Result::FAILED) {
+                return Fail(input_.Name() + ": " + std::strerror(errno));
+            }
+            if (!Send(result == StreamInput::Result::QUIET ? FrameKind::ALIVE : FrameKind::STREAM, piece)) {
+                return false;
+            }
+            progress.Show(++pieces, sender_.Sent().bytes);
+            memory_.Frame();
+        }
+        report_.isInterrupted = true;
+        return true;
+    }
+
+    // A frame that was held back goes behind the one here.
+    bool Finish()
+    {
+        if (road_.IsHolding() && !Send(FrameKind::ALIVE, {})) {
+            return false;
+        }
+        if (!SendEnd(sender_, road_.Done())) {
+            return FailToSend();
+        }
+        if (road_.Left() > 0 && !report_.isInterrupted) {
+            return Fail("the stream is too short: faults left over: " + std::to_string(road_.Left()));
+        }
+        return true;
+    }
+
+    SideReport Report(const FlowReport &flow, const std::string &qos) const
+    {
+        Summary summary("source");
+        AddLinkRows(summary, sender_.Sent(), watch_.Seconds());
+        if (options_.faults.count > 0) {
+            summary.Row("damaged", road_.Done().String());
+        }
+        summary.Row("QoS", qos);
+        flow.AddRows(summary, options_.isVerbose);
+        if (options_.isVerbose) {
+            summary.Row("connection", link_.connection.String());
+            memory_.AddRow(summary);
+        }
+        SideReport report = report_;
+        report.summary = summary.Text();
+        return report;
     }
 
 private:
-    static constexpr int32_t STREAM_LEVEL = 5;
-    int32_t tid_;
-    int32_t setResult_ = 0;
-};
-
-bool SendStream(FrameSender &sender, FILE *input)
-{
-    Progress progress;
-    std::vector<uint8_t> piece(PIECE_BYTES);
-    for (;;) {
-        piece.resize(std::fread(piece.data(), 1, PIECE_BYTES, input));
-        if (piece.empty()) {
-            return std::ferror(input) == 0;
-        }
-        if (!sender.Send(FrameKind::STREAM, piece)) {
-            return false;
-        }
-        progress.Show(sender.Count().bytes);
+    bool Send(FrameKind kind, ByteView content)
+    {
+        return sender_.Send(kind, content) || FailToSend();
     }
-}
+
+    bool FailToSend()
+    {
+        const int error = errno;
+        const std::string frame = " at frame " + std::to_string(sender_.Sent().frames);
+        report_.isCaused = error == EAGAIN || error == EPIPE || error == ECONNRESET;
+        if (error == EAGAIN) {
+            return Fail("the sink took nothing for " + SecondsText(options_.timeout) + frame);
+        }
+        return Fail(report_.isCaused ? "the sink closed the link" + frame
+                                     : "sending failed" + frame + ": " + std::strerror(error));
+    }
+
+    bool Fail(const std::string &reason)
+    {
+        report_.failure = reason;
+        return false;
+    }
+
+    const PairLink &link_;
+    const PairOptions &options_;
+    StreamInput &input_;
+    SocketRoad socketRoad_;
+    FaultyRoad road_;
+    FrameSender sender_;
+    Stopwatch watch_;
+    MemoryWatch memory_;
+    SideReport report_;
+};
 
 }  // namespace
 
-bool RunSource(const PairLink &link, const PairOptions &options, FILE *input)
+SideReport RunSource(const PairLink &link, const PairOptions &options, StreamInput &input)
 {
-    FrameSender sender(link.socket, options.flippedFrame);
-    const Stopwatch watch;
+    UnblockSideSignals(Interrupt);
     FlowReport flow("source");
-    const bool isOffered = SendOffer(sender, link.offer) && SendSettings(sender);
-    flow.Connected(isOffered ? 0 : -1);
+    Source source(link, options, input);
+    const bool isOffered = source.SendOffer();
+    flow.Connected(isOffered);
     const StreamQos qos;
-    flow.AudioOpened(0);
-    const bool isSent = isOffered && SendStream(sender, input);
-    flow.AudioClosed(isSent ? 0 : -1);
+    flow.AudioOpened(isOffered);
+    const bool isSent = isOffered && source.SendStream() && source.Finish();
+    flow.AudioClosed(isSent);
     const std::string qosResults = qos.Reset();
-    const uint64_t frames = sender.Count().frames;
-    if (!isSent) {
-        OSTRA_LOGE("sending stopped at frame %llu", static_cast<unsigned long long>(frames));
-    }
-    const bool isFlipped = !options.flippedFrame || *options.flippedFrame < frames;
-    if (!isFlipped) {
-        OSTRA_LOGE("frame %llu was to get a flipped bit, but was never sent",
-                   static_cast<unsigned long long>(*options.flippedFrame));
-    }
-    flow.Ended(isSent && isFlipped ? 0 : -1);
-
-    Summary summary("source");
-    AddLinkRows(summary, sender.Count(), link.connection.String(), watch.Seconds());
-    summary.Row("QoS", qosResults);
-    flow.AddRows(summary);
-    summary.Print();
-    return isSent && isFlipped;
+    flow.Ended(isSent);
+    return source.Report(flow, qosResults);
 }

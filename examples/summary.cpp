@@ -5,19 +5,19 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <fstream>
 
 namespace {
 
-constexpr size_t NAME_WIDTH = 16;
+constexpr size_t NAME_WIDTH = 12;
 constexpr double BYTES_PER_MB = 1e6;
-constexpr double FIRST_PROGRESS_SECONDS = 0.5;
-constexpr double PROGRESS_PERIOD_SECONDS = 0.2;
 
-std::string Megabytes(double bytes)
+uint64_t ResidentKilobytes()
 {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.1f MB", bytes / BYTES_PER_MB);
-    return text;
+    uint64_t all = 0;
+    uint64_t resident = 0;
+    std::ifstream("/proc/self/statm") >> all >> resident;
+    return resident * static_cast<uint64_t>(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 }  // namespace
@@ -36,10 +36,9 @@ void Summary::Row(const std::string &name, uint64_t value)
     Row(name, std::to_string(value));
 }
 
-void Summary::Print() const
+const std::string &Summary::Text() const
 {
-    std::fputs(text_.c_str(), stdout);
-    std::fflush(stdout);
+    return text_;
 }
 
 double Stopwatch::Seconds() const
@@ -47,32 +46,37 @@ double Stopwatch::Seconds() const
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
 }
 
-void AddLinkRows(Summary &summary, const LinkCount &count, const std::string &connection, double seconds)
+std::string Megabytes(double bytes)
 {
-    summary.Row("frames", count.frames);
-    summary.Row("bytes", count.bytes);
-    summary.Row("CRC mismatches", count.crcMismatches);
-    summary.Row("connection", connection);
-    summary.Row("throughput", Megabytes(static_cast<double>(count.bytes) / seconds) + "/s");
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.1f MB", bytes / BYTES_PER_MB);
+    return text;
 }
 
-Progress::Progress() : isWatched_(isatty(STDERR_FILENO) != 0), nextAt_(FIRST_PROGRESS_SECONDS)
+std::string SecondsText(double seconds)
 {
+    char text[32];
+    std::snprintf(text, sizeof(text), "%g s", seconds);
+    return text;
 }
 
-Progress::~Progress()
+void AddLinkRows(Summary &summary, const LinkTotals &totals, double seconds)
 {
-    if (isShown_) {
-        std::fputs("\n", stderr);
+    summary.Row("frames", totals.frames);
+    summary.Row("bytes", totals.bytes);
+    summary.Row("throughput", Megabytes(static_cast<double>(totals.bytes) / seconds) + "/s");
+}
+
+void MemoryWatch::Frame()
+{
+    if (++frames_ == WARM_UP_FRAMES) {
+        kilobytesAtStart_ = ResidentKilobytes();
     }
 }
 
-void Progress::Show(uint64_t bytes)
+void MemoryWatch::AddRow(Summary &summary) const
 {
-    if (!isWatched_ || watch_.Seconds() < nextAt_) {
-        return;
-    }
-    isShown_ = true;
-    nextAt_ = watch_.Seconds() + PROGRESS_PERIOD_SECONDS;
-    std::fprintf(stderr, "\rsent %s", Megabytes(static_cast<double>(bytes)).c_str());
+    const std::string atStart =
+        frames_ < WARM_UP_FRAMES ? "" : std::to_string(kilobytesAtStart_) + " KiB at the start, ";
+    summary.Row("memory", atStart + std::to_string(ResidentKilobytes()) + " KiB at the end");
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The table that each side of the example pair prints at its end, and the progress line of a long run.
+// The table that each side of the example pair makes at its end, and the memory that it tells there.
 
 #ifndef EXAMPLES_SUMMARY_H
 #define EXAMPLES_SUMMARY_H
@@ -11,13 +11,13 @@
 
 #include "channel_link.h"
 
-// Rows of a name and a value. Prints as one piece, so that the tables of two processes do not mix.
+// Rows of a name and a value.
 class Summary {
 public:
     explicit Summary(const std::string &title);
     void Row(const std::string &name, const std::string &value);
     void Row(const std::string &name, uint64_t value);
-    void Print() const;
+    const std::string &Text() const;
 
 private:
     std::string text_;
@@ -32,23 +32,26 @@ private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-// Adds the rows that both sides have in common.
-void AddLinkRows(Summary &summary, const LinkCount &count, const std::string &connection, double seconds);
+// "12.3 MB".
+std::string Megabytes(double bytes);
 
-// One line on standard error, renewed several times a second while a terminal watches.
-class Progress {
+// "10 s".
+std::string SecondsText(double seconds);
+
+// Adds the rows that both sides have in common.
+void AddLinkRows(Summary &summary, const LinkTotals &totals, double seconds);
+
+// The resident memory of this process, at the start of its stream and now. The first frames are left out: they fill the
+// buffers and pools that stay from then on.
+class MemoryWatch {
 public:
-    Progress();
-    ~Progress();
-    Progress(const Progress &) = delete;
-    Progress &operator=(const Progress &) = delete;
-    void Show(uint64_t bytes);
+    void Frame();
+    void AddRow(Summary &summary) const;
 
 private:
-    bool isWatched_;
-    bool isShown_ = false;
-    double nextAt_;
-    Stopwatch watch_;
+    static constexpr uint64_t WARM_UP_FRAMES = 2000;
+    uint64_t frames_ = 0;
+    uint64_t kilobytesAtStart_ = 0;
 };
 
 #endif  // EXAMPLES_SUMMARY_H
