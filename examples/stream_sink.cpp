@@ -187,6 +187,7 @@ private:
                 introduction_.TakeSettings(frame.content);
                 break;
             case FrameKind::END:
+                memory_.Stop();
                 end_ = ReadEnd(frame.content);
                 return end_ || Fail("the frame at the end of the stream is not understood");
             case FrameKind::ALIVE:

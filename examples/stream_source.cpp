@@ -85,6 +85,7 @@ public:
     // A frame that was held back goes behind the one here.
     bool Finish()
     {
+        memory_.Stop();
         if (road_.IsHolding() && !Send(FrameKind::ALIVE, {})) {
             return false;
         }

@@ -74,9 +74,14 @@ void MemoryWatch::Frame()
     }
 }
 
+void MemoryWatch::Stop()
+{
+    kilobytesAtEnd_ = ResidentKilobytes();
+}
+
 void MemoryWatch::AddRow(Summary &summary) const
 {
     const std::string atStart =
         frames_ < WARM_UP_FRAMES ? "" : std::to_string(kilobytesAtStart_) + " KiB at the start, ";
-    summary.Row("memory", atStart + std::to_string(ResidentKilobytes()) + " KiB at the end");
+    summary.Row("memory", atStart + std::to_string(kilobytesAtEnd_) + " KiB at the end");
 }

@@ -41,17 +41,19 @@ std::string SecondsText(double seconds);
 // Adds the rows that both sides have in common.
 void AddLinkRows(Summary &summary, const LinkTotals &totals, double seconds);
 
-// The resident memory of this process, at the start of its stream and now. The first frames are left out: they fill the
-// buffers and pools that stay from then on.
+// The resident memory of this process while it streams. The first frames are left out: they fill the buffers and pools
+// that stay from then on.
 class MemoryWatch {
 public:
     void Frame();
+    void Stop();
     void AddRow(Summary &summary) const;
 
 private:
-    static constexpr uint64_t WARM_UP_FRAMES = 2000;
+    static constexpr uint64_t WARM_UP_FRAMES = 20000;
     uint64_t frames_ = 0;
     uint64_t kilobytesAtStart_ = 0;
+    uint64_t kilobytesAtEnd_ = 0;
 };
 
 #endif  // EXAMPLES_SUMMARY_H
