@@ -8,14 +8,17 @@ target_compile_options(ostra_compile_options INTERFACE
     -Wall -Wextra -Wconversion -Wshadow -fno-plt -fstack-protector-strong)
 target_link_options(ostra_compile_options INTERFACE LINKER:-z,relro,-z,now)
 
-# Each processor has a flag of its own for the protection of jumps and returns, if any.
+# Each processor has a flag of its own for the protection of jumps and returns, if any. Clang merely warns of that of
+# another one.
+set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(flag -fcf-protection=full -mbranch-protection=standard)
-    string(MAKE_C_IDENTIFIER "OSTRA_HAS${flag}" has_flag)
-    check_cxx_compiler_flag(${flag} ${has_flag})
-    if(${has_flag})
+    string(MAKE_C_IDENTIFIER "OSTRA_TAKES${flag}" takes_flag)
+    check_cxx_compiler_flag(${flag} ${takes_flag})
+    if(${takes_flag})
         target_compile_options(ostra_compile_options INTERFACE ${flag})
     endif()
 endforeach()
+unset(CMAKE_REQUIRED_FLAGS)
 
 # The checked functions of the C library need an optimiser, and stand in the way of the sanitizers' own.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
