@@ -17,7 +17,8 @@ if [ "$list" = --print ]; then
     symbols
     exit
 fi
-if ! symbols | diff -U0 "$list" - | grep '^[-+][^-+]'; then
+exported=$(symbols)
+if diff -U0 "$list" - <<<"$exported"; then
     echo "the exported interface is as listed: $(wc -l <"$list") symbols"
     exit 0
 fi

@@ -2,217 +2,169 @@
 
 #include "ostra_dump.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <thread>
-#include <vector>
 
 #include "ostra_dump_adapter.h"
 #include "parameter.h"
-#include "support/log_recorder.h"
+#include "support/session.h"
+
+const char *const SESSIONS =
+#include "sessions/dump_test.txt"
+    ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
 constexpr char KEY[] = "sys.ostra.audio.dump.write.enable";
-constexpr char FOLDER[] = "/data/local/tmp/";
 
-const LogLine INIT = InfoLine("Init", "Dump init");
-const LogLine GETTING = InfoLine("GetSysPara", "Getting system parameter");
-const LogLine FAILED = ErrorLine("GetSysPara", "GetParameter fail. key: " + std::string(KEY) + ", res:.");
-const LogLine NOT_ENABLED = LibraryLine(LOG_WARN, "Init", "Audio dump is not enable.");
-const LogLine REFUSED = LibraryLine(LOG_DEBUG, "DumpStreamData", "Dump is not enable.");
-const LogLine INVALID = ErrorLine("DumpStreamData", "Iuput param is invalid.");
-
-LogLine Got(const std::string &value)
-{
-    return InfoLine("GetSysPara", "GetSysPara key:" + std::string(KEY) + " value:" + value);
-}
-
-LogLine NotOpened(const std::string &path)
-{
-    return LibraryLine(LOG_DEBUG, "OpenDumpFile", "Error openning file: " + path + ".");
-}
-
-class DumpTest : public ::testing::Test {
+class Dump : public Session {
 protected:
+    void SetUp() override
+    {
+        Session::SetUp();
+        Hide(name_, "NAME");
+        SetParameter(KEY, "-1");
+        Unrecorded([this] { dump_.UnInit(); });
+    }
+
     void TearDown() override
     {
-        dump_.UnInit();
-        SetParameter(KEY, "-1");
-        std::filesystem::remove(FOLDER + name_);
+        unlink(Path(name_).c_str());
+        Session::TearDown();
     }
 
-    void Enable(const char *mode)
+    static std::string Path(const std::string &name)
     {
-        ASSERT_EQ(SetParameter(KEY, mode), 0);
-        dump_.Init();
-        log_.Take();
+        return "/data/local/tmp/" + name;
     }
 
-    void Dump(const std::string &text)
+    void InitWith(const char *mode)
     {
-        dump_.DumpStreamData(name_, reinterpret_cast<const unsigned char *>(text.data()),
-                             static_cast<int>(text.size()));
+        EXPECT_EQ(SetParameter(KEY, mode), 0);
+        Unrecorded([this] { dump_.Init(); });
     }
 
-    std::string Content(const std::string &name) const
+    void Write(const std::string &name, const std::string &text)
     {
-        std::ifstream file(FOLDER + name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        dump_.DumpStreamData(name, reinterpret_cast<const unsigned char *>(text.data()), static_cast<int>(text.size()));
     }
 
-    bool Exists() const
+    // What the file holds; then it is gone.
+    std::string TakeFile(const std::string &name)
     {
-        return std::filesystem::exists(FOLDER + name_);
+        std::ifstream file(Path(name), std::ios::binary);
+        unlink(Path(name).c_str());
+        return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "no file";
     }
 
     OstraDump &dump_ = OstraDump::GetInstance();
-    const std::string name_ = "dump_test_" + std::to_string(getpid());
-    LogRecorder log_;
+    const std::string name_ = "dump_" + std::to_string(getpid());
 };
 
-TEST_F(DumpTest, FollowsTheParameter)
+TEST_F(Dump, FollowsTheParameter)
 {
-    const struct {
-        const char *value;  // null leaves the parameter unset
-        LogLines expected;
-        bool opens;
-    } table[] = {
-        {nullptr, {INIT, GETTING, Got("-1"), NOT_ENABLED}, false},
-        {"a", {INIT, GETTING, Got("a")}, true},
-        {"", {INIT, GETTING, FAILED, NOT_ENABLED}, false},
-        {"w", {INIT, GETTING, Got("w")}, true},
-        {"012345678901234567890123456789", {INIT, GETTING, FAILED, NOT_ENABLED}, false},
-        {"w1234567890123456789012345678", {INIT, GETTING, Got("w1234567890123456789012345678")}, false},
-        {"-1", {INIT, GETTING, Got("-1"), NOT_ENABLED}, false},
-        {"aw", {INIT, GETTING, Got("aw")}, false},
-        {"-1a", {INIT, GETTING, Got("-1a")}, false},
-    };
-    EXPECT_EQ(&dump_, &OstraDump::GetInstance());
-    EXPECT_EQ(DUMP_DIR + "/", FOLDER);
-    Dump("x");
-    EXPECT_EQ(dump_.OpenDumpFile(FOLDER + name_), nullptr);
-    EXPECT_EQ(log_.Take(), Loggable({REFUSED, NotOpened(FOLDER + name_)}));
-    for (const auto &row : table) {
-        if (row.value != nullptr) {
-            ASSERT_EQ(SetParameter(KEY, row.value), 0);
-        }
-        dump_.Init();
-        EXPECT_EQ(log_.Take(), row.expected);
-        Dump("x");
-        EXPECT_EQ(Exists(), row.opens);
-        const LogLine refusal = row.expected.back() == NOT_ENABLED ? REFUSED : NotOpened(FOLDER + name_);
-        EXPECT_EQ(log_.Take(), row.opens ? LogLines{} : Loggable({refusal}));
-        std::filesystem::remove(FOLDER + name_);
+    SHOW(&dump_ == &OstraDump::GetInstance(), DUMP_WRITE_ENABLE_KEY, DUMP_DIR, DUMP_PATH_PREFIX);
+    CALL(Write(name_, "x"));
+    for (const char *mode :
+         {"-1", "a", "", "w", "012345678901234567890123456789", "w1234567890123456789012345678", "1", "b", "-1a"}) {
+        InitWith(mode);
+        CALL(Write(name_, "x"));
+        CALL(TakeFile(name_));
     }
 }
 
-TEST_F(DumpTest, ReadsAnyParameter)
+TEST_F(Dump, ReadsAnyParameter)
 {
     std::string value = "before";
-    EXPECT_FALSE(dump_.GetSysPara(nullptr, value));
-    EXPECT_EQ(log_.Take(), (LogLines{GETTING, ErrorLine("GetSysPara", "key is null.")}));
-    EXPECT_FALSE(dump_.GetSysPara("Bad Name", value));
-    EXPECT_EQ(value, "before");
-    EXPECT_FALSE(dump_.GetSysPara("test.unset", value));
-    EXPECT_EQ(value, "-1");
-    ASSERT_EQ(SetParameter("test.set", "5"), 0);
-    EXPECT_TRUE(dump_.GetSysPara("test.set", value));
-    EXPECT_EQ(value, "5");
+    CALL(dump_.GetSysPara(nullptr, value));
+    SHOW(value);
+    CALL(dump_.GetSysPara("sys.ostra.audio.dump.unset", value));
+    SHOW(value);
+    EXPECT_EQ(SetParameter(KEY, "5"), 0);
+    CALL(dump_.GetSysPara(KEY, value));
+    SHOW(value);
+    EXPECT_EQ(SetParameter(KEY, ""), 0);
+    CALL(dump_.GetSysPara(KEY, value));
+    SHOW(value);
 }
 
-TEST_F(DumpTest, LeavesTheLatestOrAllBytes)
+TEST_F(Dump, LeavesTheLatestOrAllBytes)
 {
-    const int free = dup(0);
-    close(free);
-    Enable("w");
-    Dump(std::string("fir\0st", 6));
-    Dump("2nd");
-    EXPECT_EQ(Content(name_), "2nd");
-    Dump("");
-    EXPECT_TRUE(Exists());
-    EXPECT_EQ(Content(name_), "");
-    Enable("a");
-    Dump(std::string("fir\0st", 6));
-    DumpStreamData(name_.c_str(), reinterpret_cast<const unsigned char *>("2nd"), 3);
-    Dump("");
-    EXPECT_EQ(Content(name_), std::string("fir\0st2nd", 9));
-    FILE *file = dump_.OpenDumpFile(FOLDER + name_);
+    for (const std::string mode : {"w", "a"}) {
+        SHOW(mode);
+        InitWith(mode.c_str());
+        CALL(Write(name_, std::string("fir\0st", 6)));
+        CALL(DumpStreamData(name_.c_str(), reinterpret_cast<const unsigned char *>("2nd"), 2));
+        CALL(TakeFile(name_));
+        CALL(Write(name_, "x"));
+        CALL(Write(name_, ""));
+        CALL(TakeFile(name_));
+    }
+}
+
+TEST_F(Dump, RefusesInvalidInputAndWhenOff)
+{
+    const unsigned char data[] = {1};
+    CALL(dump_.DumpStreamData(name_, nullptr, 1));
+    InitWith("w");
+    CALL(dump_.DumpStreamData(name_, nullptr, 1));
+    CALL(dump_.DumpStreamData(name_, data, -1));
+    CALL(Write("", "x"));  // the folder itself
+    CALL(dump_.UnInit());
+    CALL(Write(name_, "x"));
+    CALL(dump_.OpenDumpFile(Path(name_)));
+    CALL(TakeFile(name_));
+}
+
+TEST_F(Dump, OpensInTheModeThatWasReadAndLeavesNothingOpen)
+{
+    const int nextFree = dup(0);
+    close(nextFree);
+    InitWith("a");
+    CALL(Write(name_, "x"));
+    InitWith("-1");  // switches off but keeps the mode
+    FILE *file = dump_.OpenDumpFile(Path(name_));
     ASSERT_NE(file, nullptr);
-    EXPECT_EQ(fileno(file), free);
-    EXPECT_EQ(std::fgetc(file), 'f');
-    dump_.CloseDumpFile(&file);
+    SHOW(fileno(file) == nextFree, std::fgetc(file));
+    CALL(std::fputc('y', file));
+    CALL(dump_.CloseDumpFile(&file));
+    SHOW(file);
+    CALL(dump_.CloseDumpFile(&file));
+    CALL(dump_.CloseDumpFile(nullptr));
+    CALL(TakeFile(name_));
     const int again = dup(0);
     close(again);
-    EXPECT_EQ(again, free);
-    EXPECT_TRUE(log_.Take().empty());
+    SHOW(again == nextFree);
 }
 
-TEST_F(DumpTest, RefusesInvalidInputAndWhenOff)
+TEST_F(Dump, TakesPathsUpToFiftyCharacters)
 {
-    const unsigned char data[] = {1};
-    for (const char *mode : {"-1", "w"}) {
-        Enable(mode);
-        dump_.DumpStreamData(name_, nullptr, 1);
-        dump_.DumpStreamData(name_, data, -1);
-        EXPECT_EQ(log_.Take(), (LogLines{INVALID, INVALID}));
-    }
-    dump_.UnInit();
-    Dump("x");
-    EXPECT_EQ(log_.Take(), Loggable({InfoLine("UnInit", "Dump unInit"), REFUSED}));
-    EXPECT_EQ(dump_.OpenDumpFile(FOLDER + name_), nullptr);  // the mode is forgotten
-    EXPECT_EQ(log_.Take(), Loggable({NotOpened(FOLDER + name_)}));
-    EXPECT_FALSE(Exists());
-
-    // An Init that switches off keeps the mode.
-    Enable("w");
-    Enable("-1");
-    FILE *file = dump_.OpenDumpFile(FOLDER + name_);
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(std::fgetc(file), EOF);
-    EXPECT_NE(std::ferror(file), 1);
-    dump_.CloseDumpFile(&file);
-    EXPECT_EQ(file, nullptr);
-    dump_.CloseDumpFile(&file);
-    dump_.CloseDumpFile(nullptr);
-}
-
-TEST_F(DumpTest, TakesPathsUpToFiftyCharacters)
-{
-    Enable("w");
-    const unsigned char data[] = {1};
     const std::string longest = name_ + std::string(34 - name_.size(), 'x');
-    dump_.DumpStreamData(longest, data, 1);
-    EXPECT_TRUE(std::filesystem::remove(FOLDER + longest));
-    dump_.DumpStreamData(longest + "x", data, 1);
-    EXPECT_FALSE(std::filesystem::exists(FOLDER + longest + "x"));
-    EXPECT_TRUE(log_.Take().empty());
-    dump_.DumpStreamData("", data, 1);  // the folder itself
-    EXPECT_EQ(log_.Take(), Loggable({NotOpened(FOLDER)}));
-    const std::vector<unsigned char> more(100000);
-    dump_.DumpStreamData("../../../dev/full", more.data(), static_cast<int>(more.size()));
-    EXPECT_EQ(log_.Take(), (LogLines{ErrorLine("DumpStreamData", "Failed to write the file")}));
+    Hide(longest, "LONGEST");
+    InitWith("w");
+    CALL(Write(longest, "fits"));
+    CALL(TakeFile(longest));
+    CALL(Write(longest + "x", "does not fit"));
+    CALL(TakeFile(longest + "x"));
+    CALL(Write("../../../dev/full", std::string(100000, 'x')));
 }
 
-TEST_F(DumpTest, ThreadsDumpToFilesOfTheirOwn)
+TEST_F(Dump, ThreadsDumpToFilesOfTheirOwn)
 {
-    Enable("a");
-    const auto dumpMany = [this](const std::string &suffix) {
+    InitWith("a");
+    const auto dumpMany = [this](const std::string &name) {
         for (int i = 0; i < 50; ++i) {
-            DumpStreamData((name_ + suffix).c_str(), reinterpret_cast<const unsigned char *>("xy"), 2);
+            Write(name, "xy");
         }
     };
-    std::thread other(dumpMany, "_other");
-    dumpMany("");
+    std::thread other(dumpMany, name_ + "_other");
+    dumpMany(name_);
     other.join();
-    EXPECT_EQ(std::filesystem::file_size(FOLDER + name_), 100U);
-    EXPECT_EQ(std::filesystem::file_size(FOLDER + name_ + "_other"), 100U);
-    std::filesystem::remove(FOLDER + name_ + "_other");
+    SHOW(TakeFile(name_).size(), TakeFile(name_ + "_other").size());
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Installs a build to an empty prefix, moves it, and builds and runs two outside projects against it: one in C++ through
-# find_package, one in C through pkg-config. Takes from the environment what the build itself uses: CMAKE, CC, CXX,
+# Installs a build to an empty prefix, moves it, and builds and runs two outside projects against it: the first program
+# of README.md through find_package, and the plain names in C through pkg-config. Takes from the environment what the build itself uses: CMAKE, CC, CXX,
 # CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two empty unless cross-compiling.
 # Usage: package_test.sh BUILD_FOLDER
 set -euo pipefail
@@ -20,16 +20,21 @@ done
 libraries=$(dirname "$(find "$prefix" -name libostra_adapter_utils.so)")
 [ -L "$libraries/libostra_adapter_utils.so.0" ] || { echo "the library has no soname"; exit 1; }
 
-"$CMAKE" -G Ninja -S "$here/package" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" \
-    -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$folder/log" ||
+mkdir "$folder/outside"
+cp "$here/package/CMakeLists.txt" "$folder/outside"
+sed -n '/^## A first program/,/^## /s/^    //p' "$here/../README.md" >"$folder/outside/first_program.cpp"
+"$CMAKE" -G Ninja -S "$folder/outside" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$folder/log" ||
     { cat "$folder/log"; exit 1; }
 "$CMAKE" --build "$folder/cmake" >"$folder/log" || { cat "$folder/log"; exit 1; }
-$EMULATOR "$folder/cmake/cmake_user"
+printed=$($EMULATOR "$folder/cmake/first_program")
+promised=$(sed -n 's/.*printf.*    \/\/ //p' "$folder/outside/first_program.cpp")
+[ "$printed" = "${promised:?}" ] || { echo "README.md promises $promised, not $printed"; exit 1; }
 
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
 # The program itself needs only the one library, which must find the other beside it. The flags are words to be split.
 # shellcheck disable=SC2086
-"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/package/pkgconfig_user.c" -Wl,--as-needed $flags \
+"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/plain_names_test.c" -Wl,--as-needed $flags \
     -Wl,--enable-new-dtags,-rpath,"$libraries" \
-    -o "$folder/pkgconfig_user"
-$EMULATOR "$folder/pkgconfig_user"
+    -o "$folder/plain_names"
+$EMULATOR "$folder/plain_names"

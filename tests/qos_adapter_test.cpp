@@ -2,59 +2,63 @@
 
 #include "ostra_qos_adapter.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <vector>
 
+#include "concurrent_task_client.h"
 #include "qos.h"
-#include "support/log_recorder.h"
+#include "support/session.h"
 
-namespace {
+const char *const SESSIONS =
+#include "sessions/qos_adapter_test.txt"
+    ;
 
-// The calls that reached the platform, and what it answers.
-std::vector<std::vector<int>> g_calls;
-int g_result = 0;
-
-}  // namespace
-
+// In place of the platform's functions: what reaches them, and results that no platform gives.
 namespace OHOS::QOS {
 
 int SetQosForOtherThread(enum QosLevel level, int tid)
 {
-    g_calls.push_back({static_cast<int>(level), tid});
-    return g_result;
+    Session::Left("SetQosForOtherThread " + std::to_string(static_cast<int>(level)) + " " + std::to_string(tid));
+    return -static_cast<int>(level) / 2 - 1;
 }
 
 int ResetQosForOtherThread(int tid)
 {
-    g_calls.push_back({tid});
-    return g_result;
+    Session::Left("ResetQosForOtherThread " + std::to_string(tid));
+    return tid / 2 + 1;
 }
 
 }  // namespace OHOS::QOS
 
-namespace {
+namespace OHOS::ConcurrentTask {
 
-TEST(QosAdapter, PassesArgumentsAndResultsThrough)
+void ConcurrentTaskClient::RequestAuth(const std::unordered_map<std::string, std::string> &mapPayload)
 {
-    for (int value : {0, 1, 7, 8, -1, INT_MAX, INT_MIN}) {
-        g_calls.clear();
-        g_result = value / 2;
-        EXPECT_EQ(SetQos(value, 77), value / 2);
-        EXPECT_EQ(ResetQos(value), value / 2);
-        EXPECT_EQ(g_calls, (std::vector<std::vector<int>>{{value, 77}, {value}}));
+    for (const auto &[key, value] : mapPayload) {
+        Session::Left("RequestAuth " + key + "=" + value + ".");
     }
 }
 
-TEST(QosAdapter, SendsTheProcessAsItIs)
+}  // namespace OHOS::ConcurrentTask
+
+namespace {
+
+using Qos = Session;
+
+TEST_F(Qos, PassesArgumentsAndResultsThrough)
 {
-    LogRecorder log;
-    for (const char *pid : {"4711", "", "%s"}) {
-        RequestAuth(pid);
-        const std::string text = "RequestAuth pid=" + std::string(pid);
-        EXPECT_EQ(log.Take(), (LogLines{{LOG_CORE, LOG_INFO, 0xD001700, "CONCURRENT_TASK", text}}));
-    }
+    CALL(SetQos(0, 77));
+    CALL(SetQos(6, INT_MIN));
+    CALL(SetQos(99, 0));
+    CALL(SetQos(-5, INT_MAX));
+    CALL(ResetQos(77));
+    CALL(ResetQos(-9));
+}
+
+TEST_F(Qos, SendsTheProcessAsItIs)
+{
+    CALL(RequestAuth("4711"));
+    CALL(RequestAuth(""));
+    CALL(RequestAuth("%s"));
 }
 
 }  // namespace

@@ -2,140 +2,137 @@
 
 #include "ostra_radar.h"
 
-#include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <fstream>
-#include <functional>
 #include <map>
 #include <regex>
 #include <thread>
-#include <vector>
 
+#include "hisysevent.h"
 #include "ostra_radar_adapter.h"
-#include "support/log_recorder.h"
-#include "support/platform_recorder.h"
+#include "support/event_recorder.h"
+#include "support/session.h"
+
+const char *const SESSIONS =
+#include "sessions/radar_test.txt"
+    ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-using Events = std::vector<std::string>;
+std::string g_events;  // all so far
 
-Events Taken()
-{
-    return PlatformRecorder::GetInstance().Take();
-}
+class Radar : public Session {
+protected:
+    static void SetUpTestSuite()
+    {
+        static const bool isListening = [] {
+            EventRecorder::Start([](const std::string &event) {
+                Left(event);
+                g_events += event;
+            });
+            return true;
+        }();
+        static_cast<void>(isListening);
+    }
 
-OstraRadar &Radar()
-{
-    return OstraRadar::GetInstance();
-}
+    void TearDown() override
+    {
+        radar_.SetProcessName("");
+        radar_.SetCurBusinessId(-1);
+        Session::TearDown();
+    }
 
-struct Method {
-    const char *name;
-    std::function<bool(int)> report;  // takes the error code
-    int stage;
-    bool callsPackage = false;
-    int state = 0;
-    const char *nameInLog = "UpdatePortRes";
+    void ReportAll(const std::string &function, int error)
+    {
+        CALL(radar_.ServiceStartRes(function, 7, "ignored", error));
+        CALL(radar_.ConnectDeviceRes(function, error, "P"));
+        CALL(radar_.UpdateRes(function, error, "P"));
+        CALL(radar_.UpdatePortRes(function, error));
+        CALL(radar_.EnableVirtualRes(function, error));
+        CALL(radar_.AudioOpenRes(function, error));
+        CALL(radar_.AudioCloseRes(function, error));
+        CALL(radar_.DisconnectDeviceRes(function, error, "P"));
+        CALL(radar_.ServiceStopRes(function, error));
+        CALL(radar_.LoadSinkServiceRes(function, error));
+        CALL(radar_.UnLoadSinkServiceRes(function, error));
+    }
+
+    OstraRadar &radar_ = OstraRadar::GetInstance();
 };
 
-const Method METHODS[] = {
-    {"ServiceStartRes", [](int e) { return Radar().ServiceStartRes("F", 7, "ignored", e); }, 1, false, 1,
-     "ServiceStartRes"},
-    {"ConnectDeviceRes", [](int e) { return Radar().ConnectDeviceRes("F", e, "P"); }, 2, true, 0, "ConnectDeviceRes"},
-    {"UpdateRes", [](int e) { return Radar().UpdateRes("F", e, "P"); }, 3, true, 0, "UpdateRes"},
-    {"UpdatePortRes", [](int e) { return Radar().UpdatePortRes("F", e); }, 4},
-    {"EnableVirtualRes", [](int e) { return Radar().EnableVirtualRes("F", e); }, 5},
-    {"AudioOpenRes", [](int e) { return Radar().AudioOpenRes("F", e); }, 6},
-    {"AudioCloseRes", [](int e) { return Radar().AudioCloseRes("F", e); }, 7},
-    {"DisconnectDeviceRes", [](int e) { return Radar().DisconnectDeviceRes("F", e, "P"); }, 8, true},
-    {"ServiceStopRes", [](int e) { return Radar().ServiceStopRes("F", e); }, 9, false, 2, "ServiceStopRes"},
-    {"LoadSinkServiceRes", [](int e) { return Radar().LoadSinkServiceRes("F", e); }, 10, false, 0,
-     "LoadSinkServiceRes"},
-    {"UnLoadSinkServiceRes", [](int e) { return Radar().UnLoadSinkServiceRes("F", e); }, 11, false, 0,
-     "UnLoadSinkServiceRes"},
-};
-
-std::string ExpectedEvent(const Method &method, int errorCode, int businessId, const std::string &host)
+TEST_F(Radar, ReportsEachStepWithItsKeysInOrder)
 {
-    const auto number = [](const char *key, int value) {
-        return ",\"" + std::string(key) + "\":" + std::to_string(value);
+    SHOW(&radar_ == &OstraRadar::GetInstance(), OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT, ORG_PKG_NAME, SOFTBUS_PKG_NAME);
+    radar_.SetCurBusinessId(2);
+    Note("success");
+    ReportAll("F", 0);
+    Note("failure -3");
+    ReportAll("F", -3);
+    CALL(RadarWrite("F", 1, "P"));
+    CALL(::UpdateRes("F", INT32_MIN, "P"));
+}
+
+TEST_F(Radar, TellsWhatThePlatformRefuses)
+{
+    ReportAll(std::string(500000, 'F'), 0);  // over the size of an event
+}
+
+TEST_F(Radar, NamesTheHostOfTheBusinessUntilToldOtherwise)
+{
+    for (int businessId = -1; businessId <= 11; ++businessId) {
+        radar_.SetCurBusinessId(businessId);
+        if (!radar_.GetProcessName().empty()) {
+            SHOW(businessId, radar_.GetProcessName());
+        }
+    }
+    radar_.SetProcessName("N");
+    radar_.SetCurBusinessId(1);
+    SHOW(radar_.GetProcessName());
+    CALL(radar_.AudioOpenRes("F", 0));
+}
+
+// In a process of its own, since the reporter is one for all tests.
+TEST_F(Radar, StartsWithoutABusiness)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto report = [this] {
+        radar_.AudioOpenRes("F", 0);
+        std::fputs(g_events.c_str(), stderr);
+        _exit(0);
     };
-    return R"({"domain_":"OSTRAADAPTER","name_":"OSTRA_ADAPTER_BEHAVIOR","type_":4,"ORG_PKG":"ostra_adapter","FUNC":"F")" +
-           std::string(method.callsPackage ? R"(,"TO_CALL_PKG":"P")" : "") + R"(,"HOST_PKG":")" + host + '"' +
-           number("BIZ_SCENE", method.stage == 1 ? 7 : businessId) + number("BIZ_STAGE", method.stage) +
-           number("STAGE_RES", errorCode == 0 ? 1 : 2) + (method.state != 0 ? number("BIZ_STATE", method.state) : "") +
-           (errorCode != 0 ? number("ERROR_CODE", errorCode) : "") + "}";
+    EXPECT_EXIT(report(), ::testing::ExitedWithCode(0), R"("HOST_PKG":"","BIZ_SCENE":-1,)");
 }
 
-TEST(Radar, ReportsEachStepWithItsKeysInOrder)
+TEST_F(Radar, ReportsFromManyThreads)
 {
-    EXPECT_EQ(&Radar(), &Radar());
-    Taken();  // starts to listen
-    LogRecorder log;
-    EXPECT_TRUE(METHODS[9].report(0));
-    EXPECT_EQ(Taken(), (Events{ExpectedEvent(METHODS[9], 0, -1, "")}));
-    Radar().SetCurBusinessId(2);
-    for (const Method &method : METHODS) {
-        for (int errorCode : {0, -1, 1, INT32_MIN}) {
-            EXPECT_TRUE(method.report(errorCode));
-            EXPECT_EQ(Taken(), (Events{ExpectedEvent(method, errorCode, 2, "collaboration_service")}));
-        }
-    }
-    Radar().SetCurBusinessId(5);
-    RadarWrite("F", 0, "P");
-    ::UpdateRes("F", -3, "P");
-    EXPECT_EQ(Taken(), (Events{ExpectedEvent(METHODS[1], 0, 5, ""), ExpectedEvent(METHODS[2], -3, 5, "")}));
-    EXPECT_TRUE(log.Take().empty());
-}
-
-TEST(Radar, NamesTheHostOfTheBusinessUntilToldOtherwise)
-{
-    const std::map<int, std::string> hosts = {{1, "car_distributed_engine"},
-                                              {2, "collaboration_service"},
-                                              {3, "collaboration_service"},
-                                              {10, "CollaborationFwk"}};
-    for (const std::string name : {"", "N"}) {
-        Radar().SetProcessName(name);
-        for (int businessId = -1; businessId <= 11; ++businessId) {
-            Radar().SetCurBusinessId(businessId);
-            const std::string host = !name.empty() ? name : hosts.count(businessId) == 0 ? "" : hosts.at(businessId);
-            EXPECT_EQ(Radar().GetProcessName(), host);
-            EXPECT_TRUE(METHODS[5].report(0));
-            EXPECT_EQ(Taken(), (Events{ExpectedEvent(METHODS[5], 0, businessId, host)}));
-        }
-    }
-    Radar().SetProcessName("");
-}
-
-TEST(Radar, ReportsFromManyThreads)
-{
-    const auto reportSome = [] {
+    const auto reportSome = [this] {
         for (int i = 0; i < 20; ++i) {
-            METHODS[3].report(i % 2);
+            EXPECT_TRUE(radar_.UpdatePortRes("F", i % 2));
         }
     };
-    std::thread other(reportSome);
-    reportSome();
-    other.join();
-    EXPECT_EQ(Taken().size(), 40U);
+    Unrecorded([&] {
+        std::thread other(reportSome);
+        reportSome();
+        other.join();
+    });
 }
 
-TEST(Radar, WritesWhatTheEventFileDeclares)
+TEST_F(Radar, WritesWhatTheEventFileDeclares)
 {
     using Types = std::map<std::string, std::string>;  // by key
-    for (const Method &method : METHODS) {
-        method.report(1);
-    }
     Types written;
     const std::regex ownKey(R"#("([A-Z_]+)":("|-?\d))#");
-    for (const std::string &event : Taken()) {
-        for (std::sregex_iterator key(event.begin(), event.end(), ownKey), end; key != end; ++key) {
-            written[(*key)[1]] = (*key)[2] == "\"" ? "STRING" : "INT32";
-        }
+    Unrecorded([&] {
+        g_events.clear();
+        ReportAll("F", 1);
+    });
+    for (std::sregex_iterator key(g_events.begin(), g_events.end(), ownKey), end; key != end; ++key) {
+        written[(*key)[1]] = (*key)[2] == "\"" ? "STRING" : "INT32";
     }
     Types declared;
-    std::string heads;
     std::ifstream file(OSTRA_SOURCE_FOLDER "/hisysevent.yaml");
     const std::regex declaration(R"(  (\w+): \{type: (\w+), desc: .{3,128}\})");
     for (std::string line; std::getline(file, line);) {
@@ -143,26 +140,10 @@ TEST(Radar, WritesWhatTheEventFileDeclares)
         if (std::regex_match(line, parts, declaration)) {
             declared[parts[1]] = parts[2];
         } else if (!line.empty() && line[0] != '#') {
-            heads += line.substr(0, line.find(", desc")) + "|";
+            Note(line);
         }
     }
-    EXPECT_EQ(heads, "domain: OSTRAADAPTER|OSTRA_ADAPTER_BEHAVIOR:|  __BASE: {type: BEHAVIOR, level: MINOR|");
     EXPECT_EQ(written, declared);
-}
-
-// Last: it uses up the budget of each method.
-TEST(Radar, TellsWhenThePlatformRefuses)
-{
-    using HiviewDFX::HiSysEvent;
-    for (const Method &method : METHODS) {
-        LogRecorder log;
-        EXPECT_TRUE(method.report(0)) << "the methods before have used up budgets of their own";
-        for (int i = 0; i < 100; ++i) {
-            HiSysEvent::Write(method.name, method.stage, OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT, HiSysEvent::BEHAVIOR);
-        }
-        EXPECT_FALSE(method.report(0)) << method.name;
-        EXPECT_EQ(log.Take(), (LogLines{ErrorLine(method.name, std::string(method.nameInLog) + " error, res:-6")}));
-    }
 }
 
 }  // namespace

@@ -71,9 +71,10 @@ TEST(ReportedFailures, PropertiesThatDoNotParseAreToldFromMemoryThatRunsOut)
     g_printed = R"({"2016":"{}"})";
     for (int failing = 0;; ++failing) {
         std::string out = "old";
-        const JsonFault fault(failing);
+        const JsonFault fault;
+        Fault::Arm(failing);
         const int32_t ret = device.Marshal(out);
-        if (!fault.Struck()) {
+        if (!Fault::Disarm()) {
             EXPECT_EQ(ret, 0);
             break;
         }

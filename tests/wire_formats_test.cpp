@@ -1,14 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Holds docs/wire-formats.md against the library: recomputes the output of each worked example from its input.
+// Holds docs/wire-formats.md against the library: recomputes the output of each worked example from its input. The
+// examples are the page's fenced blocks; the word behind the opening fence is their kind. A line "input => output" is
+// one example, a line that begins with a space continues the one above, and two spaces and "//" begin a comment. Of the
+// kinds without an input the whole block is the output.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <numeric>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <set>
 
 #include "channel_protocol.h"
+#include "concurrent_task_client.h"
 #include "dh_device_json.h"
+#include "distributed_hardware_fwk_kit.h"
 #include "ipc_utils.h"
 #include "message_parcel.h"
 #include "ostra_context.h"
@@ -17,12 +26,69 @@
 #include "ostra_qos_adapter.h"
 #include "ostra_radar.h"
 #include "parameter.h"
-#include "support/log_recorder.h"
-#include "support/platform_recorder.h"
-#include "support/worked_examples.h"
+#include "support/event_recorder.h"
+#include "support/quiet.h"
+
+namespace {
+
+std::string g_seen;  // what reached the platform for others
+
+std::string TakeSeen()
+{
+    return std::exchange(g_seen, "");
+}
+
+}  // namespace
+
+void OHOS::ConcurrentTask::ConcurrentTaskClient::RequestAuth(
+    const std::unordered_map<std::string, std::string> &request)
+{
+    for (const auto &[key, value] : request) {
+        g_seen += key + "=" + value;
+    }
+}
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
+
+struct MessageRecorder : IPublisherListener {
+    void OnMessage(const DHTopic topic, const std::string &message) override
+    {
+        g_seen += std::to_string(static_cast<uint32_t>(topic)) + " " + message;
+    }
+};
+
+// Bytes as an example shows them: "0A FF".
+std::string ToHex(const std::vector<uint8_t> &bytes)
+{
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string text;
+    for (uint8_t byte : bytes) {
+        text.append(text.empty() ? "" : " ").append({digits[byte / 16], digits[byte % 16]});
+    }
+    return text;
+}
+
+std::vector<uint8_t> FromHex(const std::string &text)
+{
+    std::istringstream words(text);
+    std::vector<uint8_t> bytes;
+    for (std::string word; words >> word;) {
+        bytes.push_back(static_cast<uint8_t>(std::stoul(word, nullptr, 16)));
+    }
+    return bytes;
+}
+
+// The parts of a list: "a, b".
+std::vector<std::string> Split(const std::string &list, const char *separator = ", ")
+{
+    std::vector<std::string> parts;
+    for (size_t begin = 0, end = 0; end != std::string::npos && !list.empty(); begin = end + std::strlen(separator)) {
+        end = list.find(separator, begin);
+        parts.push_back(list.substr(begin, end - begin));
+    }
+    return parts;
+}
 
 std::string Frame(const std::string &input)
 {
@@ -49,28 +115,33 @@ std::string Crc(const std::string &input)
     return ToHex({static_cast<uint8_t>(crc >> 8), static_cast<uint8_t>(crc)});
 }
 
-// The documents are their own inputs. This one sets three members, the library the others.
-std::string Device(const std::string &input)
+std::string Device(const std::string & /* input */)
 {
-    std::map<std::string, std::string> members = Members(input);
     DHOSTRADeviceJson device;
-    device.deviceId_ = members["deviceId"];
-    device.deviceName_ = members["deviceName"];
-    device.port_ = std::stoi(members["port"]);
+    device.deviceId_ = "d1";
+    device.deviceName_ = "desk \"tablet\"";
+    device.port_ = 8080;
     std::string output;
     EXPECT_EQ(device.Marshal(output), 0);
     return output;
 }
 
-std::string Service(const std::string &input)
+std::string Packed(const OSTRADeviceService &service)
 {
-    DHOSTRADeviceServiceJson read;
-    EXPECT_EQ(read.Unmarshal(input), 0);
-    const OSTRADeviceService service = {read.deviceId_,    read.deviceName_,          read.serviceId_,
-                                        read.serviceType_, Members(read.properties_), Members(read.status_)};
     std::vector<uint8_t> output;
     EXPECT_EQ(service.PackServiceData(output), 0);
     return {output.begin(), output.end()};
+}
+
+std::string Service(const std::string & /* input */)
+{
+    return Packed(
+        {"d1", "desk tablet", "microphone", 4, {{"note", "a\tb"}, {"2102", R"({"codecs":[0]})"}}, {{"state", "idle"}}});
+}
+
+std::string UnsetService(const std::string & /* input */)
+{
+    return Packed({});
 }
 
 std::string Audio(const std::string &input)
@@ -101,15 +172,13 @@ std::string Message(const std::string &input)
         OstraContext::GetInstance().AddWaitNotify(Split(queued, " ")[0], Split(queued, " ")[1]);
     }
     OstraContext::GetInstance().PublishMessage();
-    const std::vector<std::string> messages = PlatformRecorder::GetInstance().Take();
-    return std::accumulate(messages.begin(), messages.end(), std::string());
+    return TakeSeen();
 }
 
 std::string Request(const std::string &input)
 {
-    LogRecorder log;  // where the host's client writes the map
     RequestAuth(input.c_str());
-    return log.Take().back().text.substr(sizeof("RequestAuth"));
+    return TakeSeen();
 }
 
 std::string Event(const std::string &input)
@@ -120,7 +189,7 @@ std::string Event(const std::string &input)
     radar.SetCurBusinessId(std::stoi(words[0]));
     EXPECT_TRUE(words[1] == "ServiceStartRes" ? radar.ServiceStartRes(words[2], std::stoi(words[4]), "", error)
                                               : radar.ConnectDeviceRes(words[2], error, words[4]));
-    return PlatformRecorder::GetInstance().Take().at(0);
+    return TakeSeen();
 }
 
 std::string Dump(const std::string &input)
@@ -137,15 +206,82 @@ std::string Dump(const std::string &input)
     return ToHex({std::istreambuf_iterator<char>(file), {}});
 }
 
+struct Kind {
+    std::string (*recompute)(const std::string &input);
+    bool hasInput = true;
+};
+
+// The lines of a block without comments, continued ones joined: hexadecimal bytes stay words.
+std::vector<std::string> ReadBlock(std::istream &page)
+{
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(page, line) && line != "```";) {
+        line = line.substr(0, line.find("  //"));
+        if (line.rfind(' ', 0) != 0 || lines.empty()) {
+            lines.push_back(line);
+        } else {
+            const bool isBytes = line.find_first_not_of("0123456789ABCDEF ") == std::string::npos;
+            lines.back() += isBytes ? line : line.substr(1);
+        }
+    }
+    return lines;
+}
+
+void Check(const Kind &kind, const std::vector<std::string> &lines)
+{
+    static const std::regex example("(.*?) ?=> ?(.*)");
+    std::string whole;
+    for (const std::string &line : lines) {
+        whole += (whole.empty() ? "" : "\n") + line;
+        if (kind.hasInput) {
+            std::smatch parts;
+            ASSERT_TRUE(std::regex_match(line, parts, example)) << "no example: " << line;
+            EXPECT_EQ(kind.recompute(parts[1]), parts[2]) << line;
+        }
+    }
+    EXPECT_TRUE(kind.hasInput || kind.recompute("") == whole) << whole;
+}
+
+bool Listen()
+{
+    const sptr<IPublisherListener> messages = new MessageRecorder();
+    for (uint32_t topic = 1; topic <= 16; ++topic) {
+        DistributedHardwareFwkKit().RegisterPublisherListener(static_cast<DHTopic>(topic), messages);
+    }
+    EventRecorder::Start([](const std::string &event) { g_seen += event; });
+    return true;
+}
+
 TEST(WireFormats, ExamplesAreWhatTheLibraryGives)
 {
-    const RecomputeByKind kinds = {
-        {"frame", Frame},     {"header", Header}, {"crc", Crc},       {"device", Device},
-        {"service", Service}, {"audio", Audio},   {"parcel", Parcel}, {"message", Message},
-        {"request", Request}, {"event", Event},   {"dump", Dump},
+    const std::map<std::string, Kind> kinds = {
+        {"frame", {Frame}},
+        {"header", {Header}},
+        {"crc", {Crc}},
+        {"device", {Device, false}},
+        {"service", {Service, false}},
+        {"unset-service", {UnsetService, false}},
+        {"audio", {Audio}},
+        {"parcel", {Parcel}},
+        {"message", {Message}},
+        {"request", {Request}},
+        {"event", {Event}},
+        {"dump", {Dump}},
     };
-    PlatformRecorder::GetInstance();
-    ExpectWorkedExamples(OSTRA_SOURCE_FOLDER "/docs/wire-formats.md", kinds);
+    static const bool isListening = Listen();
+    ASSERT_TRUE(isListening);
+    std::set<std::string> found;
+    std::ifstream page(OSTRA_SOURCE_FOLDER "/docs/wire-formats.md");
+    for (std::string line; std::getline(page, line);) {
+        if (line.rfind("```", 0) != 0) {
+            continue;
+        }
+        const auto kind = kinds.find(line.substr(3));
+        ASSERT_NE(kind, kinds.end()) << "no kind is called so: " << line;
+        found.insert(kind->first);
+        Check(kind->second, ReadBlock(page));
+    }
+    EXPECT_EQ(found.size(), kinds.size()) << "each kind has an example";
 }
 
 }  // namespace
