@@ -88,10 +88,10 @@ public:
     }
 
 private:
-    // Of the processor, unless the benchmark asks for the clock's: others may use the machine too.
+    // Of the processor, unless the benchmark asks for the clock's or brings its own: others may use the machine too.
     static double Seconds(const Run &run)
     {
-        return run.run_name.time_type == "real_time" ? run.real_accumulated_time : run.cpu_accumulated_time;
+        return run.run_name.time_type.empty() ? run.cpu_accumulated_time : run.real_accumulated_time;
     }
 
     bool hasFailed_ = false;

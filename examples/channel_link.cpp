@@ -39,11 +39,11 @@ bool DifferInOneBit(const std::array<uint8_t, PREFIX_BYTES> &left, const std::ve
 
 }  // namespace
 
-void LinkTotals::Add(uint64_t number, ByteView content)
+void LinkTotals::Add(uint64_t number, ByteView content, bool isDigested)
 {
     ++frames;
     bytes += content.size;
-    digest += XXH3_64bits_withSeed(content.data, content.size, number);
+    digest += isDigested ? XXH3_64bits_withSeed(content.data, content.size, number) : 0;
 }
 
 LinkTotals LinkTotals::operator-(const LinkTotals &other) const
@@ -86,7 +86,7 @@ std::array<uint8_t, PREFIX_BYTES> PrefixOf(const ChannelProtocol &frame)
     return prefix;
 }
 
-FrameSender::FrameSender(Road &road) : road_(road)
+FrameSender::FrameSender(Road &road, bool isDigested) : road_(road), isDigested_(isDigested)
 {
 }
 
@@ -107,10 +107,10 @@ bool FrameSender::Send(FrameKind kind, ByteView content)
         return false;
     }
     if (carried == Carried::SPOILT) {
-        spoilt_.Add(sent_.frames, content);
+        spoilt_.Add(sent_.frames, content, isDigested_);
     }
     if (kind != FrameKind::END) {
-        sent_.Add(sent_.frames, content);
+        sent_.Add(sent_.frames, content, isDigested_);
     }
     return true;
 }
@@ -125,7 +125,8 @@ const LinkTotals &FrameSender::Spoilt() const
     return spoilt_;
 }
 
-FrameReceiver::FrameReceiver(int socket) : socket_(socket), message_(MAX_MESSAGE_BYTES)
+FrameReceiver::FrameReceiver(int socket, bool isDigested)
+    : socket_(socket), isDigested_(isDigested), message_(MAX_MESSAGE_BYTES)
 {
 }
 
@@ -189,7 +190,7 @@ ReceiveResult FrameReceiver::Receive(ReceivedFrame &frame)
     frame.kind = static_cast<FrameKind>(kind);
     frame.content = {parsed.GetBuffer() + header.offset, static_cast<size_t>(parsed.GetBufferSize() - header.offset)};
     if (frame.kind != FrameKind::END) {
-        arrived_.Add(place.number, frame.content);
+        arrived_.Add(place.number, frame.content, isDigested_);
     }
     return ReceiveResult::FRAME;
 }

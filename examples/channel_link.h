@@ -45,14 +45,14 @@ struct ByteView {
     size_t size = 0;
 };
 
-// What went over a link: frames, their content in bytes, and the sum of a 64-bit digest of each frame's content and
-// number, which tells two streams apart whatever their order of arrival.
+// What went over a link: frames, their content in bytes, and, where the stream as a whole is checked too, the sum of a
+// 64-bit digest of each frame's content and number, which tells two streams apart.
 struct LinkTotals {
     uint64_t frames = 0;
     uint64_t bytes = 0;
     uint64_t digest = 0;
 
-    void Add(uint64_t number, ByteView content);
+    void Add(uint64_t number, ByteView content, bool isDigested);
     LinkTotals operator-(const LinkTotals &other) const;
     bool operator==(const LinkTotals &other) const;
 };
@@ -88,8 +88,8 @@ std::array<uint8_t, PREFIX_BYTES> PrefixOf(const OHOS::DistributedHardware::Ostr
 
 class FrameSender {
 public:
-    // Keeps a reference to the road.
-    explicit FrameSender(Road &road);
+    // Keeps a reference to the road. Both ends of a link take digests, or none does.
+    explicit FrameSender(Road &road, bool isDigested = true);
 
     // Returns false, with the reason in errno, when the frame cannot be built or sent.
     bool Send(FrameKind kind, ByteView content);
@@ -100,6 +100,7 @@ public:
 
 private:
     Road &road_;
+    bool isDigested_;
     LinkTotals sent_;
     LinkTotals spoilt_;
 };
@@ -120,7 +121,7 @@ enum class ReceiveResult {
 class FrameReceiver {
 public:
     // Receives from `socket`, which stays the caller's.
-    explicit FrameReceiver(int socket);
+    explicit FrameReceiver(int socket, bool isDigested = true);
 
     // Waits for the next message.
     ReceiveResult Receive(ReceivedFrame &frame);
@@ -134,6 +135,7 @@ private:
     bool HasEnded() const;
 
     int socket_;
+    bool isDigested_;
     std::vector<uint8_t> message_;
     std::optional<OHOS::DistributedHardware::OstraAdapter::ChannelProtocol> frame_;
     FrameOrder order_;
