@@ -19,7 +19,7 @@ judge() {
     local text
     [ "$2" = "$3" ] || fail "$1: exit status $2, not $3"
     while read -r text; do
-        cat "$folder/out" "$folder/err" | grep -qF -- "$text" || fail "$1: not printed: $text"
+        grep -qF -- "$text" "$folder/out" "$folder/err" || fail "$1: not printed: $text"
     done <<<"$4"
 }
 
