@@ -17,6 +17,16 @@ const char *EndOfString(const char *quote)
     return at;
 }
 
+// How often a character stands in a text, counted up to one more than nesting may have.
+int CountToLimit(const std::string &text, char character)
+{
+    int count = 0;
+    for (size_t at = text.find(character); at != std::string::npos && count <= DEEPEST_NESTING; ++count) {
+        at = text.find(character, at + 1);
+    }
+    return count;
+}
+
 }  // namespace
 
 JsonNesting NestingOf(const char *text)
@@ -51,7 +61,10 @@ JsonNesting NestingOf(const char *text)
 
 JsonTree ParseJson(const std::string &text)
 {
-    return JsonTree(NestingOf(text.c_str()) == JsonNesting::TOO_DEEP ? nullptr : cJSON_Parse(text.c_str()));
+    // Most texts open too few to be nested too deep; that is found much faster than how they nest.
+    const bool mayBeTooDeep = CountToLimit(text, '[') + CountToLimit(text, '{') > DEEPEST_NESTING;
+    const bool isTooDeep = mayBeTooDeep && NestingOf(text.c_str()) == JsonNesting::TOO_DEEP;
+    return JsonTree(isTooDeep ? nullptr : cJSON_Parse(text.c_str()));
 }
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

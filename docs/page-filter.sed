@@ -1,3 +1,3 @@
-# Links within a page and to what is no page (folders, LICENSE) become plain text.
+# Links within a page and to what is no page (folders, LICENSE) become plain text; pictures stay.
 s/\[\([^]]*\)\](#[^)]*)/\1/g
-s/\[\([^]]*\)\]([^):#]*[^):#d])/\1/g
+s/\(^\|[^!]\)\[\([^]]*\)\]([^):#]*[^):#d])/\1\2/g

@@ -43,24 +43,16 @@ inline JsonTree Parse(const std::string &text)
     return {IsTooDeep(text.c_str()) ? nullptr : cJSON_Parse(text.c_str()), cJSON_Delete};
 }
 
+inline std::string Printed(const cJSON *item)
+{
+    const std::unique_ptr<char, decltype(&cJSON_free)> text(cJSON_PrintUnformatted(item), cJSON_free);
+    return text.get();
+}
+
 // A text up to its first zero byte, as it stands in a document.
 inline std::string Quote(const std::string &text)
 {
-    const std::string special = "\"\\\b\f\n\r\t";
-    std::string quoted;
-    for (const char character : std::string(text.c_str())) {
-        const size_t found = special.find(character);
-        if (found != std::string::npos) {
-            quoted += std::string("\\") + "\"\\bfnrt"[found];
-        } else if (character >= 0 && character < ' ') {
-            char code[] = "\\u0000";
-            std::snprintf(code, sizeof(code), "\\u%04x", character);
-            quoted += code;
-        } else {
-            quoted += character;
-        }
-    }
-    return '"' + quoted + '"';
+    return Printed(JsonTree(cJSON_CreateString(text.c_str()), cJSON_Delete).get());
 }
 
 }  // namespace Fuzz

@@ -38,7 +38,7 @@ TEST(HostParameter, NamesAndValuesAreCheckedToTheirLimits)
         EXPECT_EQ(SetParameter(name.c_str(), std::string(97, 'v').c_str()), -9);
         EXPECT_EQ(Parameter(name), std::string(96, 'v')) << "unchanged";
     }
-    for (const std::string &name : {""s, std::string(97, 'n'), "A"s, "a-b"s, "a b"s}) {
+    for (const std::string &name : {""s, std::string(97, 'n'), "a-b"s, "a b"s}) {
         EXPECT_EQ(SetParameter(name.c_str(), "value"), -9) << name;
         EXPECT_EQ(Parameter(name), "error -1") << name;
     }
@@ -77,9 +77,9 @@ TEST(HostParameterDeathTest, TheEnvironmentFillsThem)
         std::exit(0);
     };
     std::ofstream(path)
-        << "# a comment=1\n\n  test.file=from file \r\ntest.both=from file\nBAD=1\ntest.semicolon=a;b\n";
+        << "# a comment=1\n\n  test.file=from file \r\ntest.both=from file\nBAD-NAME=1\ntest.semicolon=a;b\n";
     EXPECT_EXIT(readAll(path), testing::ExitedWithCode(0),
-                "^OSTRA_HOST_PARAMETER_FILE: skipping malformed entry \"BAD=1\"\n"
+                "^OSTRA_HOST_PARAMETER_FILE: skipping malformed entry \"BAD-NAME=1\"\n"
                 "OSTRA_HOST_PARAMETERS: skipping malformed entry \"nothing\"\n"
                 "from file[|]from list[|]a;b[|]a=b[|][|]$");
     EXPECT_EQ(unlink(path), 0);

@@ -122,6 +122,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     DHOSTRAAudioProperties &audio = service.audioProperties_;
     Hold("String at first", std::string(AT_FIRST), audio.String());
     Hold("audioCodecType_ at first", 0U, audio.audioCodecType_);
+    record.audioCodecType_ = audio.audioCodecType_ = 8;  // goes with the first derivation without a codec
     Hold("result of UnmarshalAudioCodecs", ROOT_MISSING, audio.UnmarshalAudioCodecs(nullptr));
     Hold("result of UnmarshalAudioProfiles", ROOT_MISSING, audio.UnmarshalAudioProfiles(nullptr));
     for (int i = 0; i < MOST_LINES && !input.empty(); ++i) {

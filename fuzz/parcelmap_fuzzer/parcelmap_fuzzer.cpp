@@ -3,7 +3,6 @@
 // A parcel from another process, read into a map that holds entries already; and a map that is written.
 
 #include <cstring>
-#include <limits>
 #include <map>
 #include <regex>
 
@@ -20,8 +19,6 @@ using OHOS::DistributedHardware::OstraAdapter::IpcUtils;
 constexpr size_t MOST_ENTRIES = 10000;
 constexpr size_t LONGEST_KEY = 100;
 constexpr size_t UNIT = 4;
-constexpr int32_t LOWEST = std::numeric_limits<int32_t>::min();
-constexpr int32_t HIGHEST = std::numeric_limits<int32_t>::max();
 
 using Map = std::map<int32_t, std::string>;
 
@@ -32,7 +29,7 @@ bool IsKey(const std::string &text)
         return false;
     }
     const long long key = std::strtoll(text.c_str(), nullptr, 10);
-    return key >= LOWEST && key <= HIGHEST;
+    return key >= INT32_MIN && key <= INT32_MAX;
 }
 
 // A number of 4 bytes, lowest first; 0 when they are not all there.
@@ -89,23 +86,12 @@ void CheckUnMarshalling(std::string bytes)
     std::memcpy(block, bytes.data(), bytes.size());
     MessageParcel parcel;
     Hold("result of ParseFrom", true, parcel.ParseFrom(reinterpret_cast<uintptr_t>(block), bytes.size()));
-    Map expected = {{LOWEST, "held before"}, {-1, "held before"}, {7, "held before"}, {HIGHEST, "held before"}};
+    Map expected = {{INT32_MIN, "held"}, {-1, "held"}, {7, "held"}, {INT32_MAX, "held"}};
     Map params = expected;
     const bool isWhole = Read(bytes, expected);
     Hold("result of UnMarshalling", isWhole, IpcUtils::UnMarshalling(parcel, params));
     Hold("map that was read", Written(expected), Written(params));
     Hold("bytes left", isWhole ? bytes.size() : parcel.GetReadableBytes(), parcel.GetReadableBytes());
-}
-
-void CheckMarshalling(const Map &params)
-{
-    MessageParcel parcel;
-    const bool isAllowed = params.size() <= MOST_ENTRIES;
-    Hold("result of Marshalling", isAllowed, IpcUtils::Marshalling(parcel, params));
-    const auto *bytes = reinterpret_cast<const char *>(parcel.GetData());  // NOLINT(performance-no-int-to-ptr)
-    const std::string expected = isAllowed ? Written(params) : "";
-    Hold("parcel that was written", expected, std::string(bytes, parcel.GetDataSize()));
-    CheckUnMarshalling(expected);
 }
 
 }  // namespace
@@ -123,6 +109,12 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const int32_t key = TakeNumber(input);
         params[key] = TakeText(input);
     }
-    CheckMarshalling(params);
+    const bool isAllowed = params.size() <= MOST_ENTRIES;
+    const std::string expected = isAllowed ? Written(params) : "";
+    MessageParcel parcel;
+    Hold("result of Marshalling", isAllowed, IpcUtils::Marshalling(parcel, params));
+    const auto *bytes = reinterpret_cast<const char *>(parcel.GetData());  // NOLINT(performance-no-int-to-ptr)
+    Hold("parcel that was written", expected, std::string(bytes, parcel.GetDataSize()));
+    CheckUnMarshalling(expected);
     return 0;
 }

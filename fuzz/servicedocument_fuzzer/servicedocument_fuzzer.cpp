@@ -33,22 +33,11 @@ int32_t Read(const std::string &document, DHOSTRADeviceServiceJson &record)
     }
     for (const auto &[name, text] : {std::pair("properties", &record.properties_), {"status", &record.status_}}) {
         const cJSON *item = cJSON_GetObjectItem(tree.get(), name);
-        const std::unique_ptr<char, decltype(&cJSON_free)> printed(cJSON_PrintUnformatted(item), cJSON_free);
-        *text = cJSON_IsObject(item) != 0 ? printed.get() : *text;
+        *text = cJSON_IsObject(item) != 0 ? Printed(item) : *text;
     }
     const cJSON *type = cJSON_GetObjectItem(tree.get(), "serviceType");
     record.serviceType_ = cJSON_IsNumber(type) != 0 ? type->valueint : record.serviceType_;
     return 0;
-}
-
-void Compare(const DHOSTRADeviceServiceJson &record, const DHOSTRADeviceServiceJson &service)
-{
-    Hold("deviceId_", record.deviceId_, service.deviceId_);
-    Hold("deviceName_", record.deviceName_, service.deviceName_);
-    Hold("serviceId_", record.serviceId_, service.serviceId_);
-    Hold("serviceType_", record.serviceType_, service.serviceType_);
-    Hold("properties_", record.properties_, service.properties_);
-    Hold("status_", record.status_, service.status_);
 }
 
 std::string Object(const std::map<std::string, std::string> &entries)
@@ -124,11 +113,16 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     CheckDeviceDocument(input);
     DHOSTRADeviceServiceJson record;
     DHOSTRADeviceServiceJson service;
-    Hold("serviceType_ of what is read, at first", 0, service.serviceType_);
+    Hold("serviceType_ at first, of what is read", 0, service.serviceType_);
     for (int i = 0; i < MOST_LINES && !input.empty(); ++i) {
         const std::string document = TakeLine(input);
         Hold("result of Unmarshal", Read(document, record), service.Unmarshal(document));
-        Compare(record, service);
+        Hold("deviceId_", record.deviceId_, service.deviceId_);
+        Hold("deviceName_", record.deviceName_, service.deviceName_);
+        Hold("serviceId_", record.serviceId_, service.serviceId_);
+        Hold("serviceType_", record.serviceType_, service.serviceType_);
+        Hold("properties_", record.properties_, service.properties_);
+        Hold("status_", record.status_, service.status_);
     }
     return 0;
 }

@@ -5,6 +5,7 @@
 #ifndef TESTS_LOG_RECORDER_H
 #define TESTS_LOG_RECORDER_H
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -31,6 +32,16 @@ inline std::ostream &operator<<(std::ostream &out, const LogLine &line)
 }
 
 using LogLines = std::vector<LogLine>;
+
+// Those of the lines that the process's level lets through, which on a device does not include debug lines.
+inline LogLines Loggable(LogLines lines)
+{
+    const auto isRefused = [](const LogLine &line) {
+        return !HiLogIsLoggable(line.domain, line.tag.c_str(), line.level);
+    };
+    lines.erase(std::remove_if(lines.begin(), lines.end(), isRefused), lines.end());
+    return lines;
+}
 
 // The line that the library's function `function` logs at `level`.
 inline LogLine LibraryLine(LogLevel level, const std::string &function, const std::string &message)

@@ -22,7 +22,7 @@ extern "C" {
 int GetParameter(const char *key, const char *def, char *value, uint32_t len);
 
 // Sets a parameter of this process. Returns 0; -9, with nothing set, for a null argument, a name that is empty, longer
-// than 96 bytes or not of lower-case letters, digits, '_' and '.', or a value longer than 96 bytes.
+// than 96 bytes or not of letters, digits, '_' and '.', or a value longer than 96 bytes.
 int SetParameter(const char *key, const char *value);
 
 #ifdef __cplusplus

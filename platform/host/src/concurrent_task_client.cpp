@@ -10,8 +10,8 @@ namespace OHOS::ConcurrentTask {
 
 namespace {
 
-constexpr unsigned int LOG_DOMAIN = 0xD001700;
-constexpr char LOG_TAG[] = "CONCURRENT_TASK";
+constexpr unsigned int SERVICE_DOMAIN = 0xD001700;
+constexpr char SERVICE_TAG[] = "CONCURRENT_TASK";
 
 }  // namespace
 
@@ -27,7 +27,7 @@ void ConcurrentTaskClient::RequestAuth(const std::unordered_map<std::string, std
     for (const auto &[key, value] : std::map<std::string, std::string>(mapPayload.begin(), mapPayload.end())) {
         line.append(" ").append(key).append("=").append(value);
     }
-    HiLogPrint(LOG_CORE, LOG_INFO, LOG_DOMAIN, LOG_TAG, "%{public}s", line.c_str());
+    HiLogPrint(LOG_CORE, LOG_INFO, SERVICE_DOMAIN, SERVICE_TAG, "%{public}s", line.c_str());
 }
 
 }  // namespace OHOS::ConcurrentTask

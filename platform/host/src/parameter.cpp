@@ -3,6 +3,7 @@
 #include "parameter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,7 +16,11 @@
 #include <string>
 #include <string_view>
 
+#include "parameter_changes.h"
+
 namespace {
+
+std::atomic<uint64_t> g_changes{0};
 
 constexpr int BAD_ARGUMENT = -9;
 constexpr int FAILED = -1;
@@ -28,8 +33,8 @@ constexpr char COMMENT_MARK = '#';
 
 bool IsNameCharacter(char character)
 {
-    return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9') || character == '_' ||
-           character == '.';
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+           (character >= '0' && character <= '9') || character == '_' || character == '.';
 }
 
 bool IsName(std::string_view name)
@@ -69,6 +74,7 @@ public:
         }
         const std::lock_guard<std::mutex> lock(mutex_);
         values_.insert_or_assign(std::string(name), value);
+        ++g_changes;
         return true;
     }
 
@@ -136,4 +142,9 @@ int SetParameter(const char *key, const char *value)
         return BAD_ARGUMENT;
     }
     return ParameterStore::GetInstance().Set(key, value) ? 0 : BAD_ARGUMENT;
+}
+
+uint64_t CountParameterChanges()
+{
+    return g_changes.load();
 }

@@ -1,0 +1,474 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "bounded_format.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <cwchar>
+#include <string_view>
+
+#include "conversion_size.h"
+
+namespace {
+
+constexpr int LONGEST_PRECISION = 512;  // of integers
+constexpr int UNSET = -1;
+constexpr std::string_view PUBLIC_MARK = "{public}";
+constexpr std::string_view PRIVATE_MARK = "{private}";
+constexpr std::string_view PRIVATE_TEXT = "<private>";
+
+// Keeps the list of a caller in a class, so that functions can take it by reference.
+class Arguments {
+public:
+    explicit Arguments(va_list list)
+    {
+        va_copy(list_, list);
+    }
+
+    ~Arguments()
+    {
+        va_end(list_);
+    }
+
+    Arguments(const Arguments &) = delete;
+    Arguments &operator=(const Arguments &) = delete;
+
+    template <typename Value>
+    Value Next()
+    {
+        return va_arg(list_, Value);
+    }
+
+private:
+    va_list list_;
+};
+
+// One conversion, as "%{public}-8.3ld" splits into its parts.
+struct Conversion {
+    bool isVisible = true;
+    bool isLeft = false;
+    bool hasPlus = false;
+    bool hasBlank = false;
+    bool isAlternate = false;
+    bool hasZeros = false;
+    int width = 0;
+    int precision = UNSET;
+    ConversionSize size = ConversionSize::PLAIN;
+    char type = '\0';
+};
+
+// The characters of an integer in front of padding: "-", "0x", digits.
+struct Number {
+    bool isNegative = false;
+    uint64_t magnitude = 0;
+};
+
+class Formatter {
+public:
+    Formatter(char *dest, size_t size, FormatDialect dialect, va_list arguments)
+        : dest_(dest), capacity_(size - 1), dialect_(dialect), arguments_(arguments)
+    {
+    }
+
+    FormatResult Run(const char *format)
+    {
+        while (*format != '\0' && !isCut_) {
+            const size_t plain = std::strcspn(format, "%");
+            Put({format, plain});
+            format += plain;
+            if (*format == '%' && !isCut_ && !Convert(++format)) {
+                return {FormatOutcome::INVALID, 0};
+            }
+        }
+        dest_[length_] = '\0';
+        return {isCut_ ? FormatOutcome::CUT : FormatOutcome::COMPLETE, length_};
+    }
+
+private:
+    size_t Room() const
+    {
+        return capacity_ - length_;
+    }
+
+    void Put(std::string_view text)
+    {
+        const size_t length = std::min(text.size(), Room());
+        std::memcpy(dest_ + length_, text.data(), length);
+        length_ += length;
+        isCut_ = isCut_ || length < text.size();
+    }
+
+    void Fill(char character, int count)
+    {
+        if (count <= 0) {
+            return;
+        }
+        const size_t length = std::min(static_cast<size_t>(count), Room());
+        std::memset(dest_ + length_, character, length);
+        length_ += length;
+        isCut_ = isCut_ || length < static_cast<size_t>(count);
+    }
+
+    // Reads digits or a star. Returns false for a number beyond an int.
+    bool ReadNumber(const char *&cursor, int &number)
+    {
+        if (*cursor == '*') {
+            ++cursor;
+            number = arguments_.Next<int>();
+            return number != INT_MIN;
+        }
+        int64_t value = 0;
+        for (; *cursor >= '0' && *cursor <= '9'; ++cursor) {
+            value = value * 10 + (*cursor - '0');
+            if (value > INT_MAX) {
+                return false;
+            }
+        }
+        number = static_cast<int>(value);
+        return true;
+    }
+
+    static void ReadFlags(const char *&cursor, Conversion &conversion)
+    {
+        for (;; ++cursor) {
+            switch (*cursor) {
+                case '-':
+                    conversion.isLeft = true;
+                    break;
+                case '+':
+                    conversion.hasPlus = true;
+                    break;
+                case ' ':
+                    conversion.hasBlank = true;
+                    break;
+                case '#':
+                    conversion.isAlternate = true;
+                    break;
+                case '0':
+                    conversion.hasZeros = true;
+                    break;
+                default:
+                    return;
+            }
+        }
+    }
+
+    bool ReadWidths(const char *&cursor, Conversion &conversion)
+    {
+        if (!ReadNumber(cursor, conversion.width)) {
+            return false;
+        }
+        if (conversion.width < 0) {
+            conversion.isLeft = true;
+            conversion.width = -conversion.width;
+        }
+        if (*cursor != '.') {
+            return true;
+        }
+        if (!ReadNumber(++cursor, conversion.precision)) {
+            return false;
+        }
+        conversion.precision = std::max(conversion.precision, UNSET);
+        return true;
+    }
+
+    // Prints the conversion behind the percent sign and moves the cursor behind it. Returns false when it is none.
+    bool Convert(const char *&cursor)
+    {
+        Conversion conversion;
+        if (dialect_ == FormatDialect::HILOG) {
+            const std::string_view rest(cursor);
+            conversion.isVisible = rest.substr(0, PUBLIC_MARK.size()) == PUBLIC_MARK;
+            if (conversion.isVisible) {
+                cursor += PUBLIC_MARK.size();
+            } else if (rest.substr(0, PRIVATE_MARK.size()) == PRIVATE_MARK) {
+                cursor += PRIVATE_MARK.size();
+            }
+        }
+        if (*cursor == '%') {
+            ++cursor;
+            Put("%");
+            return true;
+        }
+        ReadFlags(cursor, conversion);
+        if (!ReadWidths(cursor, conversion)) {
+            return false;
+        }
+        conversion.size = ReadConversionSize(cursor);
+        conversion.type = *cursor;
+        if (conversion.type == '\0') {
+            return false;
+        }
+        ++cursor;
+        return PutValue(conversion);
+    }
+
+    bool PutValue(const Conversion &conversion)
+    {
+        switch (conversion.type) {
+            case 'd':
+            case 'i':
+                return PutInteger(conversion, ReadSigned(conversion.size));
+            case 'o':
+            case 'u':
+            case 'x':
+            case 'X':
+                return PutInteger(conversion, {false, ReadUnsigned(conversion.size)});
+            case 'p':
+                return PutPointer(conversion);
+            case 'c':
+            case 'C':
+                return PutCharacter(conversion);
+            case 's':
+            case 'S':
+                return PutString(conversion);
+            case 'e':
+            case 'E':
+            case 'f':
+            case 'F':
+            case 'g':
+            case 'G':
+                if (conversion.size == ConversionSize::LONG_DOUBLE) {
+                    return PutFloat(conversion, "L", arguments_.Next<long double>());
+                }
+                return PutFloat(conversion, "", arguments_.Next<double>());
+            default:
+                return false;
+        }
+    }
+
+    Number ReadSigned(ConversionSize size)
+    {
+        const int64_t value = ReadSignedValue(size);
+        return {value < 0, value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value)};
+    }
+
+    int64_t ReadSignedValue(ConversionSize size)
+    {
+        switch (size) {
+            case ConversionSize::PLAIN:
+                return arguments_.Next<int>();
+            case ConversionSize::SHORT:
+                return static_cast<short>(arguments_.Next<int>());
+            case ConversionSize::CHAR:
+                return static_cast<signed char>(arguments_.Next<int>());
+            case ConversionSize::SIZE:
+                return dialect_ == FormatDialect::HILOG ? arguments_.Next<int>() : arguments_.Next<ptrdiff_t>();
+            case ConversionSize::DIFFERENCE:
+                return arguments_.Next<ptrdiff_t>();
+            case ConversionSize::LONG:
+                return arguments_.Next<long>();
+            default:
+                return arguments_.Next<long long>();
+        }
+    }
+
+    uint64_t ReadUnsigned(ConversionSize size)
+    {
+        switch (size) {
+            case ConversionSize::PLAIN:
+                return arguments_.Next<unsigned int>();
+            case ConversionSize::SHORT:
+                return static_cast<unsigned short>(arguments_.Next<int>());
+            case ConversionSize::CHAR:
+                return static_cast<unsigned char>(arguments_.Next<int>());
+            case ConversionSize::SIZE:
+                return dialect_ == FormatDialect::HILOG ? arguments_.Next<unsigned int>() : arguments_.Next<size_t>();
+            case ConversionSize::DIFFERENCE:
+                return static_cast<size_t>(arguments_.Next<ptrdiff_t>());
+            case ConversionSize::LONG:
+                return arguments_.Next<unsigned long>();
+            default:
+                return arguments_.Next<unsigned long long>();
+        }
+    }
+
+    bool PutInteger(const Conversion &conversion, Number number)
+    {
+        if (!conversion.isVisible) {
+            Put(PRIVATE_TEXT);
+            return true;
+        }
+        char buffer[sizeof("1777777777777777777777")];
+        char *const end = buffer + sizeof(buffer);
+        char *begin = end;
+        const bool isUpper = conversion.type == 'X' || conversion.type == 'p';
+        const char *const digits = isUpper ? "0123456789ABCDEF" : "0123456789abcdef";
+        const bool isHex = isUpper || conversion.type == 'x';
+        const unsigned int base = isHex ? 16 : conversion.type == 'o' ? 8 : 10;
+        for (uint64_t rest = number.magnitude; rest != 0; rest /= base) {
+            *--begin = digits[rest % base];
+        }
+        const int count = static_cast<int>(end - begin);
+        const int wanted = conversion.precision == UNSET ? 1 : std::min(conversion.precision, LONGEST_PRECISION);
+        int zeros = std::max(wanted - count, 0);
+        if (conversion.isAlternate && conversion.type == 'o' && zeros == 0) {
+            zeros = 1;
+        }
+
+        std::string_view prefix;
+        if (conversion.type == 'd' || conversion.type == 'i') {
+            prefix = number.isNegative ? "-" : conversion.hasPlus ? "+" : conversion.hasBlank ? " " : "";
+        } else if (conversion.isAlternate && isHex && number.magnitude != 0) {
+            prefix = isUpper ? "0X" : "0x";
+        }
+        const int padding = conversion.width - static_cast<int>(prefix.size()) - zeros - count;
+        if (conversion.hasZeros && !conversion.isLeft && conversion.precision == UNSET) {
+            Put(prefix);
+            Fill('0', padding);
+        } else {
+            Fill(' ', conversion.isLeft ? 0 : padding);
+            Put(prefix);
+        }
+        Fill('0', zeros);
+        Put({begin, static_cast<size_t>(count)});
+        Fill(' ', conversion.isLeft ? padding : 0);
+        return true;
+    }
+
+    bool PutPointer(Conversion conversion)
+    {
+        const auto address = reinterpret_cast<uintptr_t>(arguments_.Next<void *>());
+        if (dialect_ == FormatDialect::HILOG) {
+            conversion.precision = 2 * sizeof(void *);
+            return PutInteger(conversion, {false, address});
+        }
+        if (address == 0) {
+            return PutText(conversion, "(nil)");
+        }
+        conversion.type = 'x';
+        conversion.isAlternate = true;
+        return PutInteger(conversion, {false, address});
+    }
+
+    // Pads a text of `length` bytes that `put` puts.
+    template <typename Putter>
+    bool PutPadded(const Conversion &conversion, size_t length, const Putter &put)
+    {
+        if (!conversion.isVisible) {
+            Put(PRIVATE_TEXT);
+            return true;
+        }
+        const bool withZeros = conversion.hasZeros && dialect_ == FormatDialect::HILOG;
+        const size_t width = static_cast<size_t>(conversion.width);
+        const int padding = length < width ? static_cast<int>(width - length) : 0;
+        Fill(withZeros ? '0' : ' ', conversion.isLeft ? 0 : padding);
+        put();
+        Fill(' ', conversion.isLeft ? padding : 0);
+        return true;
+    }
+
+    bool PutText(const Conversion &conversion, std::string_view text)
+    {
+        return PutPadded(conversion, text.size(), [&] { Put(text); });
+    }
+
+    // A wide character is converted as the process's locale has it; what it cannot convert fails the text.
+    static size_t Narrow(wchar_t character, char (&bytes)[MB_LEN_MAX])
+    {
+        std::mbstate_t state{};
+        return std::wcrtomb(bytes, character, &state);
+    }
+
+    static bool IsWide(const Conversion &conversion)
+    {
+        return conversion.size == ConversionSize::LONG || conversion.size == ConversionSize::LONG_LONG ||
+               (conversion.type < 'a' && conversion.size != ConversionSize::SHORT);
+    }
+
+    bool PutCharacter(const Conversion &conversion)
+    {
+        const auto character = arguments_.Next<int>();
+        if (!IsWide(conversion)) {
+            const char byte = static_cast<char>(character);
+            return PutText(conversion, {&byte, 1});
+        }
+        char bytes[MB_LEN_MAX];
+        const size_t length = Narrow(static_cast<wchar_t>(character), bytes);
+        return length <= sizeof(bytes) && PutText(conversion, {bytes, length});
+    }
+
+    bool PutString(const Conversion &conversion)
+    {
+        const size_t limit = conversion.precision == UNSET ? SIZE_MAX : static_cast<size_t>(conversion.precision);
+        const void *const text = arguments_.Next<const void *>();
+        if (!conversion.isVisible) {  // whatever it points to
+            Put(PRIVATE_TEXT);
+            return true;
+        }
+        if (text == nullptr) {
+            return PutText(conversion, std::string_view("(null)").substr(0, limit));
+        }
+        if (IsWide(conversion)) {
+            return PutWideString(conversion, static_cast<const wchar_t *>(text), limit);
+        }
+        const auto narrow = static_cast<const char *>(text);
+        return PutText(conversion, {narrow, limit == SIZE_MAX ? std::strlen(narrow) : strnlen(narrow, limit)});
+    }
+
+    bool PutWideString(const Conversion &conversion, const wchar_t *text, size_t limit)
+    {
+        char bytes[MB_LEN_MAX];
+        size_t length = 0;
+        const wchar_t *end = text;
+        while (length < limit && *end != L'\0') {
+            const size_t size = Narrow(*end, bytes);
+            if (size > sizeof(bytes)) {
+                return false;
+            }
+            if (size > limit - length) {
+                break;
+            }
+            length += size;
+            ++end;
+        }
+        return PutPadded(conversion, length, [&] {
+            for (; text != end; ++text) {
+                Put({bytes, Narrow(*text, bytes)});
+            }
+        });
+    }
+
+    template <typename Value>
+    bool PutFloat(const Conversion &conversion, const char *size, Value value)
+    {
+        if (!conversion.isVisible) {
+            Put(PRIVATE_TEXT);
+            return true;
+        }
+        char format[sizeof("%-+ #0*.*Lf")];
+        std::snprintf(format, sizeof(format), "%%%s%s%s%s%s*.*%s%c", conversion.isLeft ? "-" : "",
+                      conversion.hasPlus ? "+" : "", conversion.hasBlank ? " " : "", conversion.isAlternate ? "#" : "",
+                      conversion.hasZeros ? "0" : "", size, conversion.type);
+        const int wanted = std::snprintf(nullptr, 0, format, conversion.width, conversion.precision, value);
+        if (wanted < 0) {
+            return false;
+        }
+        // The C library ends what it prints with a zero byte, which may stand where nothing may be written yet.
+        const size_t length = std::min(static_cast<size_t>(wanted), Room());
+        char &behind = dest_[length_ + length];
+        const char kept = behind;
+        std::snprintf(dest_ + length_, length + 1, format, conversion.width, conversion.precision, value);
+        behind = kept;
+        length_ += length;
+        isCut_ = length < static_cast<size_t>(wanted);
+        return true;
+    }
+
+    char *const dest_;
+    const size_t capacity_;
+    const FormatDialect dialect_;
+    Arguments arguments_;
+    size_t length_ = 0;
+    bool isCut_ = false;
+};
+
+}  // namespace
+
+FormatResult FormatBounded(char *dest, size_t size, FormatDialect dialect, const char *format, va_list arguments)
+{
+    return Formatter(dest, size, dialect, arguments).Run(format);
+}

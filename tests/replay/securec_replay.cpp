@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The bounds-checked functions as recorded, and what of them could not be recorded.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+
+#include "call.h"
+#include "recording.h"
+#include "securec.h"
+
+using namespace replay;
+
+namespace {
+
+// Bytes that hold 5a but for those given.
+std::string Arena(size_t size, const std::string &bytes = "")
+{
+    return bytes + std::string(size - bytes.size(), '\x5a');
+}
+
+char *Pointer(std::string &arena, const std::string &field)
+{
+    return field == "null" ? nullptr : arena.data() + Number<size_t>(field);
+}
+
+// arena, dest, destMax, src, count => result, the arena after
+template <typename Function>
+Operation OnArena(const Function &function)
+{
+    return [function](const Fields &in) -> Fields {
+        std::string arena = Arena(48, Bytes(in.at(0)));
+        const size_t count = in.at(4) == "-" ? 0 : Number<size_t>(in[4]);
+        const errno_t result = function(arena, Pointer(arena, in.at(1)), Number<size_t>(in.at(2)), in.at(3), count);
+        return {std::to_string(result), Hex(arena)};
+    };
+}
+
+template <typename Byte>
+Operation Copies(errno_t (*function)(Byte *, size_t, const Byte *, size_t))
+{
+    return OnArena([function](std::string &arena, char *dest, size_t destMax, const std::string &src, size_t count) {
+        return function(dest, destMax, Pointer(arena, src), count);
+    });
+}
+
+Operation CopiesWhole(errno_t (*function)(char *, size_t, const char *))
+{
+    return OnArena([function](std::string &arena, char *dest, size_t destMax, const std::string &src, size_t) {
+        return function(dest, destMax, Pointer(arena, src));
+    });
+}
+
+// dest, destMax, count or -, format, arguments => result, the bytes up to the end of the text, at least 16
+template <typename Function>
+Operation Prints(const Function &function)
+{
+    return [function](const Fields &in) -> Fields {
+        constexpr size_t least = 16;
+        std::string arena = Arena(1024);
+        char *const dest = Pointer(arena, in.at(0));
+        const auto destMax = Number<size_t>(in.at(1));
+        const size_t count = in.at(2) == "-" ? 0 : Number<size_t>(in[2]);
+        const RecordedCall call(in, 3, "lzt");
+        const int result =
+            call.Pass([&](auto... arguments) { return function(dest, destMax, count, call.Format(), arguments...); });
+        const size_t end = arena.find('\0');
+        return {std::to_string(result),
+                Hex(arena.substr(0, end == std::string::npos ? least : std::max(end + 1, least)))};
+    };
+}
+
+// text, format, targets => result, the first bytes of each target
+Fields Scan(const Fields &in)
+{
+    constexpr size_t bufferSize = 64;
+    std::vector<std::string> targets(in.size() - 2, Arena(bufferSize));
+    std::array<intptr_t, 6> words{};
+    size_t used = 0;
+    for (size_t i = 0; i < targets.size(); ++i) {
+        words.at(used++) = reinterpret_cast<intptr_t>(targets[i].data());
+        if (in[i + 2].size() > 2) {
+            words.at(used++) = Number<intptr_t>(in[i + 2].substr(2));
+        }
+    }
+    const RecordedCall call({in.at(1)}, 0, "lzt");
+    const std::string text = in[0] == "null" ? "" : Text(in[0]);
+    Fields results = {std::to_string(
+        sscanf_s(in[0] == "null" ? nullptr : text.c_str(), call.Format(), words[0], words[1], words[2], words[3]))};
+    for (size_t i = 0; i < targets.size(); ++i) {
+        results.push_back(Hex(targets[i].substr(0, in[i + 2] == "i" || in[i + 2] == "u" ? 4 : 8)));
+    }
+    return results;
+}
+
+}  // namespace
+
+TEST(SecurecReplay, GivesWhatWasRecorded)
+{
+    Interface securec;
+    securec.operations = {
+        {"memset_s", OnArena([](std::string &, char *dest, size_t destMax, const std::string &value, size_t count) {
+             return memset_s(dest, destMax, Number<int>(value), count);
+         })},
+        {"memcpy_s", Copies(memcpy_s)},
+        {"memmove_s", Copies(memmove_s)},
+        {"strcpy_s", CopiesWhole(strcpy_s)},
+        {"strncpy_s", Copies(strncpy_s)},
+        {"strcat_s", CopiesWhole(strcat_s)},
+        {"strncat_s", Copies(strncat_s)},
+        {"sprintf_s", Prints([](char *dest, size_t destMax, size_t, const char *format, auto... arguments) {
+             return sprintf_s(dest, destMax, format, arguments...);
+         })},
+        {"snprintf_s", Prints([](char *dest, size_t destMax, size_t count, const char *format, auto... arguments) {
+             return snprintf_s(dest, destMax, count, format, arguments...);
+         })},
+        {"snprintf_truncated_s", Prints([](char *dest, size_t destMax, size_t, const char *format, auto... arguments) {
+             return snprintf_truncated_s(dest, destMax, format, arguments...);
+         })},
+        {"sscanf_s", Scan},
+    };
+    Replay("securec.txt", securec);
+}
+
+TEST(SecurecReplay, HoldsWhereNothingCouldBeRecorded)
+{
+    int8_t tiny = 0;
+    int16_t small = 0;
+    int64_t large = 0;
+    float real = 0;
+    long double precise = 0;
+    int position = 0;
+    void *address = nullptr;
+    char text[4] = "";
+    EXPECT_EQ(sscanf_s("-3 7 0x1f -5 2.5 -1e2 0x10 a]-b", " %hhd%hi %llx %*d %f%Lf %p %2[]a-] %n", &tiny, &small,
+                       &large, &real, &precise, &address, text, sizeof(text), &position),
+              7);
+    EXPECT_EQ(tiny + small + large, -3 + 7 + 31);
+    EXPECT_EQ(real + static_cast<float>(precise), -97.5f);
+    EXPECT_EQ(address, reinterpret_cast<void *>(16));
+    EXPECT_STREQ(text, "a]");
+    EXPECT_EQ(position, 29);
+    EXPECT_EQ(sscanf_s("1 x", "%d %d", &position, &position), 1);
+    EXPECT_EQ(sscanf_s("  ", "%s", text, sizeof(text)), -1);
+    EXPECT_EQ(sscanf_s("a", "b"), 0);
+    EXPECT_EQ(sscanf_s("5", "%"), 0);
+
+    char buffer[64];
+    EXPECT_EQ(sprintf_s(buffer, sizeof(buffer), "%ls|%5lc|%.2ls|%Lg|%6.1f", L"wide", L'c', L"cut", 0.5L, 1.25), 24);
+    EXPECT_STREQ(buffer, "wide|    c|cu|0.5|   1.2");
+    EXPECT_EQ(sprintf_s(buffer, sizeof(buffer), "%ls", L"\u4f60"), -1);  // in the locale "C"
+
+    char words[] = "a,b";
+    char *rest = nullptr;
+    EXPECT_STREQ(strtok_s(words, ",", &rest), "a");
+    EXPECT_STREQ(strtok_s(nullptr, ",", &rest), "b");
+    EXPECT_EQ(strtok_s(nullptr, ",", &rest), nullptr);
+    EXPECT_EQ(strtok_s(words, ",", nullptr), nullptr);
+}
