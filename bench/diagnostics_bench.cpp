@@ -18,8 +18,8 @@ namespace OHOS::HiviewDFX {
 
 // Takes the place of the platform's function and calls it under another line for every hundred events: each call site
 // has a budget of a hundred, and refusals are not what is measured.
-int HiSysEvent::Send(const char *func, int64_t line, const std::string &domain, const std::string &eventName,
-                     EventType type, const HiSysEventParam *params, size_t paramCount)
+int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, const std::string &eventName,
+                     EventType type, const HiSysEventKeyValue *params, size_t paramCount)
 {
     static const auto platformSend = [] {
         Dl_info self{};
@@ -29,7 +29,9 @@ int HiSysEvent::Send(const char *func, int64_t line, const std::string &domain, 
     static int64_t count = 0;
     constexpr int64_t budget = 100;
     constexpr int64_t farFromOtherLines = 1000;
-    return platformSend(func, line + count++ / budget * farFromOtherLines, domain, eventName, type, params, paramCount);
+    HiSysEventCallSite passing = site;
+    passing.line += count++ / budget * farFromOtherLines;
+    return platformSend(passing, domain, eventName, type, params, paramCount);
 }
 
 }  // namespace OHOS::HiviewDFX

@@ -6,6 +6,7 @@
 #ifndef HOST_CONCURRENT_TASK_CLIENT_H
 #define HOST_CONCURRENT_TASK_CLIENT_H
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 
@@ -15,9 +16,11 @@ class ConcurrentTaskClient {
 public:
     static ConcurrentTaskClient &GetInstance();
 
-    // Writes one INFO line under the tag CONCURRENT_TASK with the pairs in the order of their keys:
-    // "RequestAuth pid=4711 uid=1000".
+    // Each writes one INFO line under the tag CONCURRENT_TASK with its numbers, then the pairs in the order of their
+    // keys: "RequestAuth pid=4711 uid=1000", "ReportData 1 2 uid=1000", "ReportSceneInfo 1 uid=1000".
     void RequestAuth(const std::unordered_map<std::string, std::string> &mapPayload);
+    void ReportData(uint32_t resType, int64_t value, const std::unordered_map<std::string, std::string> &mapPayload);
+    void ReportSceneInfo(uint32_t type, const std::unordered_map<std::string, std::string> &mapPayload);
 };
 
 }  // namespace OHOS::ConcurrentTask

@@ -3,8 +3,8 @@
 // System parameters on the host: kept for the process. At their first use they are filled from the file that
 // OSTRA_HOST_PARAMETER_FILE names, one name=value a line ('#' begins a comment line), then from OSTRA_HOST_PARAMETERS,
 // name=value entries separated by ';', which win. Blanks around an entry do not count; an entry that SetParameter would
-// refuse is reported on standard error and skipped. The functions may be called from any thread at once. A C compiler
-// accepts this header.
+// refuse is reported on standard error and skipped, and so is a file that cannot be read, a directory or a FIFO. The
+// functions may be called from any thread at once. A C compiler accepts this header.
 
 #ifndef HOST_PARAMETER_H
 #define HOST_PARAMETER_H

@@ -2,12 +2,16 @@
 
 #include "parameter.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -16,6 +20,7 @@
 #include <string>
 #include <string_view>
 
+#include "environment_file.h"
 #include "parameter_changes.h"
 
 namespace {
@@ -52,6 +57,26 @@ std::string_view Trim(std::string_view text)
     return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
 }
 
+// The bytes of the file that OSTRA_HOST_PARAMETER_FILE names; what cannot be read is reported and left out.
+std::string ReadFile(const char *path)
+{
+    const int descriptor = OpenEnvironmentFile(FILE_VARIABLE, path, O_RDONLY);
+    if (descriptor < 0) {
+        return "";
+    }
+    std::string text;
+    std::array<char, 4096> piece{};
+    ssize_t count = 0;
+    while ((count = read(descriptor, piece.data(), piece.size())) > 0) {
+        text.append(piece.data(), static_cast<size_t>(count));
+    }
+    if (count < 0) {
+        std::fprintf(stderr, "%s=%s cannot be read: %s\n", FILE_VARIABLE, path, std::strerror(errno));
+    }
+    close(descriptor);
+    return text;
+}
+
 class ParameterStore {
 public:
     static ParameterStore &GetInstance()
@@ -82,20 +107,16 @@ private:
     ParameterStore()
     {
         if (const char *path = std::getenv(FILE_VARIABLE)) {
-            std::ifstream file(path);
-            if (!file.is_open()) {
-                std::fprintf(stderr, "%s=%s cannot be opened\n", FILE_VARIABLE, path);
-            }
-            Fill(file, '\n', FILE_VARIABLE);
+            Fill(ReadFile(path), '\n', FILE_VARIABLE);
         }
         if (const char *list = std::getenv(LIST_VARIABLE)) {
-            std::istringstream entries(list);
-            Fill(entries, LIST_SEPARATOR, LIST_VARIABLE);
+            Fill(list, LIST_SEPARATOR, LIST_VARIABLE);
         }
     }
 
-    void Fill(std::istream &entries, char separator, const char *source)
+    void Fill(const std::string &text, char separator, const char *source)
     {
+        std::istringstream entries(text);
         std::string line;
         while (std::getline(entries, line, separator)) {
             const std::string_view entry = Trim(line);

@@ -2,62 +2,102 @@
 
 #include "qos.h"
 
-#include <sched.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <mutex>
+#include <array>
+#include <string_view>
+
+#include "parameter.h"
+#include "qos_scheduling.h"
 
 namespace OHOS::QOS {
-
 namespace {
 
-struct Scheduling {
-    int policy;
-    int nice;
-};
+constexpr int BAD_LEVEL = -1;
+constexpr char SWITCH[] = "persist.qosmanager.setQos.on";
 
-constexpr Scheduling SCHEDULING_OF_LEVEL[] = {
-    {SCHED_BATCH, 0},    // QOS_BACKGROUND
-    {SCHED_BATCH, 0},    // QOS_UTILITY
-    {SCHED_OTHER, 0},    // QOS_DEFAULT
-    {SCHED_OTHER, -5},   // QOS_USER_INITIATED
-    {SCHED_OTHER, -10},  // QOS_DEADLINE_REQUEST
-    {SCHED_OTHER, -15},  // QOS_USER_INTERACTIVE
-    {SCHED_BATCH, -5},   // QOS_KEY_BACKGROUND
-};
-
-// Read when the library is loaded, before any thread has been given a level.
-const int NICE_AT_START = getpriority(PRIO_PROCESS, 0);
-
-bool IsOwnThread(int tid)
+bool IsSwitchedOff()
 {
-    return syscall(SYS_tgkill, getpid(), tid, 0) == 0;
+    std::array<char, 128> value{};
+    GetParameter(SWITCH, "true", value.data(), value.size());
+    return std::string_view(value.data()) == "false";
+}
+
+bool IsLevel(int level)
+{
+    return level >= 0 && level < static_cast<int>(QosLevel::QOS_MAX);
+}
+
+int OwnThread()
+{
+    return static_cast<int>(syscall(SYS_gettid));
 }
 
 }  // namespace
 
 int SetQosForOtherThread(enum QosLevel level, int tid)
 {
-    if (level < QosLevel::QOS_BACKGROUND || level >= QosLevel::QOS_MAX || !IsOwnThread(tid)) {
-        return -1;
+    if (IsSwitchedOff()) {
+        return 0;
     }
-    const int row = static_cast<int>(level) - static_cast<int>(QosLevel::QOS_BACKGROUND);
-    const Scheduling &wanted = SCHEDULING_OF_LEVEL[row];
-    static std::mutex mutex;  // policy and nice value change together
-    const std::lock_guard<std::mutex> lock(mutex);
-    // The nice value first: where the kernel grants it, it grants the policy too, so a refusal changes nothing.
-    if (setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + wanted.nice) != 0) {
-        return -1;
-    }
-    const sched_param noRealTimePriority{};
-    return sched_setscheduler(tid, wanted.policy, &noRealTimePriority) == 0 ? 0 : -1;
+    const int number = static_cast<int>(level);
+    return IsLevel(number) ? ApplyQosLevel(number, tid) : BAD_LEVEL;
 }
 
 int ResetQosForOtherThread(int tid)
 {
-    return SetQosForOtherThread(QosLevel::QOS_DEFAULT, tid);
+    return IsSwitchedOff() ? 0 : LeaveQosLevel(tid);
+}
+
+int GetQosForOtherThread(enum QosLevel &level, int tid)
+{
+    int number = -1;
+    const int result = QueryQosLevel(tid, number);
+    if (result != 0) {
+        return result;
+    }
+    if (!IsLevel(number)) {
+        return BAD_LEVEL;
+    }
+    level = static_cast<QosLevel>(number);
+    return 0;
+}
+
+int SetThreadQos(enum QosLevel level)
+{
+    return SetQosForOtherThread(level, OwnThread());
+}
+
+int ResetThreadQos()
+{
+    return ResetQosForOtherThread(OwnThread());
+}
+
+int GetThreadQos(enum QosLevel &level)
+{
+    return GetQosForOtherThread(level, OwnThread());
+}
+
+QosController &QosController::GetInstance()
+{
+    static QosController controller;
+    return controller;
+}
+
+int QosController::SetThreadQosForOtherThread(enum QosLevel level, int tid)
+{
+    return SetQosForOtherThread(level, tid);
+}
+
+int QosController::ResetThreadQosForOtherThread(int tid)
+{
+    return ResetQosForOtherThread(tid);
+}
+
+int QosController::GetThreadQosForOtherThread(enum QosLevel &level, int tid)
+{
+    return GetQosForOtherThread(level, tid);
 }
 
 }  // namespace OHOS::QOS

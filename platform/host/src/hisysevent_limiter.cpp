@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "hisysevent_limiter.h"
+
+#include <algorithm>
+#include <ctime>
+#include <utility>
+
+namespace OHOS::HiviewDFX {
+namespace {
+
+constexpr size_t REMEMBERED_SITES = 30;
+constexpr size_t LONGEST_SITE_KEY = 256;
+
+std::string SiteKey(std::string_view eventName, const HiSysEventCallSite &site)
+{
+    std::string key(eventName);
+    key.append("_").append(HiSysEventScalar::Text(site.func)).append("_").append(std::to_string(site.line));
+    key.resize(std::min(key.size(), LONGEST_SITE_KEY));
+    return key;
+}
+
+int64_t WallClockSecond()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return now.tv_sec;
+}
+
+}  // namespace
+
+WriteLimiter &WriteLimiter::GetInstance()
+{
+    static auto &instance = *new WriteLimiter;  // never destroyed: threads may write until the very end
+    return instance;
+}
+
+bool WriteLimiter::Admit(std::string_view eventName, const HiSysEventCallSite &site)
+{
+    std::string key = SiteKey(eventName, site);
+    const int64_t now = WallClockSecond();
+
+    const std::lock_guard<std::mutex> lock(mutex_);
+    Budget &budget = Find(std::move(key));
+    if (budget.count == 0 || now < budget.periodBegin || now - budget.periodBegin > site.period) {
+        budget.periodBegin = now;
+        budget.count = 0;
+    }
+    if (budget.count >= site.threshold) {
+        return false;
+    }
+    ++budget.count;
+    return true;
+}
+
+WriteLimiter::Budget &WriteLimiter::Find(std::string key)
+{
+    const auto found =
+        std::find_if(budgets_.begin(), budgets_.end(), [&](const Budget &budget) { return budget.key == key; });
+    if (found != budgets_.end()) {
+        budgets_.splice(budgets_.begin(), budgets_, found);
+        return budgets_.front();
+    }
+    budgets_.push_front({std::move(key), 0, 0});
+    if (budgets_.size() > REMEMBERED_SITES) {
+        budgets_.pop_back();
+    }
+    return budgets_.front();
+}
+
+}  // namespace OHOS::HiviewDFX

@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Replays the recorded events. The test stands in for whoever takes events from the writer: SendEvent of the host
+// platform is replaced.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "hisysevent_manager.h"
+#include "recording.h"
+
+using namespace OHOS::HiviewDFX;
+using namespace replay;
+
+namespace {
+
+bool g_sendFails = false;
+int g_sentCount = 0;
+std::string g_sent;  // the last event, or nothing
+
+// Its rules make the writer send; it never hears of an event.
+struct DeafListener : HiSysEventListener {
+    void OnEvent(std::shared_ptr<HiSysEventRecord> /* sysEvent */) override
+    {
+    }
+    void OnServiceDied() override
+    {
+    }
+};
+
+// The texts of JSON as the recording shows them.
+std::string WithoutEscapes(const std::string &json)
+{
+    const std::string letters = "bfnrt";
+    std::string result;
+    for (size_t at = 0; at < json.size(); ++at) {
+        if (json[at] != '"') {
+            result += json[at];
+            continue;
+        }
+        std::string text;
+        while (json.at(++at) != '"') {
+            const size_t letter = json[at] == '\\' ? letters.find(json.at(++at)) : std::string::npos;
+            text += letter == std::string::npos ? json[at] : "\b\f\n\r\t"[letter];
+        }
+        result += Quote(text);
+    }
+    return result;
+}
+
+std::string Join(const Fields &parts, size_t count)
+{
+    std::string joined;
+    for (size_t i = 0; i < count; ++i) {
+        joined += (i == 0 ? "" : ",") + parts[i];
+    }
+    return joined;
+}
+
+// The first three of a list or object that has more parts than are shown.
+std::string Shorten(const std::string &whole, size_t shown)
+{
+    const Fields parts = Split(whole.substr(1, whole.size() - 2));
+    if (parts.size() <= shown) {
+        return whole;
+    }
+    return whole[0] + Join(parts, 3) + ",..." + whole.back() + "*" + std::to_string(parts.size());
+}
+
+// The event's own keys as the recording shows them.
+std::string OwnKeys(const std::string &json)
+{
+    if (json.empty()) {
+        return "-";
+    }
+    const size_t lastOfPlatform = json.find("\"uid_\":");
+    const size_t begin = std::min(json.find(',', lastOfPlatform), json.size() - 1);
+    std::string own = WithoutEscapes("{" + json.substr(json[begin] == ',' ? begin + 1 : begin));
+    const size_t list = own.find('[');
+    if (list == std::string::npos) {
+        return Shorten(own, 12);
+    }
+    const size_t end = own.find(']', list) + 1;
+    return own.replace(list, end - list, Shorten(own.substr(list, end - list), 8));
+}
+
+template <typename... Types>
+Fields Write(const std::string &domain, const std::string &event, int type, Types... keyValues)
+{
+    static int64_t line = 0;  // each its own, so that the limiter stays out of the way
+    g_sent.clear();
+    const int result =
+        HiSysEvent::Write("Write", ++line, domain, event, static_cast<HiSysEvent::EventType>(type), keyValues...);
+    return {std::to_string(result), OwnKeys(g_sent)};
+}
+
+template <typename T>
+T Read(const std::string &field)
+{
+    if constexpr (std::is_same_v<T, bool>) {
+        return field == "true" || field == "1";
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        return Text(field);
+    } else if constexpr (std::is_same_v<T, const char *>) {
+        static std::string text;
+        text = field == "null" ? "" : Text(field);
+        return field == "null" ? nullptr : text.c_str();
+    } else {
+        return Number<T>(field);
+    }
+}
+
+template <typename T>
+std::vector<T> ReadVector(const std::string &field)
+{
+    std::vector<T> values;
+    for (const std::string &element : Split(field)) {
+        values.push_back(Read<T>(element));
+    }
+    return values;
+}
+
+template <typename... Types>
+struct Scalars {
+    using Value = std::variant<const char *, Types..., std::vector<Types>...>;
+    using Reader = Value (*)(const std::string &field);
+
+    static std::map<std::string, Reader> Readers(const Fields &names)
+    {
+        std::map<std::string, Reader> readers = {{"cstr", [](const auto &field) -> Value {
+                                                      return Read<const char *>(field);
+                                                  }}};
+        size_t at = 0;
+        ((
+             readers[names[at]] = [](const auto &field) -> Value { return Read<Types>(field); },
+             readers["v" + names[at++]] = [](const auto &field) -> Value { return ReadVector<Types>(field); }),
+         ...);
+        return readers;
+    }
+};
+using All =
+    Scalars<bool, int8_t, uint8_t, int16_t, uint16_t, int32_t, uint32_t, int64_t, uint64_t, float, double, std::string>;
+using Second = std::variant<bool, int32_t, std::string>;  // the types that are recorded of a second key
+
+std::pair<std::string, All::Value> ReadKey(const std::string &field)
+{
+    static const auto readers =
+        All::Readers({"bool", "i8", "u8", "i16", "u16", "i32", "u32", "i64", "u64", "float", "double", "string"});
+    const Fields parts = Split(field, '=');
+    const size_t colon = parts.at(1).find(':');
+    return {Text(parts[0]), readers.at(parts[1].substr(0, colon))(parts[1].substr(colon + 1))};
+}
+
+Second Narrow(const All::Value &value)
+{
+    if (const auto *text = std::get_if<std::string>(&value)) {
+        return *text;
+    }
+    const auto *flag = std::get_if<bool>(&value);
+    return flag != nullptr ? Second(*flag) : Second(std::get<int32_t>(value));
+}
+
+Fields WriteKeys(const Fields &in)
+{
+    const std::string domain = Text(in.at(0));
+    const std::string event = Text(in.at(1));
+    const auto [key, value] = ReadKey(in.at(2));
+    if (in.size() == 3) {
+        return std::visit([&, &key = key](const auto &v) { return Write(domain, event, 1, key, v); }, value);
+    }
+    const auto [key2, value2] = ReadKey(in.at(3));
+    return std::visit([&, &key = key, &key2 = key2](
+                          const auto &v, const auto &v2) { return Write(domain, event, 1, key, v, key2, v2); },
+                      value, Narrow(value2));
+}
+
+// A null text ends the process: in a child.
+Fields WriteOrCrash(const Fields &in)
+{
+    if (in.back().find("cstr:null") == std::string::npos) {
+        return WriteKeys(in);
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        WriteKeys(in);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFSIGNALED(status) ? "crashes" : "goes on"};
+}
+
+template <size_t Index, typename Value>
+auto KeyOrValue(const char *prefix, Value value)
+{
+    if constexpr (Index % 2 == 0) {
+        return prefix + std::to_string(Index / 2);
+    } else {
+        return value(Index / 2);
+    }
+}
+
+template <typename Value, size_t... Indices>
+Fields WriteMany(const Fields &in, [[maybe_unused]] const char *prefix, [[maybe_unused]] Value value,
+                 std::index_sequence<Indices...> /* indices */)
+{
+    return Write(Text(in[0]), Text(in[1]), 1, KeyOrValue<Indices>(prefix, value)...);
+}
+
+// With as many keys as the field says, which must be one of Counts.
+template <size_t... Counts, typename Value>
+Fields WriteCounted(const Fields &in, const char *prefix, Value value)
+{
+    const auto count = Number<size_t>(in.at(2));
+    Fields result = {"no such count"};
+    ((count == Counts ? void(result = WriteMany(in, prefix, value, std::make_index_sequence<2 * Counts>())) : void()),
+     ...);
+    return result;
+}
+
+}  // namespace
+
+namespace OHOS::HiviewDFX {
+
+bool SendEvent(const std::shared_ptr<HiSysEventRecord> &event)
+{
+    g_sentCount += g_sendFails ? 0 : 1;
+    g_sent = g_sendFails ? "" : event->AsJson();
+    return !g_sendFails;
+}
+
+}  // namespace OHOS::HiviewDFX
+
+TEST(HostPlatformReplay, HiSysEvent)
+{
+    const auto listener = std::make_shared<DeafListener>();
+    std::vector<ListenerRule> all = {ListenerRule("", "")};
+    ASSERT_EQ(HiSysEventManager::AddListener(listener, all), 0);
+    Interface interface;
+    interface.begin = [] {
+        g_sendFails = false;
+        g_sentCount = 0;
+    };
+    interface.operations = {{"write", WriteOrCrash},
+                            {"keys",
+                             [](const Fields &in) {
+                                 return WriteCounted<0, 3, 128, 130>(in, "K",
+                                                                     [](size_t i) { return static_cast<int32_t>(i); });
+                             }},
+                            {"texts",
+                             [](const Fields &in) {
+                                 return WriteCounted<1, 2, 4, 8>(
+                                     in, "T", [&](size_t) { return std::string(Number<size_t>(in.at(3)), 'x'); });
+                             }},
+                            {"type",
+                             [](const Fields &in) {
+                                 return Write("DOMAIN", "EVENT", Number<int>(in.at(0)), "K", 1);
+                             }},
+                            {"send",
+                             [](const Fields &in) {
+                                 g_sendFails = in.at(0) == "fails";
+                                 return Fields{"-"};
+                             }},
+                            {"sent", [](const Fields &) {
+                                 return Fields{std::to_string(g_sentCount)};
+                             }}};
+    Replay("hisysevent.txt", interface);
+    EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
+}
