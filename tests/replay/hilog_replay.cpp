@@ -126,7 +126,7 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
     };
     const std::pair<const char *, const char *> sections[] = {{"", "I"}, {"-unset", ""}, {"-E", "E"}};
     for (const auto &[section, level] : sections) {
-        for (const auto &[name, operation] : {std::pair("deliver", Deliver), std::pair("loggable", IsLoggable)}) {
+        for (const auto &[name, operation] : {std::pair("deliver", &Deliver), std::pair("loggable", &IsLoggable)}) {
             log.operations[std::string(name) + section] = [given = level, run = operation](const Fields &in) {
                 SetParameter(DEVICE_WIDE, given);
                 return run(in);
