@@ -94,8 +94,11 @@ private:
     {
         const std::string start = R"((%(?:\{\w+\})?[-+ #0]*(?:\*|\d*)(?:\.(?:\*|\d*))?))";
         format = std::regex_replace(format, std::regex(start + "[" + longSizes + "]([diouxX])"), "$1ll$2");
-        const bool isLog = longSizes == "l";
-        format = std::regex_replace(format, std::regex(isLog ? start + "p" : "%p"), isLog ? "$1.16llX" : "0x%llx");
+        if (longSizes == "l") {  // HiLog, which prints all 16 digits of an address
+            format = std::regex_replace(format, std::regex(start + "p"), "$1.16llX");
+        } else if (std::any_of(arguments.begin(), arguments.end(), [](auto &each) { return each.bits > UINT32_MAX; })) {
+            format = std::regex_replace(format, std::regex("%p"), "0x%llx");
+        }
         const std::regex conversion(start + R"((hh?|ll|l|z|t|[jq]|I64)?[a-zA-Z%])");
         size_t at = 0;
         for (std::sregex_iterator match(format.begin(), format.end(), conversion), end; match != end; ++match) {

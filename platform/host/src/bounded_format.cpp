@@ -95,8 +95,7 @@ private:
 
     void Put(std::string_view text)
     {
-        const size_t length = std::min(text.size(), Room());
-        std::memcpy(dest_ + length_, text.data(), length);
+        const size_t length = text.copy(dest_ + length_, Room());
         length_ += length;
         isCut_ = isCut_ || length < text.size();
     }

@@ -120,12 +120,9 @@ int LowestLevel(unsigned int domain, const char *tag)
     return level;
 }
 
-// What the application asked for: a level and a preference in one value, so that both change at once.
-struct AppLevel {
-    int16_t level;
-    int16_t preference;
-};
-std::atomic<AppLevel> g_appLevel{AppLevel{LEVEL_UNSET, UNSET_LOGLEVEL}};
+// What the application asked for: preference and level in one number, so that both change at once.
+constexpr int PREFERENCE_UNIT = 16;
+std::atomic<int> g_appLevel{UNSET_LOGLEVEL * PREFERENCE_UNIT};
 
 }  // namespace
 
@@ -140,10 +137,11 @@ bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level)
         return false;
     }
     int lowest = std::max<int>(LowestLevel(domain, tag), LOG_DEBUG);
-    const AppLevel app = g_appLevel.load();
-    if (domain <= LAST_APP_DOMAIN && app.preference != UNSET_LOGLEVEL) {
-        lowest =
-            app.preference == PREFER_CLOSE_LOG ? std::max<int>(lowest, app.level) : std::min<int>(lowest, app.level);
+    const int app = g_appLevel.load();
+    const int preference = app / PREFERENCE_UNIT;
+    const int appLevel = app % PREFERENCE_UNIT;
+    if (domain <= LAST_APP_DOMAIN && preference != UNSET_LOGLEVEL) {
+        lowest = preference == PREFER_CLOSE_LOG ? std::max(lowest, appLevel) : std::min(lowest, appLevel);
     }
     return level >= lowest;
 }
@@ -151,7 +149,7 @@ bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level)
 void HiLogSetAppLogLevel(LogLevel level, PreferStrategy prefer)
 {
     if (level > LOG_LEVEL_MIN && level < LOG_LEVEL_MAX && prefer >= UNSET_LOGLEVEL && prefer <= PREFER_OPEN_LOG) {
-        g_appLevel.store({static_cast<int16_t>(level), static_cast<int16_t>(prefer)});
+        g_appLevel.store(static_cast<int>(prefer) * PREFERENCE_UNIT + static_cast<int>(level));
     }
 }
 
