@@ -165,16 +165,20 @@ TEST_F(HiLogReplay, TakesTheLevelOfTheTagBeforeTheDomainBeforeAll)
         EXPECT_EQ(lowest("Replay"), expected[i]) << parameters[i].first;
     }
     EXPECT_EQ(lowest("Other"), LOG_LEVEL_MAX);
+    EXPECT_TRUE(HiLogIsLoggable(DOMAIN_ID, "Other", LOG_FATAL));
     HiLogSetAppMinLogLevel(LOG_WARN);
     EXPECT_EQ(lowest("Replay"), LOG_WARN);
     EXPECT_EQ(lowest("Other"), LOG_LEVEL_MAX);
     HiLogSetAppLogLevel(LOG_DEBUG, PREFER_OPEN_LOG);
     HiLogSetAppLogLevel(LOG_LEVEL_MAX, PREFER_CLOSE_LOG);  // changes nothing
     EXPECT_EQ(lowest("Replay"), LOG_DEBUG);
-    EXPECT_FALSE(HiLogIsLoggable(0x10000, "T", LOG_DEBUG));
+    EXPECT_FALSE(HiLogIsLoggable(0x10000, "Other", LOG_DEBUG));
+    HiLogSetAppLogLevel(LOG_FATAL, static_cast<PreferStrategy>(PREFER_OPEN_LOG + 1));
+    EXPECT_EQ(lowest("Replay"), LOG_DEBUG);
     for (const auto &[name, value] : parameters) {
         SetParameter(name, "");
     }
+    EXPECT_FALSE(HiLogIsLoggable(DOMAIN_ID, "Replay", static_cast<LogLevel>(LOG_DEBUG - 1)));
 }
 
 TEST_F(HiLogReplay, KeepsTheLastFatalMessage)

@@ -145,12 +145,15 @@ TEST(SecurecReplay, HoldsWhereNothingCouldBeRecorded)
     EXPECT_EQ(sscanf_s("1 x", "%d %d", &position, &position), 1);
     EXPECT_EQ(sscanf_s("  ", "%s", text, sizeof(text)), -1);
     EXPECT_EQ(sscanf_s("a", "b"), 0);
-    EXPECT_EQ(sscanf_s("5", "%"), 0);
+    EXPECT_EQ(sscanf_s("5", "%") + sscanf_s("a", "%s", text, size_t{0}), 0);
 
     char buffer[64];
     EXPECT_EQ(sprintf_s(buffer, sizeof(buffer), "%ls|%5lc|%.2ls|%Lg|%6.1f", L"wide", L'c', L"cut", 0.5L, 1.25), 24);
     EXPECT_STREQ(buffer, "wide|    c|cu|0.5|   1.2");
     EXPECT_EQ(sprintf_s(buffer, sizeof(buffer), "%ls", L"\u4f60"), -1);  // in the locale "C"
+    std::memset(buffer, 'z', sizeof(buffer));
+    EXPECT_EQ(sprintf_s(buffer, sizeof(buffer), "%f%a", 1.5, 1.5), -1);
+    EXPECT_EQ(buffer[std::strlen("1.500000")], 'z');
 
     char words[] = "a,b";
     char *rest = nullptr;
@@ -158,4 +161,5 @@ TEST(SecurecReplay, HoldsWhereNothingCouldBeRecorded)
     EXPECT_STREQ(strtok_s(nullptr, ",", &rest), "b");
     EXPECT_EQ(strtok_s(nullptr, ",", &rest), nullptr);
     EXPECT_EQ(strtok_s(words, ",", nullptr), nullptr);
+    EXPECT_EQ(strtok_s(words, nullptr, &rest), nullptr);
 }
