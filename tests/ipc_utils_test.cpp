@@ -92,7 +92,7 @@ TEST_F(Ipc, TakesTenThousandEntriesAndNoMore)
 
 TEST_F(Ipc, KeepsWhatWasWrittenBeforeTheParcelIsFull)
 {
-    for (size_t room : {0, 4, 8, 16, 20}) {
+    for (size_t room : {0U, 4U, 8U, 16U, 20U}) {
         Note("room for " + std::to_string(room) + " bytes");
         MessageParcel parcel;
         const size_t filled = parcel.GetMaxCapacity() - room;
