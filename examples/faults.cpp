@@ -36,7 +36,7 @@ std::vector<double> DrawPieces(uint64_t count, uint64_t pieces, std::mt19937_64 
 
 std::vector<double> DrawMoments(uint64_t count, double seconds, std::mt19937_64 &random)
 {
-    constexpr double lastMoment = 0.98;  // leaves the time to come by
+    constexpr double lastMoment = 0.8;  // leaves the time to come by
     std::uniform_real_distribution<double> moment(0, seconds * lastMoment);
     std::vector<double> places(count);
     std::generate(places.begin(), places.end(), [&] { return moment(random); });
@@ -76,11 +76,13 @@ FaultPlan::FaultPlan(const FaultOptions &options, const StreamLength &length)
 
 std::optional<Damage> FaultPlan::NextPiece(bool isFree)
 {
+    const auto now = std::chrono::steady_clock::now();
+    start_ = pieces_ == 0 ? now : start_;
     const auto piece = static_cast<double>(pieces_++);
     if (!isFree || next_ == faults_.size()) {
         return std::nullopt;
     }
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
+    const std::chrono::duration<double> elapsed = now - start_;
     if ((isTimed_ ? elapsed.count() : piece) < faults_[next_].place) {
         return std::nullopt;
     }

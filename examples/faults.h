@@ -52,7 +52,7 @@ private:
 
     std::mt19937_64 random_;
     bool isTimed_;
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point start_;  // of the first piece
     uint64_t pieces_ = 0;
     std::vector<Fault> faults_;
     size_t next_ = 0;

@@ -21,7 +21,6 @@ constexpr size_t PIECES_PER_READ = 16;
 
 bool StreamInput::Open(const PairOptions &options)
 {
-    start_ = std::chrono::steady_clock::now();
     if (options.inputPath.empty()) {
         char name[64];
         std::snprintf(name, sizeof(name), "a tone of %g s", options.seconds.value_or(TONE_SECONDS));
@@ -74,7 +73,9 @@ void StreamInput::MakeTone()
 
 StreamInput::Result StreamInput::NextOfTone(ByteView &piece)
 {
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
+    const auto now = std::chrono::steady_clock::now();
+    start_ = pieces_ == 0 ? now : start_;
+    const std::chrono::duration<double> elapsed = now - start_;
     if (length_.seconds ? elapsed.count() >= *length_.seconds : pieces_ == *length_.pieces) {
         return Result::END;
     }

@@ -6,6 +6,7 @@
 #ifndef EXAMPLES_STREAM_INPUT_H
 #define EXAMPLES_STREAM_INPUT_H
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -56,7 +57,7 @@ private:
     size_t begin_ = 0;  // of the unread bytes in the buffer
     size_t end_ = 0;
     uint64_t pieces_ = 0;
-    std::chrono::steady_clock::time_point start_;
+    std::chrono::steady_clock::time_point start_;  // of the tone
 };
 
 #endif  // EXAMPLES_STREAM_INPUT_H
