@@ -23,5 +23,5 @@ unset(CMAKE_REQUIRED_FLAGS)
 # The checked functions of the C library need an optimiser, and stand in the way of the sanitizers' own.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
     target_compile_options(ostra_compile_options INTERFACE
-        $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+        $<$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
 endif()

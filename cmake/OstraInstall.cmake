@@ -1,5 +1,5 @@
 # What `cmake --install` puts where: the headers, the library and the host platform that it stands on, a CMake package
-# and a pkg-config file. All of it may be moved as a whole.
+# and a pkg-config file, the licence and the pages. All of it may be moved as a whole.
 include(CMakePackageConfigHelpers)
 
 set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/ostra_adapter_utils)
@@ -18,6 +18,24 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utilsConfigVersion.cmake
     DESTINATION ${package_dir})
 
-file(RELATIVE_PATH OSTRA_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+# Folders that the caller fixed stay where they are; all others are found from where the file itself is.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    set(OSTRA_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
+    set(OSTRA_PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})
+else()
+    file(RELATIVE_PATH OSTRA_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+    string(PREPEND OSTRA_PC_PREFIX "\${pcfiledir}/")
+    set(OSTRA_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+endif()
+if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+    set(OSTRA_PC_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR})
+else()
+    set(OSTRA_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
 configure_file(cmake/ostra_adapter_utils.pc.in ostra_adapter_utils.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utils.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(pages_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostra_adapter_utils)
+install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${pages_dir})
+install(DIRECTORY docs DESTINATION ${pages_dir} FILES_MATCHING PATTERN *.md PATTERN *.svg)
+install(FILES platform/host/README.md DESTINATION ${pages_dir}/platform/host)

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Installs a build to an empty prefix, moves it, and builds and runs two outside projects against it: the first program
-# of README.md through find_package, and the plain names in C through pkg-config. Takes from the environment what the build itself uses: CMAKE, CC, CXX,
-# CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two empty unless cross-compiling.
+# of README.md through find_package, and the plain names in C through pkg-config. Takes from the environment what the
+# build itself uses: CMAKE, CC, CXX, CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two empty unless
+# cross-compiling.
 # Usage: package_test.sh BUILD_FOLDER
 set -euo pipefail
 
@@ -18,7 +19,11 @@ for header in "$here"/../include/*.h; do
     [ -f "$prefix/include/ostra_adapter_utils/${header##*/}" ] || { echo "not installed: ${header##*/}"; exit 1; }
 done
 libraries=$(dirname "$(find "$prefix" -name libostra_adapter_utils.so)")
-[ -L "$libraries/libostra_adapter_utils.so.0" ] || { echo "the library has no soname"; exit 1; }
+pages=$prefix/share/doc/ostra_adapter_utils
+for page in LICENSE README.md CHANGELOG.md docs/wire-formats.md; do
+    [ -f "$pages/$page" ] || { echo "not installed: $page"; exit 1; }
+done
+[ -L "$libraries/libostra_adapter_utils.so.0.1" ] || { echo "the library has no soname"; exit 1; }
 
 mkdir "$folder/outside"
 cp "$here/package/CMakeLists.txt" "$folder/outside"
