@@ -3,33 +3,26 @@
 // What of the host platform's services is not recorded: listeners and records of events, their output, parameters, the
 // local node, the scheduling of threads. What is looked up once a process is tested in processes of its own.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <climits>
-#include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
-#include <regex>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "concurrent_task_client.h"
-#include "hilog/log.h"
 #include "hisysevent_manager.h"
 #include "parameter.h"
 #include "qos.h"
 #include "softbus_bus_center.h"
+#include "support/log_recorder.h"
 
 using namespace OHOS;
 using namespace OHOS::HiviewDFX;
@@ -88,112 +81,6 @@ std::string Parameter(const std::string &name, const char *fallback = "unset", u
     const int length = GetParameter(name.c_str(), fallback, value, size);
     return length < 0 ? "error " + std::to_string(length) : std::string(value, static_cast<size_t>(length));
 }
-
-// Exits with how many events a listener heard, or with what the platform refused.
-void WriteAndExit(const char *target)
-{
-    setenv("OSTRA_HOST_EVENT_OUTPUT", target, 1);
-    const Recording recording;
-    const int results = Write("EVENT", "T", "a") + Write("EVENT", "T", "b");
-    std::_Exit(results == 0 ? static_cast<int>(recording.listener->events.size()) : -results);
-}
-
-void ReadParametersAndExit(const char *file)
-{
-    setenv("OSTRA_HOST_PARAMETER_FILE", file, 1);
-    setenv("OSTRA_HOST_PARAMETERS", "test.both=from list; test.list=a=b;nothing;;test.empty=", 1);
-    for (const char *name : {"test.file", "test.both", "test.semicolon", "test.list", "test.empty"}) {
-        std::cerr << (Parameter(name) + "|");
-    }
-    std::_Exit(0);
-}
-
-// In the folder that the test runs in.
-constexpr char EVENTS[] = "host_services_test.events";
-constexpr char FIFO[] = "host_services_test.fifo";
-constexpr char READ_FIFO[] = "host_services_test.read_fifo";
-constexpr char PARAMETERS[] = "host_services_test.parameters";
-
-struct Outcome {
-    int status;
-    std::string text;  // on standard error
-};
-
-struct ChildRun {
-    void (*act)(const char *target);
-    const char *target;
-    int status;
-    const char *text;  // a regular expression
-    Outcome came;
-};
-
-std::string ReadAll(int descriptor)
-{
-    std::string text;
-    char piece[4096];
-    for (ssize_t count = 0; (count = read(descriptor, piece, sizeof(piece))) > 0;) {
-        text.append(piece, static_cast<size_t>(count));
-    }
-    close(descriptor);
-    return text;
-}
-
-Outcome InChild(void (*act)(const char *), const char *target)
-{
-    int ends[2] = {-1, -1};
-    EXPECT_EQ(pipe(ends), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        alarm(10);  // nothing here waits
-        dup2(ends[1], STDERR_FILENO);
-        close(ends[1]);
-        act(target);
-    }
-    close(ends[1]);
-    Outcome outcome{0, ReadAll(ends[0])};
-    waitpid(child, &outcome.status, 0);
-    outcome.status = WIFEXITED(outcome.status) ? WEXITSTATUS(outcome.status) : -1;
-    return outcome;
-}
-
-std::string g_eventLines;  // what stands in EVENTS afterwards
-
-std::vector<ChildRun> RunAll()
-{
-    std::vector<ChildRun> runs = {
-        {WriteAndExit, "stderr", 2, R"(\{"domain_".*,"T":"a"\}\n.*,"T":"b"\}\n)", {}},
-        {WriteAndExit, EVENTS, 2, "", {}},
-        {WriteAndExit, "/dev/full", 10, "", {}},
-        {WriteAndExit, ".", 10, "OSTRA_HOST_EVENT_OUTPUT=. cannot be opened: .*\n", {}},
-        {WriteAndExit, FIFO, 10, ".*fifo cannot be opened: .*\n", {}},
-        {WriteAndExit, READ_FIFO, 10, ".*fifo cannot be opened: Is a FIFO\n", {}},
-        {ReadParametersAndExit,
-         PARAMETERS,
-         0,
-         "OSTRA_HOST_PARAMETER_FILE: skipping malformed entry \"B-D=1\"\n"
-         "OSTRA_HOST_PARAMETERS: skipping malformed entry \"nothing\"\n"
-         "from file[|]from list[|]a;b[|]a=b[|][|]",
-         {}},
-        {ReadParametersAndExit, FIFO, 0, ".*Is a FIFO\n.*\nunset[|]from list[|].*", {}},
-        {ReadParametersAndExit, ".", 0, ".*=. cannot be opened: .*\n.*\nunset[|]from list[|].*", {}},
-        {ReadParametersAndExit, "/dev/null/file", 0, ".*cannot be opened: .*\n.*\nunset[|]from list[|].*", {}}};
-    unlink(EVENTS);
-    std::ofstream(PARAMETERS) << "# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semicolon=a;b\n";
-    EXPECT_EQ(mkfifo(FIFO, 0600) + mkfifo(READ_FIFO, 0600), 0);
-    const int reader = open(READ_FIFO, O_RDWR | O_CLOEXEC);
-    for (ChildRun &run : runs) {
-        run.came = InChild(run.act, run.target);
-    }
-    close(reader);
-    g_eventLines = ReadAll(open(EVENTS, O_RDONLY | O_CLOEXEC));
-    for (const char *path : {EVENTS, PARAMETERS, FIFO, READ_FIFO}) {
-        unlink(path);
-    }
-    return runs;
-}
-
-// Before the first test: each variable is read once a process.
-const std::vector<ChildRun> RUNS = RunAll();
 
 }  // namespace
 
@@ -272,13 +159,15 @@ TEST(HostEvents, ListenersComeAndGoAndThrow)
     EXPECT_EQ(listener->events.size(), 1u);
 }
 
-TEST(HostServices, EnvironmentVariablesGiveOutputAndParametersAndNothingIsWaitedFor)
+// Run by host_environment_test.sh under other values of the environment variables, which are read once a process.
+TEST(HostEnvironment, IsToldToWhoRunsIt)
 {
-    for (const ChildRun &run : RUNS) {
-        EXPECT_EQ(run.status, run.came.status) << run.target << ": " << run.came.text;
-        EXPECT_TRUE(std::regex_match(run.came.text, std::regex(run.text))) << run.target << ": " << run.came.text;
+    const Recording recording;
+    std::cout << "results " << Write("EVENT", "T", "a") << ' ' << Write("EVENT", "T", "b") << " heard "
+              << recording.listener->events.size() << '\n';
+    for (const char *name : {"test.file", "test.both", "test.semicolon", "test.list", "test.empty"}) {
+        std::cout << name << " is " << Parameter(name) << '\n';
     }
-    EXPECT_TRUE(std::regex_match(g_eventLines, std::regex(R"(.*,"T":"a"\}\n.*,"T":"b"\}\n)"))) << g_eventLines;
 }
 
 TEST(HostParameters, NamesValuesAndBuffersAreCheckedToTheirLimits)
@@ -319,29 +208,26 @@ TEST(HostSoftBus, GivesOneIdentityOrAnError)
 
 TEST(HostQos, SchedulesAThreadAndResetsItOrLeavesItAlone)
 {
-    const pid_t tid = getpid();  // of the thread that runs the tests
-    const auto scheduling = [&] {
-        return std::pair(sched_getscheduler(tid), getpriority(PRIO_PROCESS, static_cast<id_t>(tid)));
-    };
-    const std::pair<int, int> usual = scheduling();
+    const pid_t tid = gettid();
+    const std::pair<int, int> usual(sched_getscheduler(tid), getpriority(PRIO_PROCESS, 0));
     const std::pair<int, int> levels[] = {{SCHED_BATCH, 0},   {SCHED_BATCH, 0},   {SCHED_OTHER, 0}, {SCHED_OTHER, -5},
                                           {SCHED_OTHER, -10}, {SCHED_OTHER, -15}, {SCHED_BATCH, -5}};
     int number = 0;
-    QOS::QosController &controller = QOS::QosController::GetInstance();
     for (const auto &[policy, offset] : levels) {
         const std::pair<int, int> wanted(policy, usual.second + offset);
         const QOS::QosLevel level{number++};
+        QOS::QosLevel given = QOS::QosLevel::QOS_MAX;
         std::thread([&] {
             const bool isGranted = setpriority(PRIO_PROCESS, 0, wanted.second) == 0;
-            QOS::QosLevel given = QOS::QosLevel::QOS_MAX;
-            EXPECT_EQ(controller.SetThreadQosForOtherThread(level, tid), isGranted ? 0 : -1) << number;
-            EXPECT_EQ(scheduling(), isGranted ? wanted : usual) << number;
-            EXPECT_EQ(controller.GetThreadQosForOtherThread(given, tid), isGranted ? 0 : -1);
+            EXPECT_EQ(QOS::SetQosForOtherThread(level, tid), isGranted ? 0 : -1) << number;
+            const std::pair<int, int> now(sched_getscheduler(tid), getpriority(PRIO_PROCESS, static_cast<id_t>(tid)));
+            EXPECT_EQ(now, isGranted ? wanted : usual) << number;
+            EXPECT_EQ(QOS::GetQosForOtherThread(given, tid), isGranted ? 0 : -1);
             EXPECT_EQ(given, isGranted ? level : QOS::QosLevel::QOS_MAX);
-            EXPECT_EQ(controller.ResetThreadQosForOtherThread(tid), 0);
-            EXPECT_EQ(controller.GetThreadQosForOtherThread(given, tid), -1);
-            EXPECT_EQ(scheduling(), usual);
         }).join();
+        EXPECT_EQ(QOS::ResetThreadQos(), 0);
+        EXPECT_EQ(QOS::GetThreadQos(given), -1);
+        EXPECT_EQ(std::pair(sched_getscheduler(0), getpriority(PRIO_PROCESS, 0)), usual);
     }
     for (const pid_t foreign : {-1, 0, INT_MAX, getppid()}) {  // the last of another process
         EXPECT_EQ(QOS::SetQosForOtherThread(QOS::QosLevel::QOS_BACKGROUND, foreign), -1) << foreign;
@@ -351,17 +237,16 @@ TEST(HostQos, SchedulesAThreadAndResetsItOrLeavesItAlone)
 
 TEST(HostConcurrentTask, LogsEachRequestWithItsPairsInOrder)
 {
-    static std::string lines;
-    lines.clear();
-    LOG_SetCallback([](const LogType type, const LogLevel level, unsigned int, const char *tag, const char *text) {
-        lines += std::to_string(type) + std::to_string(level) + tag + ": " + text + "\n";
-    });
+    LogRecorder log;
     auto &client = ConcurrentTask::ConcurrentTaskClient::GetInstance();
     client.RequestAuth({{"uid", "%s"}, {"pid", "4"}, {"a", ""}});
     client.ReportData(7, -1, {});
     client.ReportSceneInfo(8, {{"a", "b"}});
-    LOG_SetCallback(nullptr);
+    std::string lines;
+    for (const LogLine &line : log.Take()) {
+        lines += std::to_string(line.level) + line.tag + ": " + line.text + "\n";
+    }
     EXPECT_EQ(lines,
-              "34CONCURRENT_TASK: RequestAuth a= pid=4 uid=%s\n34CONCURRENT_TASK: ReportData 7 -1\n"
-              "34CONCURRENT_TASK: ReportSceneInfo 8 a=b\n");
+              "4CONCURRENT_TASK: RequestAuth a= pid=4 uid=%s\n4CONCURRENT_TASK: ReportData 7 -1\n"
+              "4CONCURRENT_TASK: ReportSceneInfo 8 a=b\n");
 }

@@ -15,6 +15,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -161,17 +162,21 @@ private:
     {
         static_assert(AreKeyValues<Types...>(), "a text as key, then its value, and so on");
         std::array<HiSysEventKeyValue, sizeof...(Types) / 2> params{};
+        // A list in braces, not a fold: compilers limit how deep an expression nests.
         size_t at = 0;
-        (Pack(params.data(), at++, keyValues), ...);
+        const std::initializer_list<int> inOrder = {(Pack(params.data(), at++, keyValues), 0)...};
+        static_cast<void>(inOrder);
         return Send(site, domain, eventName, type, params.data(), params.size());
     }
 
     template <typename... Types>
     static constexpr bool AreKeyValues()
     {
+        constexpr bool isText[] = {std::is_convertible_v<Types, std::string>..., true};
         bool isRight = sizeof...(Types) % 2 == 0;
-        size_t at = 0;
-        ((isRight = isRight && (at++ % 2 != 0 || std::is_convertible_v<Types, std::string>)), ...);
+        for (size_t key = 0; key < sizeof...(Types); key += 2) {
+            isRight = isRight && isText[key];
+        }
         return isRight;
     }
 

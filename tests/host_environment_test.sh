@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# What the environment variables do for events and parameters: host_environment_test.sh COMMAND..., which runs
+# host_services_test. A FIFO must never be waited for.
+set -euo pipefail
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+export OSTRA_HOST_PARAMETERS='test.both=from list; test.list=a=b;nothing;;test.empty='
+
+# expect WHAT PATTERN: the text of the last run matches the extended regular expression, dots match line ends.
+expect() {
+    [[ $(cat "$folder/text") =~ $2 ]] || {
+        cat "$folder/text"
+        echo "FAILED: $1: no match of $2"
+        exit 1
+    }
+}
+
+# run VARIABLE VALUE
+run() {
+    env "$1=$2" timeout 20 "${command[@]}" --gtest_filter='HostEnvironment.*' >"$folder/text" 2>&1 ||
+        { cat "$folder/text"; echo "FAILED: $1=$2"; exit 1; }
+}
+
+command=("$@")
+mkfifo "$folder/fifo"
+printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semicolon=a;b\n' >"$folder/parameters"
+
+run OSTRA_HOST_EVENT_OUTPUT stderr
+expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 heard 2'
+run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
+run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
+[ "$(grep -c '^{"domain_":.*"T":"[ab]"}$' "$folder/events")" = 4 ] || { echo "FAILED: not 4 whole lines"; exit 1; }
+run OSTRA_HOST_EVENT_OUTPUT /dev/full
+expect 'a full disk' 'results -5 -5 heard 0'
+for refused in "$folder" "$folder/fifo"; do
+    run OSTRA_HOST_EVENT_OUTPUT "$refused"
+    expect "$refused" "OSTRA_HOST_EVENT_OUTPUT=$refused cannot be opened: .*results -5 -5 heard 0"
+    run OSTRA_HOST_PARAMETER_FILE "$refused"
+    expect "$refused" "OSTRA_HOST_PARAMETER_FILE=$refused cannot be opened: .*test.file is unset.*list is a=b"
+done
+exec 3<>"$folder/fifo" # somebody reads
+run OSTRA_HOST_EVENT_OUTPUT "$folder/fifo"
+expect 'a FIFO that is read' 'Is a FIFO.*results -5 -5 heard 0'
+run OSTRA_HOST_PARAMETER_FILE "$folder/none"
+expect 'a missing file' 'cannot be opened: .*test.file is unset'
+run OSTRA_HOST_PARAMETER_FILE "$folder/parameters"
+expect 'skipped entries' 'PARAMETER_FILE: skipping malformed entry "B-D=1".*PARAMETERS: skipping malformed entry "nothing"'
+expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is a;b\ntest.list is a=b\ntest.empty is \n'
