@@ -4,21 +4,24 @@
 # of README.md through find_package, and the plain names in C through pkg-config. Takes from the environment what the
 # build itself uses: CMAKE, CC, CXX, CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two empty unless
 # cross-compiling.
-# Usage: package_test.sh BUILD_FOLDER
+# Usage: package_test.sh BUILD_FOLDER, or the prefix where it is installed already
 set -euo pipefail
 
-build=$1
+installed=$1
 here=$(cd "$(dirname "$0")" && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-"$CMAKE" --install "$build" --prefix "$folder/first" >/dev/null
-prefix=$folder/moved
-mv "$folder/first" "$prefix"
+prefix=$installed
+if [ -f "$installed/CMakeCache.txt" ]; then
+    "$CMAKE" --install "$installed" --prefix "$folder/first" >/dev/null
+    prefix=$folder/moved
+    mv "$folder/first" "$prefix"
+fi
 for header in "$here"/../include/*.h; do
     [ -f "$prefix/include/ostra_adapter_utils/${header##*/}" ] || { echo "not installed: ${header##*/}"; exit 1; }
 done
-libraries=$(dirname "$(find "$prefix" -name libostra_adapter_utils.so)")
+libraries=$(dirname "$(find "$prefix/lib" -name libostra_adapter_utils.so)")
 pages=$prefix/share/doc/ostra_adapter_utils
 for page in LICENSE README.md CHANGELOG.md docs/wire-formats.md; do
     [ -f "$pages/$page" ] || { echo "not installed: $page"; exit 1; }
