@@ -30,8 +30,8 @@ struct FreeJsonText {
 using JsonText = std::unique_ptr<char, FreeJsonText>;
 
 // A JSON object under construction. It refers to the keys and texts that it is given instead of copying them, which
-// halves the allocations of a document: all must outlive it. When memory
-// runs out it becomes null, so that it is either whole or not there at all; adding to a null object does nothing.
+// halves the allocations of a document: all must outlive it. When memory runs out it becomes null, so that it is either
+// whole or not there at all; adding to a null object does nothing.
 class JsonObject {
 public:
     JsonObject() : tree_(cJSON_CreateObject())

@@ -73,8 +73,7 @@ private:
 };
 
 // Waits until both sides have ended, however they do: a side that is stopped, or stays behind the other one, is given
-// `timeout` seconds. SIGINT and SIGTERM are handed to the source, and end both sides when
-// they come again.
+// `timeout` seconds. SIGINT and SIGTERM are handed to the source, and end both sides when they come again.
 void WaitForBoth(SideProcess &source, SideProcess &sink, double timeout);
 
 #endif  // EXAMPLES_SIDE_PROCESS_H
