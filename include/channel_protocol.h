@@ -24,8 +24,8 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 // A header value that ReadEA found, and the position just behind it.
 struct UnPackagedEA {
-    uint32_t value = 0;
-    int32_t offset = 0;
+    uint32_t value = 0;  // 0 to 0x0FFFFFFF
+    int32_t offset = 0;  // in bytes from the start of the frame; the content begins here
 };
 
 // One frame in a buffer of its own; cannot be copied or assigned. Create and CreateFromBuffer are meant to be called
@@ -71,13 +71,15 @@ public:
     // gives 0xBB3D. A length below 1 or null data gives 0. Each call logs the masked result at info level.
     OSTRA_EXPORT uint32_t GetCrc(unsigned char *data, int length) const;
 
-    // The whole frame and its size in bytes; null and 0 before one is created. The object keeps the buffer.
-    // Where a further Create or CreateFromBuffer runs out of memory or cannot copy, the buffer is null and the size
-    // still that of the earlier frame; refused arguments change nothing.
+    // The whole frame; null before one is created. The object keeps the buffer. Where a further Create or
+    // CreateFromBuffer runs out of memory or cannot copy, the buffer is null and the size still that of the earlier
+    // frame; refused arguments change nothing.
     OSTRA_EXPORT unsigned char *GetBuffer() const;
+
+    // The size of the whole frame in bytes; 0 before one is created.
     OSTRA_EXPORT int32_t GetBufferSize() const;
 
-    int32_t bufferSize_ = 0;
+    int32_t bufferSize_ = 0;  // in bytes
     // After Create the first content byte, after CreateFromBuffer 0, after ReadEA the byte behind the header value.
     int32_t offset_ = 0;
     unsigned char *protocolBuffer_ = nullptr;

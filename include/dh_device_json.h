@@ -15,9 +15,9 @@
 // brackets and braces are open at once, those inside strings aside, is refused as one that is no JSON, so that any
 // thread with 64 KiB of stack can read what a peer sends.
 //
-// Memory that runs out inside a JSON document gives the codes below; where a text or a list of this library is to grow,
-// std::bad_alloc is raised instead. The member or output at hand is then as it was, those written before keep their new
-// values.
+// Memory that runs out inside a JSON document gives one of the codes; where a text or a list of this library is to
+// grow, std::bad_alloc is raised instead. The member or output at hand is then as it was, those written before keep
+// their new values.
 
 #ifndef DH_DEVICE_JSON_H
 #define DH_DEVICE_JSON_H
@@ -63,7 +63,7 @@ public:
     std::string btName_;
     std::string localIp_;
     std::string remoteIp_;
-    int32_t port_ = -1;
+    int32_t port_ = -1;        // of the channel; -1 for none
     uint32_t businessId_ = 0;  // a DHBusinessId
     bool supportMic_ = false;
     bool supportCamera_ = false;
@@ -71,11 +71,11 @@ public:
     std::string properties_;  // the version table as a JSON text; Marshal replaces it
 };
 
-// One PCM configuration as a peer sends it: rate in Hz, codes of the channel layout and of the sample format.
+// One PCM configuration as a peer sends it.
 struct AudioProfile {
-    int32_t sampleRate = 0;
-    int32_t channel = 0;
-    int32_t format = 0;
+    int32_t sampleRate = 0;  // in Hz
+    int32_t channel = 0;     // code of the layout, see AudioChannelConvert
+    int32_t format = 0;      // code of the sample format, see AudioFormatConvert
 };
 
 // The audio capabilities of a service, and the forms derived from them that the audio pipeline takes. What is read
@@ -99,10 +99,13 @@ public:
     // an empty text, one that is no JSON, or when codecs_ or profiles_ already hold more than 1000 entries.
     OSTRA_EXPORT int32_t UnmarshalAudioCapablities(const std::string &text);
 
-    // Append the numbers of the array "codecs", and one profile for each element of the array "profiles" (a field that
-    // is missing or no number counts as 0). A missing array is no error; an empty one is logged. Return
+    // Appends the numbers of the array "codecs". A missing array is no error; an empty one is logged. Returns
     // OSTRA_JSON_SUCCESS, or OSTRA_JSON_ROOT_MISSING for a null root.
     OSTRA_EXPORT int32_t UnmarshalAudioCodecs(const cJSON *root);
+
+    // Appends one profile for each element of the array "profiles"; a field that is missing or no number counts as 0. A
+    // missing array is no error; an empty one is logged. Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_ROOT_MISSING for a
+    // null root.
     OSTRA_EXPORT int32_t UnmarshalAudioProfiles(const cJSON *root);
 
     // Adds the bits of the known codecs (0, 1 and 2 give 0x1, 0x2 and 0x4) to audioCodecType_; logs an unknown one as
@@ -113,9 +116,10 @@ public:
     // there is no profile at all.
     OSTRA_EXPORT void UpdateAudioProfiles();
 
-    // Number of channels of a channel-layout code (1 and 16: 1, 3 and 12: 2), and bits per sample of a sample-format
-    // code (1: 16, 2: 8, 3: 32, 4: 24); 0 for every other code.
+    // Returns the number of channels of a channel-layout code: 1 for the codes 1 and 16, 2 for 3 and 12, else 0.
     OSTRA_EXPORT int32_t AudioChannelConvert(int32_t channel) const;
+
+    // Returns the bits per sample of a sample-format code: 16 for code 1, 8 for 2, 32 for 3, 24 for 4, else 0.
     OSTRA_EXPORT int32_t AudioFormatConvert(int32_t format) const;
 
     // One line for logs. Each profile ends with "] }", which also closes the brace that
@@ -123,17 +127,15 @@ public:
     OSTRA_EXPORT std::string String() const;
 
     std::string audioCapablities_;  // the capability text of "2102"
-    // Set by the host, printed only.
+    // The next four are set by the host and only printed.
     int32_t serviceStatus_ = 1;
-    uint32_t audioSampleRates_ = 48000;
+    uint32_t audioSampleRates_ = 48000;  // in Hz
     uint32_t audioFormat_ = 16;
     uint32_t audioChannelMask_ = 2;
-    // Read from capability texts.
-    std::vector<uint32_t> codecs_;
-    std::vector<AudioProfile> profiles_;
-    // Derived from the lists.
-    uint32_t audioCodecType_ = 0;
-    std::string audioProfiles_;
+    std::vector<uint32_t> codecs_;        // as read from capability texts
+    std::vector<AudioProfile> profiles_;  // as read from capability texts
+    uint32_t audioCodecType_ = 0;         // derived: the bits of the known codecs
+    std::string audioProfiles_;           // derived: "rate,channels,bits;" for each known profile
 };
 
 // One service of a peer, as its service document describes it. Creating and destroying it logs a line at info level.
@@ -157,8 +159,8 @@ public:
     std::string deviceName_;
     std::string serviceId_;
     int32_t serviceType_ = 0;
-    std::string properties_;
-    std::string status_;
+    std::string properties_;  // compact JSON
+    std::string status_;      // compact JSON
     DHOSTRAAudioProperties audioProperties_;
 };
 

@@ -26,9 +26,11 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// Business that a connection serves and kind of its channel. The services that use the library give the values their
-// names; the library stores and passes them on as they are.
+// The business that a connection serves. The services that use the library give the values their names; the library
+// stores and passes them on as they are.
 enum class DHBusinessId : uint32_t;
+
+// The kind of a connection's channel; its values, too, are named by the services.
 enum class DHChannelType : uint32_t;
 
 // A byte buffer of fixed capacity with a movable range on it. Owns its bytes; cannot be copied or assigned.
@@ -41,9 +43,11 @@ struct DHData {
     DHData(const DHData &) = delete;
     DHData &operator=(const DHData &) = delete;
 
-    // Length of the range, usable bytes in all, and start of the range, in bytes.
+    // Length of the range in bytes.
     OSTRA_EXPORT uint64_t Size() const;
+    // Usable bytes in all.
     OSTRA_EXPORT uint64_t Capacity() const;
+    // Start of the range, in bytes from the start of the buffer.
     OSTRA_EXPORT uint64_t Offset() const;
 
     // The first byte of the range; null when the capacity is 0.
@@ -120,8 +124,10 @@ OSTRA_EXPORT std::string GetAnonyInt32(int32_t value);
 // which is logged, with `networkId` unchanged.
 OSTRA_EXPORT int32_t GetLocalDeviceNetworkId(std::string &networkId);
 
-// Time since the Unix epoch by the wall clock, in milliseconds and in microseconds. Follows changes of the clock.
+// Milliseconds since the Unix epoch by the wall clock. Follows changes of the clock.
 OSTRA_EXPORT int64_t GetNowTimeStampMs();
+
+// Microseconds since the Unix epoch by the wall clock. Follows changes of the clock.
 OSTRA_EXPORT int64_t GetNowTimeStampUs();
 
 // Writes `value` to byteArray[0..3], most significant byte first. byteSize is the size of the array and must be 4: any

@@ -25,6 +25,7 @@ class MessageParcel;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
+// The two directions of a map through a parcel.
 class IpcUtils {
 public:
     // Writes the map, in ascending order of keys. Returns false, and logs an error, for more than 10000 entries (the

@@ -83,6 +83,7 @@ inline const DHTypeNames &DHTYPE_DISPLAY_NAME_MAP = *new DHTypeNames{
     {static_cast<DHType>(0x20), "Input"},
 };
 
+// The queue of notifications that wait to be published, and the framework's SDK object.
 class OstraContext {
 public:
     // The one context, made on the first call and never destroyed.

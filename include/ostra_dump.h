@@ -27,10 +27,12 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 // The system parameter that switches dumping on and gives the write mode.
 inline const std::string &DUMP_WRITE_ENABLE_KEY = *new std::string("sys.ostra.audio.dump.write.enable");
-// Where the dumps go.
+// The folder of the dumps.
 inline const std::string &DUMP_DIR = *new std::string("/data/local/tmp");
+// What stands before the name of a dump.
 inline const std::string &DUMP_PATH_PREFIX = *new std::string("/data/local/tmp/");
 
+// The switch of the dumps, their write mode, and the writing.
 class OstraDump {
 public:
     // The one dump, made on the first call, switched off, and never destroyed.
@@ -58,9 +60,9 @@ public:
     // path of more than 50 characters is refused without a log.
     OSTRA_EXPORT void DumpStreamData(const std::string &fileName, const unsigned char *data, int size);
 
-    // Opens a file for dumping in the mode that Init read. Returns null when the path is longer than 50 characters, of
-    // which the log says nothing, the mode is neither "w" nor "a", or the file cannot be opened. The caller closes the
-    // file.
+    // Opens a file for dumping in the mode that Init read. Returns null when the path is longer than 50 characters
+    // (which is not logged), when the mode is neither "w" nor "a", or when the file cannot be opened. The caller closes
+    // the file, for instance with CloseDumpFile.
     OSTRA_EXPORT FILE *OpenDumpFile(const std::string &path);
 
     // Closes the file and sets the pointer to null; does nothing for null.

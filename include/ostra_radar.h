@@ -26,13 +26,18 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// Domain and name of every event, and the package that reports it.
+// Domain of every event.
 inline const std::string &OSTRA_DOMAIN = *new std::string("OSTRAADAPTER");
+// Name of every event.
 inline const std::string &ADAPTER_BEHAVIOR_EVENT = *new std::string("OSTRA_ADAPTER_BEHAVIOR");
+// The package that reports, in every event.
 inline const std::string &ORG_PKG_NAME = *new std::string("ostra_adapter");
 // Package name of the platform's soft bus, for callers that name it as the called package.
 inline const std::string &SOFTBUS_PKG_NAME = *new std::string("dsoftbus");
 
+// Reports the steps of the adapter's work, one event each, and holds what all of them share: the business and the name
+// of the host process. Of the arguments of a step, funcName is the function that took it, errCode 0 for success or any
+// other number for failure, and toCallPkg the package that it called, for instance SOFTBUS_PKG_NAME.
 class OstraRadar {
 public:
     // The one reporter, made on the first call and never destroyed.
@@ -41,28 +46,37 @@ public:
     OstraRadar(const OstraRadar &) = delete;
     OstraRadar &operator=(const OstraRadar &) = delete;
 
-    // The business of the following events; -1 at first.
+    // Sets the business of the following events, their BIZ_SCENE; -1 at first. Any number is taken.
     OSTRA_EXPORT void SetCurBusinessId(int businessId);
 
-    // The host package of the following events; when empty, as at first, the business decides.
+    // Sets the host package of the following events, their HOST_PKG; when empty, as at first, the business decides.
     OSTRA_EXPORT void SetProcessName(std::string processName);
 
     // The host package: the process name that was set, else the one of the business (1: car_distributed_engine, 2 and
     // 3: collaboration_service, 10: CollaborationFwk), else an empty text.
     OSTRA_EXPORT std::string GetProcessName();
 
-    // Report one step each. funcName is the reporting function, errCode 0 for success. toCallPkg is the package that
-    // was called. bizScene goes into the event in place of the business id; `extra` is ignored.
+    // Stage 1: the service has started. bizScene goes into the event in place of the business id; `extra` is ignored.
     OSTRA_EXPORT bool ServiceStartRes(std::string funcName, int bizScene, std::string extra, int errCode);
+    // Stage 9: the service has stopped.
     OSTRA_EXPORT bool ServiceStopRes(std::string funcName, int errCode);
+    // Stage 10: a service of the sink was loaded.
     OSTRA_EXPORT bool LoadSinkServiceRes(std::string funcName, int errCode);
+    // Stage 11: a service of the sink was unloaded.
     OSTRA_EXPORT bool UnLoadSinkServiceRes(std::string funcName, int errCode);
+    // Stage 2: a device was connected. The plain name RadarWrite reports this step.
     OSTRA_EXPORT bool ConnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg);
+    // Stage 3: a device was updated. The plain name UpdateRes reports this step, too.
     OSTRA_EXPORT bool UpdateRes(std::string funcName, int errCode, std::string toCallPkg);
+    // Stage 4: a port was updated.
     OSTRA_EXPORT bool UpdatePortRes(std::string funcName, int errCode);
+    // Stage 5: a virtual device was enabled.
     OSTRA_EXPORT bool EnableVirtualRes(std::string funcName, int errCode);
+    // Stage 6: audio was opened.
     OSTRA_EXPORT bool AudioOpenRes(std::string funcName, int errCode);
+    // Stage 7: audio was closed.
     OSTRA_EXPORT bool AudioCloseRes(std::string funcName, int errCode);
+    // Stage 8: a device was disconnected.
     OSTRA_EXPORT bool DisconnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg);
 
 private:
