@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Installs a build to an empty prefix, moves it, and builds and runs two outside projects against it: the first program
-# of README.md through find_package, and the plain names in C through pkg-config. Takes from the environment what the
-# build itself uses: CMAKE, CC, CXX, CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two empty unless
-# cross-compiling.
+# and CMakeLists.txt of README.md through find_package, and the plain names in C through pkg-config. Takes from the
+# environment what the build itself uses: CMAKE, CC, CXX, CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two
+# empty unless cross-compiling.
 # Usage: package_test.sh BUILD_FOLDER, or the prefix where it is installed already
 set -euo pipefail
 
@@ -29,14 +29,17 @@ done
 [ -L "$libraries/libostra_adapter_utils.so.0.1" ] || { echo "the library has no soname"; exit 1; }
 
 mkdir "$folder/outside"
-cp "$here/package/CMakeLists.txt" "$folder/outside"
-sed -n '/^## A first program/,/^## /s/^    //p' "$here/../README.md" >"$folder/outside/first_program.cpp"
+sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$here/../README.md" >"$folder/outside/CMakeLists.txt"
+sed -n '/^## A first program/,/^## /s/^    //p' "$here/../README.md" >"$folder/outside/first_frame.cpp"
+diff -B <(sed -n '/^#include/,$p' "$here/../examples/first_frame.cpp") "$folder/outside/first_frame.cpp" ||
+    { echo "README.md does not show examples/first_frame.cpp"; exit 1; }
 "$CMAKE" -G Ninja -S "$folder/outside" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
-    -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$folder/log" ||
+    -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" -DCMAKE_CXX_COMPILER="$CXX" \
+    -DCMAKE_CXX_FLAGS="$CXXFLAGS -Wall -Wextra -Werror" >"$folder/log" ||
     { cat "$folder/log"; exit 1; }
 "$CMAKE" --build "$folder/cmake" >"$folder/log" || { cat "$folder/log"; exit 1; }
 printed=$($EMULATOR "$folder/cmake/first_program")
-promised=$(sed -n 's/.*printf.*    \/\/ //p' "$folder/outside/first_program.cpp")
+promised=$(sed -n 's/^ *\/\/ Prints: //p' "$folder/outside/first_frame.cpp")
 [ "$printed" = "${promised:?}" ] || { echo "README.md promises $promised, not $printed"; exit 1; }
 
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
