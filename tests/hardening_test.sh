@@ -26,7 +26,9 @@ for library in "$@"; do
         AArch64) mark='paciasp|bti' ;;
         *) continue ;;
     esac
-    entries=$(grep -Ec 'FUNC +(GLOBAL|WEAK) +DEFAULT +[0-9]' <<<"$symbols")
+    # By address: without an optimiser the symbols of one constructor share it.
+    entries=$(sed -nE 's/^ *[0-9]+: ([0-9a-f]+) .* FUNC +(GLOBAL|WEAK) +DEFAULT +[0-9].*/\1/p' <<<"$symbols" |
+        sort -u | wc -l)
     marks=$("$objdump" -d "$library" | grep -Ewc "$mark" || true)
     [ "$marks" -ge "$entries" ] || { echo "$library: $entries functions, but $marks marks of $mark"; failed=1; }
 done
