@@ -45,7 +45,7 @@ std::optional<std::string> FirstLine(const char *path)
 std::optional<std::string> Identity()
 {
     for (const char *path : {"/etc/machine-id", "/var/lib/dbus/machine-id"}) {
-        const std::optional<std::string> id = FirstLine(path);
+        std::optional<std::string> id = FirstLine(path);
         if (!id.has_value() || !id->empty()) {
             return id;
         }
