@@ -22,6 +22,7 @@ unset(CMAKE_REQUIRED_FLAGS)
 
 # The checked functions of the C library need an optimiser, and stand in the way of the sanitizers' own.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    set(is_optimised $<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>)
     target_compile_options(ostra_compile_options INTERFACE
-        $<$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+        $<${is_optimised}:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
 endif()

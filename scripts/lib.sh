@@ -19,7 +19,8 @@ at_most() {
 
 # presets build|test: the names of those that can be built, or tested
 presets() {
-    sed -n "/\"$1Presets\"/,/^  \\]/s/^    {\"name\": \"\\([a-z0-9-]*\\)\", \"\\(inherits\\|configurePreset\\)\".*/\\1/p" CMakePresets.json
+    local preset='^    {"name": "\([a-z0-9-]*\)", "\(inherits\|configurePreset\)".*'
+    sed -n "/\"$1Presets\"/,/^  ]/s/$preset/\1/p" CMakePresets.json
 }
 
 # need_preset build|test NAME

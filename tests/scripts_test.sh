@@ -11,7 +11,8 @@ for script in scripts/* .ci/run; do
         scripts/lib.sh) continue ;; # not to be run
         scripts/demo) continue ;;   # must build the example first, which has options of its own
     esac
-    help=$(timeout 10 "$script" --help </dev/null) && [ -n "$help" ] || { echo "$script: no answer to --help"; failed=1; }
+    help=$(timeout 10 "$script" --help </dev/null) && [ -n "$help" ] ||
+        { echo "$script: no answer to --help"; failed=1; }
     [ "$script" != scripts/bench ] || continue # hands further options on to the benchmarks
     status=0
     timeout 10 "$script" --no-such-option </dev/null >/dev/null 2>&1 || status=$?
