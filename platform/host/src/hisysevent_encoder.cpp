@@ -70,7 +70,7 @@ char EscapeOf(char character)
 bool IsControl(char character)
 {
     constexpr char deleteCharacter = 0x7F;
-    return (character >= 0 && character < ' ') || character == deleteCharacter;
+    return static_cast<unsigned char>(character) < ' ' || character == deleteCharacter;
 }
 
 // Nine digits of a float, of a double as few as give it back; no exponent up to 15 digits, whatever the locale.
