@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "input.h"
+#include "ostra_version.h"
 #include "subjects.h"
 
 namespace {
