@@ -1,7 +1,7 @@
 # What Doxygen reads of a page. Doxygen knows neither the names by which headings are linked on GitHub nor links to what
 # is no page, and it turns tabs into spaces. Hence each heading gets a label made of page and heading, which links to it
-# take, and which Doxygen misses where there is no such heading; links to folders and the like become plain text; and
-# tabs in examples become a stand-in that scripts/docs turns back.
+# take, and which Doxygen misses where there is no such heading. Links to folders and the like become plain text, but
+# Doxygen misses those to what is not there. Tabs in examples become a stand-in, which scripts/docs turns back.
 
 BEGIN {
     top = ENVIRON["PWD"] "/"
@@ -48,9 +48,11 @@ function relinked(text, result, words, target, parts) {
             result = result words "(#" label(resolved(parts[1]), parts[2]) ")"
         } else if (target ~ /\.md$/) {
             result = result words "(" target ")"
-        } else {
+        } else if (system("test -e \"" resolved(target) "\"") == 0) {
             gsub(/^\[|\]$/, "", words)
             result = result words
+        } else {
+            result = result words "(#no-such-file-" target ")"
         }
     }
     return result text
