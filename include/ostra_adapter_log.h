@@ -79,9 +79,10 @@ inline void LogComposed(DHLogLevel level, const char *text, const char * /* mess
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 
+// The first of its arguments.
 #define OSTRA_LOG_FIRST(first, ...) first
 
-// The arguments behind the level are the message and what its conversions take.
+// What the four macros below are made of. The arguments behind the level are the message and what its conversions take.
 #define OSTRA_LOG(level, ...)                                                                                     \
     do {                                                                                                          \
         static constexpr auto ostraLogText_ =                                                                     \
@@ -92,6 +93,8 @@ inline void LogComposed(DHLogLevel level, const char *text, const char * /* mess
         ::OHOS::DistributedHardware::OstraAdapter::LogComposed(level, ostraLogText_.chars, __VA_ARGS__);          \
     } while (false)
 
+// Logs a message, a string literal, with what its conversions take: at debug, info, warning or error level by the last
+// letter of the name.
 #define OSTRA_LOGD(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_DEBUG, __VA_ARGS__)
 #define OSTRA_LOGI(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_INFO, __VA_ARGS__)
 #define OSTRA_LOGW(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_WARN, __VA_ARGS__)

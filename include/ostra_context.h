@@ -70,6 +70,7 @@ inline const std::string &PIXEL_FORMAT_RGBA8888 = *new std::string("rgba8888");
 
 // Names of device types. Not every release of the framework names all of them, so they are written by value.
 using DHTypeNames = std::unordered_map<DHType, std::string>;
+// The names in capitals.
 inline const DHTypeNames &DHTYPE_NAME_MAP = *new DHTypeNames{
     {static_cast<DHType>(0x1), "CAMERA"},  {static_cast<DHType>(0x2), "AUDIO"},
     {static_cast<DHType>(0x8), "SCREEN"},  {static_cast<DHType>(0x10), "GPS"},
@@ -77,6 +78,7 @@ inline const DHTypeNames &DHTYPE_NAME_MAP = *new DHTypeNames{
     {static_cast<DHType>(0x80), "A2D"},    {static_cast<DHType>(0x100), "VIRMODEM_AUDIO"},
     {static_cast<DHType>(0x200), "MODEM"},
 };
+// The names as people read them, for the types that are shown.
 inline const DHTypeNames &DHTYPE_DISPLAY_NAME_MAP = *new DHTypeNames{
     {static_cast<DHType>(0x1), "Camera"},
     {static_cast<DHType>(0x8), "Screen"},

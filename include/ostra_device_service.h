@@ -23,6 +23,7 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
+// The service as the local device offers it; every member goes into the document.
 struct OSTRADeviceService {
     // Replaces `out` with the compact service document in UTF-8, without a terminating zero. Nothing is validated;
     // texts are taken up to their first zero byte. Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_CREATE_FAILED when the
@@ -36,7 +37,7 @@ struct OSTRADeviceService {
     std::string deviceName_;
     std::string serviceId_;
     int32_t serviceType_ = 0;
-    std::map<std::string, std::string> properties_;
+    std::map<std::string, std::string> properties_;  // "2102" holds the audio capabilities as a JSON text
     std::map<std::string, std::string> status_;
 };
 

@@ -8,6 +8,7 @@
 #ifndef OSTRA_EXPORT_H
 #define OSTRA_EXPORT_H
 
+/* Stands before each function that the library shows. */
 #define OSTRA_EXPORT __attribute__((visibility("default")))
 
 #endif /* OSTRA_EXPORT_H */

@@ -16,6 +16,7 @@
 
 namespace OHOS::DistributedHardware {
 
+// Access to the framework: publishes messages, and registers who listens to them.
 class DistributedHardwareFwkKit final {
 public:
     DistributedHardwareFwkKit();

@@ -18,6 +18,7 @@
 
 namespace OHOS::HiviewDFX {
 
+// Adds and removes the listeners of events.
 class __attribute__((visibility("default"))) HiSysEventManager {
 public:
     // Gives the listener every later event that one of the rules matches, once however many match; without rules it

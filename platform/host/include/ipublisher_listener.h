@@ -24,6 +24,7 @@ enum class DHTopic : uint32_t {
     TOPIC_STOP_DAUDIO = 6,
 };
 
+// Receives what is published on the topics that it is registered for.
 class IPublisherListener : public virtual RefBase {
 public:
     ~IPublisherListener() override = default;

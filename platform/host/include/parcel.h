@@ -43,6 +43,7 @@ public:
     void Dealloc(void *data) override;
 };
 
+// Values in a block, with a position to write at and one to read from.
 class Parcel {
 public:
     Parcel();

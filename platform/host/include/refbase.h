@@ -22,6 +22,7 @@ namespace OHOS {
 // What outlives a counted object for its weak pointers. Host sources have no use for it.
 class RefCounter;
 
+// The base of objects that count their pointers and end with the last.
 class RefBase {
 public:
     RefBase();
@@ -49,6 +50,7 @@ private:
     RefCounter *counter_;
 };
 
+// A pointer that keeps its object.
 template <typename T>
 class sptr {
 public:
@@ -114,6 +116,7 @@ private:
     T *object_ = nullptr;
 };
 
+// A pointer that does not keep its object, and tells whether it is still there.
 template <typename T>
 class wptr {
 public:

@@ -15,12 +15,14 @@
 
 namespace OHOS::HiviewDFX {
 
+// Where a message belongs: type, domain and tag.
 struct HiLogLabel {
     LogType type;
     unsigned int domain;
     const char *tag;
 };
 
+// Logs a message, one operation for each level.
 class HiLog final {
 public:
     static int Debug(const HiLogLabel &label, const char *fmt, ...) HOST_HILOG_FORMAT(2, 3);
