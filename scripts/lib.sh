@@ -25,7 +25,8 @@ presets() {
 
 # need_preset build|test NAME
 need_preset() {
-    presets "$1" | grep -qxF -e "$2" || refuse "no preset to $1 is called $2; there are $(presets "$1" | paste -sd ' ')"
+    [ "$(presets "$1" | grep -cxF -e "$2")" = 1 ] ||
+        refuse "no preset to $1 is called $2; there are $(presets "$1" | paste -sd ' ')"
 }
 
 case ${1-} in
