@@ -195,7 +195,8 @@ expect 1 '"error":' frame --json xyz
 expect 0 'info: GetCrc: ChannelProtocol::GetCrc: getCrc16:' --log frame 85
 
 # What cannot be read, and wrong calls, each with what is wrong in it; nothing steers the terminal.
-expect 1 "$folder/missing: No such file or directory" frame "$folder/missing"
+expect 1 "$folder/missing: no such file" frame "$folder/missing"
+expect 1 "$folder/missing: No such file or directory" dump "$folder/missing"
 expect 1 "$folder: Is a directory" service "$folder"
 expect 1 'an odd number of hexadecimal digits: 856' frame 856
 expect 1 'not hexadecimal: 8x' frame 8x
@@ -204,6 +205,7 @@ expect 1 'no service document (-70005): Unmarshal: Failed to unmarshal DHOSTRADe
 expect 1 'no device document' device '{'
 expect 1 'the dump does not go on at offset 00000020' frame "00000000: 8568"$'\n'"00000020: 8568"
 expect 1 'a dump of words' frame '0000000 6885 6c65'
+! "$inspect" frame 85 >/dev/full 2>"$folder/err" || fail 'a full standard output goes unnoticed'
 expect 0 'deviceName \x1B[31m' service '{"deviceName":"\u001b[31m"}'
 expect 2 'nonsense' nonsense
 expect 2 'subcommand' --json

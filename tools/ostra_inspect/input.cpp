@@ -14,6 +14,7 @@
 namespace {
 
 constexpr char STANDARD_INPUT[] = "-";
+constexpr size_t LONGEST_NAME = 255;
 
 bool IsFile(const std::string &path)
 {
@@ -74,7 +75,7 @@ std::string ReadBytes(const std::vector<std::string> &arguments, bool isRaw)
     try {
         return FromHex(text);
     } catch (const InputError &error) {
-        const bool isPath = arguments.size() == 1 && text.find_first_of("./") != std::string::npos;
-        throw isPath ? InputError(arguments.front() + ": " + std::strerror(ENOENT)) : error;
+        const bool mayBeName = arguments.size() == 1 && text.size() <= LONGEST_NAME && text.size() > 1;
+        throw mayBeName ? InputError(arguments.front() + ": no such file, and " + error.what()) : error;
     }
 }

@@ -160,7 +160,7 @@ int Run(const Inspect &chosen, const Options &options, bool isPrinted)
         }
         status = Fail(error.what());
     }
-    if (std::fflush(stdout) != 0) {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         return Fail(std::string("standard output: ") + std::strerror(errno));
     }
     return status;
