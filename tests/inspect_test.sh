@@ -63,7 +63,7 @@ expect 0 'has no end mark; a writer does so for a negative value, such as -1' fr
 expect 0 'has no end mark: the frame ends within it' frame 05
 expect 0 'has needless groups: it takes 2 bytes and needs 1' frame '00 80 68'
 expect 0 'the frame ends with its header' frame 80
-expect 0 '0000 68 65 6C 6C 6F |hello|' frame '85 68 65 6C 6C 6F'
+expect 0 '0000 68 20 6C FF 6F |h l.o|' frame '85 68 20 6C FF 6F'
 ! grep -q warnings "$folder/out" || fail 'a warning about a good frame'
 
 # Each spelling of the same bytes.
@@ -171,7 +171,10 @@ expect 0 $'seconds 1.000\npeak dB -6.0\nrms dB -9.0\nclipped 0\npeak dB 0.0\nrms
 silence 0.500 s, the longest 0.500 s from 0.500 s on\nthe end is no whole frame: 1 of 4 bytes' \
     dump "$folder/dump" --rate 8000 --wav "$folder/wav"
 [ "$(od -A n -t x1 -j 44 -N 4 "$folder/wav" | tr -d ' ')" = 00c00080 ] || fail 'other samples in the WAV file'
-expect 0 'seconds 4.000' dump --rate 8000 --channels 1 --bits 8 - <"$folder/dump"
+expect 0 'seconds 4.000' dump --rate 8000 --channels 1 --bits 8 - --wav "$folder/wav" < <(cat "$folder/dump")
+[ "$(od -A n -t x1 -j 44 -N 4 "$folder/wav" | tr -d ' ')" = 00c00080 ] || fail 'other bytes in the WAV file'
+printf '\0\100\0\0' >"$folder/left"
+expect 0 'silence 0.000 s' dump "$folder/left"
 expect 0 'there is no sound in it' dump /dev/null
 wave() { printf "%0$1d" 0 | sed "s/0/$2/g"; }
 expect 0 "$(wave 38 ▄) "$'\n'"$(wave 38 █)$(wave 37 ▀)"$'\n'"$(wave 38 ▀) " dump "$folder/dump"
@@ -190,8 +193,9 @@ for call in "frame 85" "service {}" "audio {}" "device {}" "parcel 00000000" "du
     "$inspect" --json $call | "$inspect" device - >"$folder/out" 2>"$folder/err" || fail "the JSON of $call is none"
     ! grep -q 'what follows' "$folder/out" || fail "more than JSON from $call"
 done
-expect 0 '"text_bytes":	"61 FF"' --json parcel 010000000200000061FF0000
+expect 0 $'"text_bytes":\t"61 FF"\n"skipped":\t"UnMarshalling: Not found the separator!"' --json parcel 010000000200000061FF0000
 expect 1 '"error":' frame --json xyz
+expect 1 '"error":' parcel --json 11270000
 expect 0 'info: GetCrc: ChannelProtocol::GetCrc: getCrc16:' --log frame 85
 
 # What cannot be read, and wrong calls, each with what is wrong in it; nothing steers the terminal.
@@ -205,7 +209,7 @@ expect 1 'no service document (-70005): Unmarshal: Failed to unmarshal DHOSTRADe
 expect 1 'no device document' device '{'
 expect 1 'the dump does not go on at offset 00000020' frame "00000000: 8568"$'\n'"00000020: 8568"
 expect 1 'a dump of words' frame '0000000 6885 6c65'
-! "$inspect" frame 85 >/dev/full 2>"$folder/err" || fail 'a full standard output goes unnoticed'
+! "$inspect" events "$folder/written" >/dev/full 2>"$folder/err" || fail 'a full standard output goes unnoticed'
 expect 0 'deviceName \x1B[31m' service '{"deviceName":"\u001b[31m"}'
 expect 2 'nonsense' nonsense
 expect 2 'subcommand' --json

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -23,11 +24,11 @@ void Fill(MessageParcel &parcel, const std::string &bytes)
     if (bytes.empty()) {
         return;
     }
-    void *const block = std::malloc(bytes.size());
+    auto *const block = static_cast<char *>(std::malloc(bytes.size()));
     if (block == nullptr) {
         throw InputError(std::strerror(ENOMEM));
     }
-    std::memcpy(block, bytes.data(), bytes.size());
+    std::copy(bytes.begin(), bytes.end(), block);
     parcel.ParseFrom(reinterpret_cast<uintptr_t>(block), bytes.size());
 }
 

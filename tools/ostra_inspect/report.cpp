@@ -142,7 +142,7 @@ void AppendText(std::string &text, const Report &report, const std::string &inde
         } else if (!member.shown.empty() || !isParent) {
             const std::string shown = member.shown.empty() ? ValueText(member.value) : Printable(member.shown);
             label.resize(width, ' ');
-            text += indent + label + (width == 0 ? "" : LABEL_GAP) + shown + "\n";
+            text.append(indent).append(label).append(width == 0 ? "" : LABEL_GAP).append(shown).append("\n");
         } else if (!member.members.empty()) {
             text += indent + label + "\n";
             AppendText(text, member, indent + INDENT);

@@ -39,7 +39,7 @@ void SoundLevel::Add(const std::vector<int> &samples, int64_t frames)
     }
 }
 
-void SoundLevel::AddSample(Channel &channel, int sample, size_t column)
+void SoundLevel::AddSample(Channel &channel, int sample, size_t column) const
 {
     const double level = sample / FULL_SCALE;
     channel.peak = std::max(channel.peak, std::fabs(level));

@@ -39,7 +39,7 @@ public:
     int64_t LongestSilenceBegin() const;
 
 private:
-    void AddSample(Channel &channel, int sample, size_t column);
+    void AddSample(Channel &channel, int sample, size_t column) const;
     void CountSilence(bool isSilent);
 
     std::vector<Channel> channels_;
