@@ -26,20 +26,19 @@ struct Step {
     const char *nameInLog;  // not always that of the method
     int32_t stage;
     int32_t state;
-    bool callsPackage;
 };
 
-constexpr Step SERVICE_START = {"ServiceStartRes", "ServiceStartRes", 1, STATE_START, false};
-constexpr Step CONNECT_DEVICE = {"ConnectDeviceRes", "ConnectDeviceRes", 2, NO_STATE, true};
-constexpr Step UPDATE = {"UpdateRes", "UpdateRes", 3, NO_STATE, true};
-constexpr Step UPDATE_PORT = {"UpdatePortRes", "UpdatePortRes", 4, NO_STATE, false};
-constexpr Step ENABLE_VIRTUAL = {"EnableVirtualRes", "UpdatePortRes", 5, NO_STATE, false};
-constexpr Step AUDIO_OPEN = {"AudioOpenRes", "UpdatePortRes", 6, NO_STATE, false};
-constexpr Step AUDIO_CLOSE = {"AudioCloseRes", "UpdatePortRes", 7, NO_STATE, false};
-constexpr Step DISCONNECT_DEVICE = {"DisconnectDeviceRes", "UpdatePortRes", 8, NO_STATE, true};
-constexpr Step SERVICE_STOP = {"ServiceStopRes", "ServiceStopRes", 9, STATE_STOP, false};
-constexpr Step LOAD_SINK_SERVICE = {"LoadSinkServiceRes", "LoadSinkServiceRes", 10, NO_STATE, false};
-constexpr Step UNLOAD_SINK_SERVICE = {"UnLoadSinkServiceRes", "UnLoadSinkServiceRes", 11, NO_STATE, false};
+constexpr Step SERVICE_START = {"ServiceStartRes", "ServiceStartRes", 1, STATE_START};
+constexpr Step CONNECT_DEVICE = {"ConnectDeviceRes", "ConnectDeviceRes", 2, NO_STATE};
+constexpr Step UPDATE = {"UpdateRes", "UpdateRes", 3, NO_STATE};
+constexpr Step UPDATE_PORT = {"UpdatePortRes", "UpdatePortRes", 4, NO_STATE};
+constexpr Step ENABLE_VIRTUAL = {"EnableVirtualRes", "UpdatePortRes", 5, NO_STATE};
+constexpr Step AUDIO_OPEN = {"AudioOpenRes", "UpdatePortRes", 6, NO_STATE};
+constexpr Step AUDIO_CLOSE = {"AudioCloseRes", "UpdatePortRes", 7, NO_STATE};
+constexpr Step DISCONNECT_DEVICE = {"DisconnectDeviceRes", "UpdatePortRes", 8, NO_STATE};
+constexpr Step SERVICE_STOP = {"ServiceStopRes", "ServiceStopRes", 9, STATE_STOP};
+constexpr Step LOAD_SINK_SERVICE = {"LoadSinkServiceRes", "LoadSinkServiceRes", 10, NO_STATE};
+constexpr Step UNLOAD_SINK_SERVICE = {"UnLoadSinkServiceRes", "UnLoadSinkServiceRes", 11, NO_STATE};
 
 struct HostPackage {
     int32_t businessId;
@@ -56,7 +55,7 @@ struct Report {
     std::string host;
     int32_t scene;
     int32_t errorCode;
-    const char *calledPackage = nullptr;
+    const std::string *calledPackage = nullptr;
 };
 
 // The line by which the platform's write limiter counts. Failures of a method have a budget of their own: however many
@@ -70,25 +69,24 @@ int32_t LineOf(const Step &step, bool isSuccess)
 int WriteEvent(const Step &step, const Report &report)
 {
     const bool isSuccess = report.errorCode == 0;
-    const auto write = [&](auto... keyValues) {
+    const auto write = [&](const auto &...keyValues) {
         return HiSysEvent::Write(step.method, LineOf(step, isSuccess), OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT,
                                  HiSysEvent::BEHAVIOR, keyValues...);
     };
-    const auto writeWithError = [&](auto... keyValues) {
+    const auto writeWithError = [&](const auto &...keyValues) {
         return isSuccess ? write(keyValues...) : write(keyValues..., "ERROR_CODE", report.errorCode);
     };
-    const auto writeWithState = [&](auto... keyValues) {
+    const auto writeWithState = [&](const auto &...keyValues) {
         return step.state == NO_STATE ? writeWithError(keyValues...)
                                       : writeWithError(keyValues..., "BIZ_STATE", step.state);
     };
-    const auto writeWithRest = [&](auto... keyValues) {
-        return writeWithState(keyValues..., "HOST_PKG", report.host.c_str(), "BIZ_SCENE", report.scene, "BIZ_STAGE",
-                              step.stage, "STAGE_RES", isSuccess ? RESULT_SUCCESS : RESULT_FAILURE);
+    const auto writeWithRest = [&](const auto &...keyValues) {
+        return writeWithState(keyValues..., "HOST_PKG", report.host, "BIZ_SCENE", report.scene, "BIZ_STAGE", step.stage,
+                              "STAGE_RES", isSuccess ? RESULT_SUCCESS : RESULT_FAILURE);
     };
-    const char *package = ORG_PKG_NAME.c_str();
-    const char *function = report.function.c_str();
-    return step.callsPackage ? writeWithRest("ORG_PKG", package, "FUNC", function, "TO_CALL_PKG", report.calledPackage)
-                             : writeWithRest("ORG_PKG", package, "FUNC", function);
+    return report.calledPackage == nullptr
+               ? writeWithRest("ORG_PKG", ORG_PKG_NAME, "FUNC", report.function)
+               : writeWithRest("ORG_PKG", ORG_PKG_NAME, "FUNC", report.function, "TO_CALL_PKG", *report.calledPackage);
 }
 
 bool Write(const Step &step, const Report &report)
@@ -153,12 +151,12 @@ bool OstraRadar::UnLoadSinkServiceRes(std::string funcName, int errCode)
 
 bool OstraRadar::ConnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg)
 {
-    return Write(CONNECT_DEVICE, {funcName, GetProcessName(), curBusinessId_, errCode, toCallPkg.c_str()});
+    return Write(CONNECT_DEVICE, {funcName, GetProcessName(), curBusinessId_, errCode, &toCallPkg});
 }
 
 bool OstraRadar::UpdateRes(std::string funcName, int errCode, std::string toCallPkg)
 {
-    return Write(UPDATE, {funcName, GetProcessName(), curBusinessId_, errCode, toCallPkg.c_str()});
+    return Write(UPDATE, {funcName, GetProcessName(), curBusinessId_, errCode, &toCallPkg});
 }
 
 bool OstraRadar::UpdatePortRes(std::string funcName, int errCode)
@@ -183,7 +181,7 @@ bool OstraRadar::AudioCloseRes(std::string funcName, int errCode)
 
 bool OstraRadar::DisconnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg)
 {
-    return Write(DISCONNECT_DEVICE, {funcName, GetProcessName(), curBusinessId_, errCode, toCallPkg.c_str()});
+    return Write(DISCONNECT_DEVICE, {funcName, GetProcessName(), curBusinessId_, errCode, &toCallPkg});
 }
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

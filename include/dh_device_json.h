@@ -32,7 +32,7 @@ struct cJSON;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// One peer device. Creating and destroying it logs a line at info level.
+// One peer device. Creating and destroying it logs a line at info level; a copy logs its end only.
 class DHOSTRADeviceJson {
 public:
     OSTRA_EXPORT DHOSTRADeviceJson();
@@ -63,7 +63,7 @@ public:
     std::string btName_;
     std::string localIp_;
     std::string remoteIp_;
-    int32_t port_ = -1;        // of the channel; -1 for none
+    int32_t port_ = -1;        // of the channel; -1 until set
     uint32_t businessId_ = 0;  // a DHBusinessId
     bool supportMic_ = false;
     bool supportCamera_ = false;
@@ -80,7 +80,7 @@ struct AudioProfile {
 
 // The audio capabilities of a service, and the forms derived from them that the audio pipeline takes. What is read
 // accumulates while the object lives: the lists, the codec bits and the profile text only grow, except that the bits
-// become 0 while there is no codec. Creating and destroying it logs a line at info level.
+// become 0 while there is no codec. Creating and destroying it logs a line at info level; a copy logs its end only.
 class DHOSTRAAudioProperties {
 public:
     OSTRA_EXPORT DHOSTRAAudioProperties();
@@ -138,7 +138,8 @@ public:
     std::string audioProfiles_;           // derived: "rate,channels,bits;" for each known profile
 };
 
-// One service of a peer, as its service document describes it. Creating and destroying it logs a line at info level.
+// One service of a peer, as its service document describes it. Creating and destroying it logs a line at info level; a
+// copy logs its end only.
 class DHOSTRADeviceServiceJson {
 public:
     OSTRA_EXPORT DHOSTRADeviceServiceJson();

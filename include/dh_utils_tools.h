@@ -140,7 +140,8 @@ OSTRA_EXPORT bool CheckIsNum(const std::string &value);
 
 // Appends `size` bytes of `data` to the file, creating it where it is missing. A file that cannot be opened is logged
 // as an error; a failed write is not reported. A negative size, or null data with a size above 0, is logged as an error
-// and the file is neither created nor changed; a size of 0 creates the file.
+// and the file is neither created nor changed; a size of 0 creates the file. When memory runs out, a missing file may
+// have been created, empty.
 OSTRA_EXPORT void SaveFile(std::string fileName, uint8_t *data, int32_t size);
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -39,7 +39,7 @@ inline constexpr int32_t OSTRA_JSON_SUCCESS = 0;
 inline constexpr int32_t OSTRA_JSON_CREATE_FAILED = -70001;  // no memory for an object, one of its members or its text
 inline constexpr int32_t OSTRA_JSON_ROOT_MISSING = -70003;   // a null root was passed
 inline constexpr int32_t OSTRA_JSON_STEP_FAILED = -70004;    // a step that this one depends on failed
-inline constexpr int32_t OSTRA_JSON_INPUT_INVALID = -70005;  // a text is empty, no JSON, or a list over its limit
+inline constexpr int32_t OSTRA_JSON_INPUT_INVALID = -70005;  // a text is empty, no JSON, or beyond a limit
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 

@@ -8,11 +8,11 @@
 //     OstraDump::GetInstance().UnInit();                            // after they end
 //
 // DumpStreamData may be called from any thread at once, each file from one at a time. Init and UnInit must not run
-// while another thread dumps: the write mode is not guarded, so the host switches dumping on before its streams start
-// and off after they end. A dump that fails is told by the log alone: bytes that are not all in the file once it is
-// closed as an error, a file that cannot be opened at debug level, a path that is too long not at all. Where memory for
-// a text runs out, std::bad_alloc is raised and nothing is opened. Callers that set the parameter themselves include
-// parameter.h beside this header.
+// while another thread dumps or opens a dump file: the write mode is not guarded, so the host switches dumping on
+// before its streams start and off after they end. A dump that fails is told by the log alone: bytes that are not all
+// in the file once it is closed as an error, a file that cannot be opened at debug level, a path that is too long not
+// at all. Where memory for a text runs out, std::bad_alloc is raised and nothing is opened. Callers that set the
+// parameter themselves include parameter.h beside this header.
 
 #ifndef OSTRA_DUMP_H
 #define OSTRA_DUMP_H

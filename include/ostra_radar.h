@@ -7,14 +7,14 @@
 //     radar.SetCurBusinessId(2);
 //     radar.AudioOpenRes(__func__, ret);        // 0 is success, anything else goes into the event as ERROR_CODE
 //
-// The host sets business id and process name before it reports from several threads; the reporting operations may then
-// be called from any thread at once. Each of them returns true when the platform took the event, and otherwise logs the
-// platform's code as an error and returns false (EnableVirtualRes, AudioOpenRes, AudioCloseRes and DisconnectDeviceRes
-// word it as "UpdatePortRes error", behind a prefix with their own name). A code above 0 is a warning of the platform,
-// which sends the event out all the same, cut or with a text that it finds too long: it is logged, and the operation
-// returns false, as for a refusal. The platform takes at most 100 events of one operation in 5 seconds, successes and
-// failures counted apart. All raise std::bad_alloc when memory for a text runs out. Who listens to the events includes
-// hisysevent_manager.h beside this header.
+// The host sets business id and process name before it reports from several threads; GetProcessName and
+// the reporting operations may then be called from any thread at once. Each of the latter returns true when the
+// platform took the event, and otherwise logs the platform's code as an error and returns false (EnableVirtualRes,
+// AudioOpenRes, AudioCloseRes and DisconnectDeviceRes word it as "UpdatePortRes error", behind a prefix with their own
+// name). A code above 0 is a warning of the platform, which sends the event out all the same, cut or with a text that
+// it finds too long: it is logged, and the operation returns false, as for a refusal. The platform takes at most 100
+// events of one operation in 5 seconds, successes and failures counted apart. All raise std::bad_alloc when memory for
+// a text runs out. Who listens to the events includes hisysevent_manager.h beside this header.
 
 #ifndef OSTRA_RADAR_H
 #define OSTRA_RADAR_H
@@ -56,27 +56,27 @@ public:
     // 3: collaboration_service, 10: CollaborationFwk), else an empty text.
     OSTRA_EXPORT std::string GetProcessName();
 
-    // Stage 1: the service has started. bizScene goes into the event in place of the business id; `extra` is ignored.
+    // Stage 1: starting the service. bizScene goes into the event in place of the business id; `extra` is ignored.
     OSTRA_EXPORT bool ServiceStartRes(std::string funcName, int bizScene, std::string extra, int errCode);
-    // Stage 9: the service has stopped.
+    // Stage 9: stopping the service.
     OSTRA_EXPORT bool ServiceStopRes(std::string funcName, int errCode);
-    // Stage 10: a service of the sink was loaded.
+    // Stage 10: loading a service of the sink.
     OSTRA_EXPORT bool LoadSinkServiceRes(std::string funcName, int errCode);
-    // Stage 11: a service of the sink was unloaded.
+    // Stage 11: unloading a service of the sink.
     OSTRA_EXPORT bool UnLoadSinkServiceRes(std::string funcName, int errCode);
-    // Stage 2: a device was connected. The plain name RadarWrite reports this step.
+    // Stage 2: connecting a device. The plain name RadarWrite reports this step.
     OSTRA_EXPORT bool ConnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg);
-    // Stage 3: a device was updated. The plain name UpdateRes reports this step, too.
+    // Stage 3: updating a device. The plain name UpdateRes reports this step, too.
     OSTRA_EXPORT bool UpdateRes(std::string funcName, int errCode, std::string toCallPkg);
-    // Stage 4: a port was updated.
+    // Stage 4: updating a port.
     OSTRA_EXPORT bool UpdatePortRes(std::string funcName, int errCode);
-    // Stage 5: a virtual device was enabled.
+    // Stage 5: enabling a virtual device.
     OSTRA_EXPORT bool EnableVirtualRes(std::string funcName, int errCode);
-    // Stage 6: audio was opened.
+    // Stage 6: opening audio.
     OSTRA_EXPORT bool AudioOpenRes(std::string funcName, int errCode);
-    // Stage 7: audio was closed.
+    // Stage 7: closing audio.
     OSTRA_EXPORT bool AudioCloseRes(std::string funcName, int errCode);
-    // Stage 8: a device was disconnected.
+    // Stage 8: disconnecting a device.
     OSTRA_EXPORT bool DisconnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg);
 
 private:
