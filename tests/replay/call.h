@@ -8,11 +8,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <regex>
 #include <string>
 #include <vector>
 
-#include "recording.h"
+#include "values.h"
 
 namespace replay {
 
@@ -29,19 +30,13 @@ struct RecordedCall {
     // From `format` on, the fields are a format and its arguments.
     RecordedCall(const Fields &fields, size_t at, const std::string &longSizes)
     {
-        hasFormat = fields.at(at) != "null";
-        format = hasFormat ? Text(fields[at]) : "";
+        format = Target(fields.at(at));
         while (++at < fields.size()) {
             arguments.push_back(Read(fields[at]));
         }
-        if (!IS_RECORDED_SIZE) {
-            Widen(longSizes);
+        if (!IS_RECORDED_SIZE && format.has_value()) {
+            Widen(*format, longSizes);
         }
-    }
-
-    const char *Format() const
-    {
-        return hasFormat ? format.c_str() : nullptr;
     }
 
     // Gives the arguments to `function`, and a zero behind them.
@@ -66,8 +61,7 @@ struct RecordedCall {
         return function(given..., 0);
     }
 
-    bool hasFormat;
-    std::string format;
+    std::optional<std::string> format;
     std::vector<Argument> arguments;
     std::deque<std::string> texts;
 
@@ -90,20 +84,20 @@ private:
 
     // Where a long has 32 bits, sizes that had 64 when the results were recorded are written as ll. The conversions say
     // which arguments take 64 bits then.
-    void Widen(const std::string &longSizes)
+    void Widen(std::string &text, const std::string &longSizes)
     {
         const std::string start = R"((%(?:\{\w+\})?[-+ #0]*(?:\*|\d*)(?:\.(?:\*|\d*))?))";
-        format = std::regex_replace(format, std::regex(start + "[" + longSizes + "]([diouxX])"), "$1ll$2");
+        text = std::regex_replace(text, std::regex(start + "[" + longSizes + "]([diouxX])"), "$1ll$2");
         if (longSizes == "l") {  // HiLog, which prints all 16 digits of an address
-            format = std::regex_replace(format, std::regex(start + "p"), "$1.16llX");
+            text = std::regex_replace(text, std::regex(start + "p"), "$1.16llX");
         } else if (std::any_of(arguments.begin(), arguments.end(), [](auto &each) { return each.bits > UINT32_MAX; })) {
-            format = std::regex_replace(format, std::regex("%p"), "0x%llx");
+            text = std::regex_replace(text, std::regex("%p"), "0x%llx");
         }
         const std::regex conversion(start + R"((hh?|ll|l|z|t|[jq]|I64)?[a-zA-Z%])");
         size_t at = 0;
-        for (std::sregex_iterator match(format.begin(), format.end(), conversion), end; match != end; ++match) {
-            const std::string text = match->str();
-            at += static_cast<size_t>(std::count(text.begin(), text.end(), '*')) + (text.back() == '%' ? 0 : 1);
+        for (std::sregex_iterator match(text.begin(), text.end(), conversion), end; match != end; ++match) {
+            const std::string found = match->str();
+            at += static_cast<size_t>(std::count(found.begin(), found.end(), '*')) + (found.back() == '%' ? 0 : 1);
             if (at > 0 && at <= arguments.size() && std::regex_match(match->str(2), std::regex("ll|[jq]|I64"))) {
                 arguments[at - 1].kind = Argument::WIDE;
             }

@@ -16,7 +16,7 @@
 #include "call.h"
 #include "hilog/log.h"
 #include "parameter.h"
-#include "recording.h"
+#include "values.h"
 
 using namespace replay;
 
@@ -71,36 +71,21 @@ protected:
     int standardError_ = dup(STDERR_FILENO);
 };
 
-// A tag, which may be null.
-struct Tag {
-    explicit Tag(const std::string &field) : isNull(field == "null"), text(isNull ? "" : Text(field))
-    {
-    }
-
-    const char *Get() const
-    {
-        return isNull ? nullptr : text.c_str();
-    }
-
-    bool isNull;
-    std::string text;
-};
-
 Fields Deliver(const Fields &in)
 {
     g_text.reset();
-    const Tag tag(in.at(3));
+    const auto tag = Target(in.at(3));
     const int result =
         HiLogPrint(static_cast<LogType>(Number<int>(in.at(0))), static_cast<LogLevel>(Number<int>(in[1])),
-                   Number<unsigned int>(in[2]), tag.Get(), "text");
+                   Number<unsigned int>(in[2]), Pointer(tag), "text");
     return {g_text.has_value() ? "callback" : "none", result < 0 ? "-" : "+"};
 }
 
 Fields IsLoggable(const Fields &in)
 {
-    const Tag tag(in.at(1));
+    const auto tag = Target(in.at(1));
     const auto level = static_cast<LogLevel>(Number<int>(in.at(2)));
-    return {HiLogIsLoggable(Number<unsigned int>(in[0]), tag.Get(), level) ? "true" : "false"};
+    return {Show(HiLogIsLoggable(Number<unsigned int>(in[0]), Pointer(tag), level))};
 }
 
 }  // namespace
@@ -112,7 +97,7 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
         g_text.reset();
         const RecordedCall call(in, 0, "l");
         call.Pass([&](auto... arguments) {
-            return HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", call.Format(), arguments...);
+            return HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", Pointer(call.format), arguments...);
         });
         return {g_text.has_value() ? Quote(*g_text) : "none"};
     };

@@ -8,13 +8,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
 #include <vector>
 
 #include "hisysevent_manager.h"
-#include "recording.h"
+#include "values.h"
 
 using namespace OHOS::HiviewDFX;
 using namespace replay;
@@ -92,46 +93,18 @@ Fields Write(const std::string &domain, const std::string &event, int type, Type
     return {std::to_string(result), OwnKeys(g_sent)};
 }
 
-template <typename T>
-T Read(const std::string &field)
-{
-    if constexpr (std::is_same_v<T, bool>) {
-        return field == "true" || field == "1";
-    } else if constexpr (std::is_same_v<T, std::string>) {
-        return Text(field);
-    } else if constexpr (std::is_same_v<T, const char *>) {
-        if (field == "null") {
-            return nullptr;
-        }
-        static std::string text;
-        text = Text(field);
-        return text.c_str();
-    } else {
-        return Number<T>(field);
-    }
-}
-
-template <typename T>
-std::vector<T> ReadVector(const std::string &field)
-{
-    std::vector<T> values;
-    for (const std::string &element : Split(field)) {
-        values.push_back(Read<T>(element));
-    }
-    return values;
-}
-
 template <typename... Types>
 struct Scalars {
-    using Value = std::variant<const char *, Types..., std::vector<Types>...>;
+    using Any = std::variant<const char *, Types..., std::vector<Types>...>;
 
-    // Reads TYPE:VALUE.
-    static Value ReadAs(const std::string &type, const std::string &field, const Fields &names)
+    // Reads TYPE:VALUE. A C string lives until the next value is read.
+    static Any ReadAs(const std::string &type, const std::string &field, const Fields &names)
     {
-        Value value = Read<const char *>(type == "cstr" ? field : "null");
+        static std::optional<std::string> text;
+        Any value = Pointer(text = type == "cstr" ? Target(field) : std::nullopt);
         size_t at = 0;
-        ((type == names[at] ? void(value = Read<Types>(field)) : void(),
-          type == "v" + names[at++] ? void(value = ReadVector<Types>(field)) : void()),
+        ((type == names[at] ? void(value = Value<Types>(field)) : void(),
+          type == "v" + names[at++] ? void(value = Values<Types>(field)) : void()),
          ...);
         return value;
     }
@@ -140,7 +113,7 @@ using All =
     Scalars<bool, int8_t, uint8_t, int16_t, uint16_t, int32_t, uint32_t, int64_t, uint64_t, float, double, std::string>;
 
 // The value of KEY=TYPE:VALUE.
-All::Value ReadValue(const std::string &field)
+All::Any ReadValue(const std::string &field)
 {
     const std::string value = Split(field, '=').at(1);
     const size_t colon = value.find(':');
@@ -234,29 +207,20 @@ TEST(HostPlatformReplay, HiSysEvent)
         g_sendFails = false;
         g_sentCount = 0;
     };
-    interface.operations = {{"write", WriteOrCrash},
-                            {"keys",
-                             [](const Fields &in) {
-                                 return WriteCounted<0, 3, 128, 130>(in, "K",
-                                                                     [](size_t i) { return static_cast<int32_t>(i); });
-                             }},
-                            {"texts",
-                             [](const Fields &in) {
-                                 return WriteCounted<1, 2, 4, 8>(
-                                     in, "T", [&](size_t) { return std::string(Number<size_t>(in.at(3)), 'x'); });
-                             }},
-                            {"type",
-                             [](const Fields &in) {
-                                 return Write("DOMAIN", "EVENT", Number<int>(in.at(0)), "K", 1);
-                             }},
-                            {"send",
-                             [](const Fields &in) {
-                                 g_sendFails = in.at(0) == "fails";
-                                 return Fields{"-"};
-                             }},
-                            {"sent", [](const Fields &) {
-                                 return Fields{std::to_string(g_sentCount)};
-                             }}};
+    interface.Add("write", WriteOrCrash);
+    interface.Add("keys", [](const Fields &in) {
+        return WriteCounted<0, 3, 128, 130>(in, "K", [](size_t i) { return static_cast<int32_t>(i); });
+    });
+    interface.Add("texts", [](const Fields &in) {
+        const std::string text(Number<size_t>(in.at(3)), 'x');
+        return WriteCounted<1, 2, 4, 8>(in, "T", [&](size_t) { return text; });
+    });
+    interface.Add("type", [](const Fields &in) { return Write("DOMAIN", "EVENT", Number<int>(in.at(0)), "K", 1); });
+    interface.Add("send", [](const Fields &in) {
+        g_sendFails = in.at(0) == "fails";
+        return Fields{"-"};
+    });
+    interface.Add("sent", [](const Fields &) { return Fields{Show(g_sentCount)}; });
     Replay("hisysevent.txt", interface);
     EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
 }

@@ -4,84 +4,18 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <utility>
 
 #include "message_parcel.h"
-#include "recording.h"
+#include "values.h"
 
 using namespace OHOS;
 using namespace replay;
 
 namespace {
-
-template <typename T>
-T Value(const std::string &field)
-{
-    if constexpr (std::is_same_v<T, std::string>) {
-        return Text(field);
-    } else if constexpr (std::is_same_v<T, std::u16string>) {
-        const std::string bytes = Bytes(field);
-        std::u16string text;
-        for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-            text += static_cast<char16_t>(static_cast<uint8_t>(bytes[i]) << 8 | static_cast<uint8_t>(bytes[i + 1]));
-        }
-        return text;
-    } else if constexpr (std::is_same_v<T, bool>) {
-        return Number<int>(field) != 0;
-    } else {
-        return Number<T>(field);
-    }
-}
-
-std::string Show(bool value)
-{
-    return value ? "true" : "false";
-}
-
-std::string Show(const std::string &text)
-{
-    return Quote(text);
-}
-
-std::string Show(const std::u16string &text)
-{
-    std::string bytes;
-    for (const char16_t unit : text) {
-        bytes += {static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)};
-    }
-    return Hex(bytes);
-}
-
-template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
-std::string Show(T value)
-{
-    if constexpr (std::is_integral_v<T>) {
-        return std::to_string(value);
-    }
-    char text[64];
-    std::snprintf(text, sizeof(text), "%.*g", std::numeric_limits<T>::max_digits10, static_cast<double>(value));
-    return text;
-}
-
-template <typename T>
-std::string Show(const std::vector<T> &values)
-{
-    std::string text;
-    for (const T &value : values) {
-        text += (text.empty() ? "" : ",") + Show(value);
-    }
-    return values.empty() ? "-" : text;
-}
-
-std::string ShowBlock(const uint8_t *bytes, size_t size)
-{
-    return bytes == nullptr ? "null" : Hex({reinterpret_cast<const char *>(bytes), size});
-}
 
 struct Player {
     Interface interface;
@@ -91,10 +25,10 @@ struct Player {
     // An operation that gives one field, behind which the read position and the size of the data stand.
     void Add(const std::string &name, const std::function<std::string(const Fields &)> &operation)
     {
-        interface.operations[name] = [this, operation](const Fields &arguments) -> Fields {
+        interface.Add(name, [this, operation](const Fields &arguments) {
             const std::string result = operation(arguments);
-            return {result, std::to_string(parcel->GetReadPosition()), std::to_string(parcel->GetDataSize())};
-        };
+            return Fields{result, std::to_string(parcel->GetReadPosition()), std::to_string(parcel->GetDataSize())};
+        });
     }
 
     template <typename T, typename Argument>
@@ -120,10 +54,7 @@ struct Player {
                    bool (Parcel::*read)(std::vector<T> *), const std::vector<T> &before = {})
     {
         Add("Write" + name + "Vector", [=](const Fields &in) {
-            std::vector<T> values;
-            for (const std::string &element : Split(in.at(0))) {
-                values.push_back(Value<T>(element));
-            }
+            const std::vector<T> values = Values<T>(in.at(0));
             return Show((*parcel.*write)(values));
         });
         Add("Read" + name + "Vector", [=](const Fields &) {
@@ -138,8 +69,8 @@ struct Player {
                        const Text (Parcel::*read)(int32_t &))
     {
         Add("Write" + name, [=](const Fields &in) {
-            const Text text = in.at(0) == "null" ? Text() : Value<Text>(in[0]);
-            return Show((*parcel.*write)(in[0] == "null" ? nullptr : text.data(), text.size()));
+            const auto text = Target<Text>(in.at(0));
+            return Show((*parcel.*write)(Pointer(text), text.value_or(Text()).size()));
         });
         Add("Read" + name + "&", [=](const Fields &) {
             int32_t length = 77;
@@ -154,6 +85,12 @@ struct Player {
             const std::string bytes = in.at(0) == "null" ? "" : Bytes(in[0]);
             return Show(write(in[0] == "null" ? nullptr : bytes.data(), bytes.size()));
         });
+    }
+
+    std::string ShowBlock(const uint8_t *(Parcel::*read)(size_t), size_t size)
+    {
+        const auto *const bytes = reinterpret_cast<const char *>((*parcel.*read)(size));
+        return bytes == nullptr ? "null" : Hex({bytes, size});
     }
 
     std::string ParseFrom(const std::string &bytes)
@@ -176,37 +113,28 @@ void Player::AddAll()
 #define SCALAR(Name, Type, before)                                          \
     AddValue<Type, Type>(#Name, &Parcel::Write##Name, &Parcel::Read##Name); \
     AddReadInto<Type>(#Name, &Parcel::Read##Name, before);
-    SCALAR(Bool, bool, true)
-    SCALAR(Int8, int8_t, 77)
-    SCALAR(Int16, int16_t, 77)
-    SCALAR(Int32, int32_t, 77)
-    SCALAR(Int64, int64_t, 77)
-    SCALAR(Uint8, uint8_t, 77)
-    SCALAR(Uint16, uint16_t, 77)
-    SCALAR(Uint32, uint32_t, 77)
-    SCALAR(Uint64, uint64_t, 77)
-    SCALAR(Float, float, 77)
-    SCALAR(Double, double, 77)
 #define VECTOR(Name, ...) AddVector(#Name, &Parcel::Write##Name##Vector, &Parcel::Read##Name##Vector, ##__VA_ARGS__);
+#define NUMBER(Name, Vector, Type, ...) SCALAR(Name, Type, 77) VECTOR(Vector, ##__VA_ARGS__)
+    SCALAR(Bool, bool, true)
     VECTOR(Bool)
-    VECTOR(Int8)
-    VECTOR(Int16)
-    VECTOR(Int32, {9})
-    VECTOR(Int64)
-    VECTOR(UInt8)
-    VECTOR(UInt16)
-    VECTOR(UInt32)
-    VECTOR(UInt64)
-    VECTOR(Float)
-    VECTOR(Double)
+    NUMBER(Int8, Int8, int8_t)
+    NUMBER(Int16, Int16, int16_t)
+    NUMBER(Int32, Int32, int32_t, {9})
+    NUMBER(Int64, Int64, int64_t)
+    NUMBER(Uint8, UInt8, uint8_t)
+    NUMBER(Uint16, UInt16, uint16_t)
+    NUMBER(Uint32, UInt32, uint32_t)
+    NUMBER(Uint64, UInt64, uint64_t)
+    NUMBER(Float, Float, float)
+    NUMBER(Double, Double, double)
     VECTOR(String, {"old"})
     VECTOR(String16)
-#define NUMBER(Name) Add(#Name, [this](const Fields &) { return Show(parcel->Name()); });
-    NUMBER(GetReadableBytes)
-    NUMBER(GetWritableBytes)
-    NUMBER(GetDataCapacity)
-    NUMBER(GetMaxCapacity)
-    NUMBER(GetWritePosition)
+#define GETTER(Name) Add(#Name, [this](const Fields &) { return Show(parcel->Name()); });
+    GETTER(GetReadableBytes)
+    GETTER(GetWritableBytes)
+    GETTER(GetDataCapacity)
+    GETTER(GetMaxCapacity)
+    GETTER(GetWritePosition)
 #define SETTER(Name) Add(#Name, [this](const Fields &in) { return Show(parcel->Name(Number<size_t>(in.at(0)))); });
     SETTER(SetDataCapacity)
     SETTER(SetDataSize)
@@ -220,9 +148,7 @@ void Player::AddAll()
     AddReadInto<std::u16string>("String16", &Parcel::ReadString16, u"pre");
     AddWithLength("String8WithLength", &Parcel::WriteString8WithLength, &Parcel::ReadString8WithLength);
     AddWithLength("String16WithLength", &Parcel::WriteString16WithLength, &Parcel::ReadString16WithLength);
-    Add("WriteCString", [this](const Fields &in) {
-        return Show(parcel->WriteCString(in.at(0) == "null" ? nullptr : Text(in[0]).c_str()));
-    });
+    Add("WriteCString", [this](const Fields &in) { return Show(parcel->WriteCString(Pointer(Target(in.at(0))))); });
     Add("ReadCString", [this](const Fields &) {
         const char *text = parcel->ReadCString();
         return text == nullptr ? "null" : Quote(text);
@@ -234,14 +160,9 @@ void Player::AddAll()
             return parcel->WriteBufferAddTerminator(data, size, typeSize);
         });
     }
-    Add("ReadBuffer", [this](const Fields &in) {
-        const auto length = Number<size_t>(in.at(0));
-        return ShowBlock(parcel->ReadBuffer(length), length);
-    });
-    Add("ReadUnpadBuffer", [this](const Fields &in) {
-        const auto length = Number<size_t>(in.at(0));
-        return ShowBlock(parcel->ReadUnpadBuffer(length), length);
-    });
+#define BLOCK(Name) Add(#Name, [this](const Fields &in) { return ShowBlock(&Parcel::Name, Number<size_t>(in.at(0))); });
+    BLOCK(ReadBuffer)
+    BLOCK(ReadUnpadBuffer)
     Add("SkipBytes", [this](const Fields &in) { return parcel->SkipBytes(Number<size_t>(in.at(0))), "done"; });
     Add("FlushBuffer", [this](const Fields &) { return parcel->FlushBuffer(), "done"; });
     Add("ParseFrom", [this](const Fields &in) { return ParseFrom(Bytes(in.at(0))); });
@@ -253,12 +174,10 @@ void Player::AddAll()
     interface.begin = [this] {
         parcel = std::make_unique<MessageParcel>();
     };
-    for (const char *type : {"Bool", "Int8", "Int16", "Uint8", "Uint16"}) {
-        const std::string into = type == std::string("Bool") ? "" : "&";
-        for (const std::string &name :
-             {"Write" + (type + std::string("Unaligned")), std::string("Read") + type + "Unaligned" + into}) {
-            interface.notOffered[name] = "unaligned values: no host uses them";
-        }
+    // No host uses unaligned values.
+    interface.notOffered = {"WriteBoolUnaligned", "ReadBoolUnaligned"};
+    for (const std::string type : {"Int8", "Int16", "Uint8", "Uint16"}) {
+        interface.notOffered.insert({"Write" + type + "Unaligned", "Read" + type + "Unaligned&"});
     }
 }
 

@@ -87,42 +87,27 @@ TEST(HostPlatformReplay, Qos)
         g_kernelLevel = -1;
         Switch("true");
     };
-    interface.operations = {{"SetThreadQos",
-                             [](const Fields &in) {
-                                 return Result([&] { return SetThreadQos(Level(in)); });
-                             }},
-                            {"SetQosForOtherThread",
-                             [](const Fields &in) {
-                                 return Result([&] { return SetQosForOtherThread(Level(in), Number<int>(in.at(1))); });
-                             }},
-                            {"ResetThreadQos",
-                             [](const Fields &) {
-                                 return Result(ResetThreadQos);
-                             }},
-                            {"ResetQosForOtherThread",
-                             [](const Fields &in) {
-                                 return Result([&] { return ResetQosForOtherThread(Number<int>(in.at(0))); });
-                             }},
-                            {"GetThreadQos",
-                             [](const Fields &) {
-                                 return ResultWithLevel(GetThreadQos);
-                             }},
-                            {"GetQosForOtherThread",
-                             [](const Fields &in) {
-                                 return ResultWithLevel([&](QosLevel &level) {
-                                     return GetQosForOtherThread(level, Number<int>(in.at(0)));
-                                 });
-                             }},
-                            {"kernel",
-                             [](const Fields &in) {
-                                 g_kernelResult = Number<int>(in.at(0));
-                                 g_kernelLevel = Number<int>(in.at(1));
-                                 return Fields{"-"};
-                             }},
-                            {"switch", [](const Fields &in) {
-                                 Switch(in.at(0));
-                                 return Fields{"-"};
-                             }}};
+    interface.Add("SetThreadQos", [](const Fields &in) { return Result([&] { return SetThreadQos(Level(in)); }); });
+    interface.Add("SetQosForOtherThread", [](const Fields &in) {
+        return Result([&] { return SetQosForOtherThread(Level(in), Number<int>(in.at(1))); });
+    });
+    interface.Add("ResetThreadQos", [](const Fields &) { return Result(ResetThreadQos); });
+    interface.Add("ResetQosForOtherThread", [](const Fields &in) {
+        return Result([&] { return ResetQosForOtherThread(Number<int>(in.at(0))); });
+    });
+    interface.Add("GetThreadQos", [](const Fields &) { return ResultWithLevel(GetThreadQos); });
+    interface.Add("GetQosForOtherThread", [](const Fields &in) {
+        return ResultWithLevel([&](QosLevel &level) { return GetQosForOtherThread(level, Number<int>(in.at(0))); });
+    });
+    interface.Add("kernel", [](const Fields &in) {
+        g_kernelResult = Number<int>(in.at(0));
+        g_kernelLevel = Number<int>(in.at(1));
+        return Fields{"-"};
+    });
+    interface.Add("switch", [](const Fields &in) {
+        Switch(in.at(0));
+        return Fields{"-"};
+    });
     Replay("qos.txt", interface);
     interface.begin();
 }

@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 #include <iostream>
+#include <regex>
 #include <set>
 
 namespace replay {
@@ -15,58 +17,54 @@ namespace {
 const std::string FOLDER = OSTRA_SOURCE_FOLDER "/tests/data/platform/";
 const char DIGITS[] = "0123456789abcdef";
 
-unsigned HexByte(const std::string &text, size_t at)
+char Byte(const std::string &text, size_t at)
 {
-    const size_t high = std::string(DIGITS).find(text.at(at));
-    const size_t low = std::string(DIGITS).find(text.at(at + 1));
-    if (high == std::string::npos || low == std::string::npos) {
-        throw std::invalid_argument("no hexadecimal byte: " + text.substr(at, 2));
+    unsigned char byte = 0;
+    const char *const end = text.data() + std::min(at + 2, text.size());
+    if (at + 2 > text.size() || std::from_chars(end - 2, end, byte, 16).ptr != end) {
+        throw std::invalid_argument("no hexadecimal byte: " + text.substr(std::min(at, text.size()), 2));
     }
-    return static_cast<unsigned>(high * 16 + low);
+    return static_cast<char>(byte);
 }
 
-// Reads the *NUMBER behind a piece and moves behind it; 1 where there is none.
-size_t Times(const std::string &field, size_t &at)
+void Repeat(std::string &to, const std::string &piece, const std::string &times)
 {
-    if (at + 1 >= field.size() || field[at] != '*' || isdigit(static_cast<unsigned char>(field[at + 1])) == 0) {
-        return 1;
-    }
-    size_t digits = 0;
-    const size_t times = std::stoul(field.substr(at + 1), &digits);
-    at += 1 + digits;
-    return times;
-}
-
-void Repeat(std::string &to, const std::string &piece, size_t times)
-{
-    for (size_t i = 0; i < times; ++i) {
+    for (unsigned long left = times.empty() ? 1 : std::stoul(times); left > 0; --left) {
         to += piece;
     }
 }
 
-std::string Joined(const Fields &fields)
+// Bytes may be grouped.
+std::string WithoutGroups(std::string field)
+{
+    if (field.find_first_not_of(std::string(DIGITS) + ' ') == std::string::npos) {
+        field.erase(std::remove(field.begin(), field.end(), ' '), field.end());
+    }
+    return field;
+}
+
+// One line of fields, each written by `write`.
+std::string Joined(const Fields &fields, std::string (*write)(const std::string &))
 {
     std::string line;
     for (const std::string &field : fields) {
-        line += (line.empty() ? "" : "\t") + Unfold(field);
+        line += (line.empty() ? "" : "\t") + WithoutGroups(write(field));
     }
     return line;
 }
 
-// What came instead; of a long text the part around the first difference.
+// What came instead, from a little before the first difference on.
 std::string Difference(const std::string &came, const std::string &recorded)
 {
     constexpr size_t shown = 200;
     constexpr size_t before = 40;
-    const auto end = came.begin() + static_cast<std::ptrdiff_t>(std::min(came.size(), recorded.size()));
-    const auto at = static_cast<size_t>(std::mismatch(came.begin(), end, recorded.begin()).first - came.begin());
-    if (came.size() <= shown) {
-        return came;
+    size_t at = 0;
+    while (at < std::min(came.size(), recorded.size()) && came[at] == recorded[at]) {
+        ++at;
     }
-    const size_t begin = at > before ? at - before : 0;
-    return "(" + std::to_string(came.size()) + " characters, different from " + std::to_string(at) + " on) ..." +
-           came.substr(begin, shown) + "... recorded there: ..." +
-           (begin < recorded.size() ? recorded.substr(begin, shown) : "");
+    at -= std::min(at, came.size() > shown ? before : at);
+    return "came from character " + std::to_string(at) + " on: " + came.substr(at, shown) +
+           "\nwhere recorded is: " + recorded.substr(at, shown);
 }
 
 // Replays the lines up to the first that comes out differently, which the failure shows behind those before it.
@@ -77,13 +75,14 @@ void ReplayCase(const std::string &name, const Case &lines, const Interface &int
     for (const Line &line : lines) {
         std::string came;
         try {
-            came = Joined(interface.operations.at(line.input[0])({line.input.begin() + 1, line.input.end()}));
+            const Fields fields = interface.operations.at(line.input[0])({line.input.begin() + 1, line.input.end()});
+            came = Joined(fields, [](const std::string &field) { return field; });
         } catch (const std::exception &error) {
             came = std::string("not replayed: ") + error.what();
         }
         before += line.raw + '\n';
-        if (const std::string recorded = Joined(line.expected); came != recorded) {
-            ADD_FAILURE_AT((FOLDER + name).c_str(), line.number) << before << "came: " << Difference(came, recorded);
+        if (const std::string recorded = Joined(line.expected, Unfold); came != recorded) {
+            ADD_FAILURE_AT((FOLDER + name).c_str(), line.number) << before << Difference(came, recorded);
             return;
         }
     }
@@ -141,8 +140,8 @@ void Replay(const std::string &name, const Interface &interface)
             ReplayCase(name, lines, interface);
         }
     }
-    for (const auto &[operation, reason] : interface.notOffered) {
-        EXPECT_EQ(used.count(operation), 1u) << operation << " is not recorded: needs no " << reason;
+    for (const std::string &operation : interface.notOffered) {
+        EXPECT_EQ(used.count(operation), 1u) << operation << " is not recorded";
     }
     EXPECT_GT(replayed, left) << "a replay that leaves most out proves nothing";
     std::cout << name << ": " << replayed << " cases replayed, " << left << " not\n";
@@ -151,35 +150,23 @@ void Replay(const std::string &name, const Interface &interface)
 
 std::string Unfold(const std::string &field)
 {
+    static const std::regex piece(R"re((\+?)"([^"]*)"(?:\*(\d+))?|\b([0-9a-f]{2})\*(\d+))re");
     std::string whole;
-    bool hasText = false;
-    for (size_t at = 0; at < field.size();) {
-        if (field[at] == '"') {
-            hasText = true;
-            const size_t end = field.find('"', at + 1);
-            if (end == std::string::npos) {
-                throw std::invalid_argument("no end of the text: " + field);
-            }
-            const std::string piece = field.substr(at + 1, end - at - 1);
-            const bool isJoined = at > 0 && field[at - 1] == '+';
-            whole.resize(whole.size() - (isJoined ? 2 : 0));  // the quote and the plus before it
-            whole += isJoined ? "" : "\"";
-            at = end + 1;
-            Repeat(whole, piece, Times(field, at));
+    auto rest = field.begin();
+    for (std::sregex_iterator match(field.begin(), field.end(), piece), end; match != end; ++match) {
+        const std::smatch &found = *match;
+        whole.append(rest, found[0].first);
+        rest = found[0].second;
+        const bool isText = !found[4].matched;
+        if (found.length(1) > 0) {
+            whole.pop_back();  // goes on with the text before it
+        } else if (isText) {
             whole += '"';
-            continue;
         }
-        const bool isPiece = (at == 0 || field[at - 1] == ' ') && field.find('*', at) == at + 2 &&
-                             field.find_first_not_of(DIGITS, at) == at + 2;
-        size_t end = at + (isPiece ? 2 : 1);
-        const std::string piece = field.substr(at, end - at);
-        Repeat(whole, piece, isPiece ? Times(field, end) : 1);
-        at = end;
+        Repeat(whole, isText ? found[2] : found[4], isText ? found[3] : found[5]);
+        whole += isText ? "\"" : "";
     }
-    if (!hasText && whole.find_first_not_of(std::string(DIGITS) + ' ') == std::string::npos) {
-        whole.erase(std::remove(whole.begin(), whole.end(), ' '), whole.end());
-    }
-    return whole;
+    return whole.append(rest, field.end());
 }
 
 std::string Text(const std::string &field)
@@ -191,7 +178,7 @@ std::string Text(const std::string &field)
     std::string text;
     for (size_t at = 1; at < quoted.size() - 1; ++at) {
         const bool isEscape = quoted[at] == '\\';
-        text += isEscape ? static_cast<char>(HexByte(quoted, at + 2)) : quoted[at];
+        text += isEscape ? Byte(quoted, at + 2) : quoted[at];
         at += isEscape ? 3 : 0;
     }
     return text;
@@ -199,10 +186,10 @@ std::string Text(const std::string &field)
 
 std::string Bytes(const std::string &field)
 {
-    const std::string digits = field == "-" ? "" : Unfold(field);
+    const std::string digits = field == "-" ? "" : WithoutGroups(Unfold(field));
     std::string bytes;
     for (size_t at = 0; at < digits.size(); at += 2) {
-        bytes += static_cast<char>(HexByte(digits, at));
+        bytes += Byte(digits, at);
     }
     return bytes;
 }

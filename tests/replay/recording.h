@@ -3,18 +3,21 @@
 // Replays the recorded files of tests/data/platform/ on the host platform: reads them, hands each line's input to a
 // function of the test, and compares what the function gives with what was recorded.
 //
-//     Replay("qos.txt", {.operations = {{"SetThreadQos", [](const Fields &in) -> Fields { return {...}; }}},
-//                        .notOffered = {{"Name", "the reason"}},
-//                        .begin = [] { puts back what an earlier case changed; }});
+//     Interface qos;
+//     qos.Add("SetThreadQos", [](const Fields &in) { return Fields{...}; });
+//     qos.begin = [] { puts back what an earlier case changed; };
+//     Replay("qos.txt", qos);
 
 #ifndef TESTS_REPLAY_RECORDING_H
 #define TESTS_REPLAY_RECORDING_H
 
 #include <functional>
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace replay {
@@ -35,8 +38,13 @@ using Case = std::vector<Line>;
 using Operation = std::function<Fields(const Fields &arguments)>;
 
 struct Interface {
+    void Add(const std::string &name, Operation operation)
+    {
+        operations[name] = std::move(operation);
+    }
+
     std::map<std::string, Operation> operations;
-    std::map<std::string, std::string> notOffered;  // operation to reason; cases that use one are not replayed
+    std::set<std::string> notOffered;  // cases that use one are not replayed
     std::function<void()> begin = [] {
     };  // runs before each case
 };

@@ -8,8 +8,8 @@
 #include <cstring>
 
 #include "call.h"
-#include "recording.h"
 #include "securec.h"
+#include "values.h"
 
 using namespace replay;
 
@@ -21,9 +21,14 @@ std::string Arena(size_t size, const std::string &bytes = "")
     return bytes + std::string(size - bytes.size(), '\x5a');
 }
 
-char *Pointer(std::string &arena, const std::string &field)
+char *At(std::string &arena, const std::string &field)
 {
     return field == "null" ? nullptr : arena.data() + Number<size_t>(field);
+}
+
+size_t Count(const std::string &field)
+{
+    return field == "-" ? 0 : Number<size_t>(field);
 }
 
 // arena, dest, destMax, src, count => result, the arena after
@@ -32,8 +37,8 @@ Operation OnArena(const Function &function)
 {
     return [function](const Fields &in) -> Fields {
         std::string arena = Arena(48, Bytes(in.at(0)));
-        const size_t count = in.at(4) == "-" ? 0 : Number<size_t>(in[4]);
-        const errno_t result = function(arena, Pointer(arena, in.at(1)), Number<size_t>(in.at(2)), in.at(3), count);
+        const errno_t result =
+            function(arena, At(arena, in.at(1)), Number<size_t>(in.at(2)), in.at(3), Count(in.at(4)));
         return {std::to_string(result), Hex(arena)};
     };
 }
@@ -42,14 +47,14 @@ template <typename Byte>
 Operation Copies(errno_t (*function)(Byte *, size_t, const Byte *, size_t))
 {
     return OnArena([function](std::string &arena, char *dest, size_t destMax, const std::string &src, size_t count) {
-        return function(dest, destMax, Pointer(arena, src), count);
+        return function(dest, destMax, At(arena, src), count);
     });
 }
 
 Operation CopiesWhole(errno_t (*function)(char *, size_t, const char *))
 {
     return OnArena([function](std::string &arena, char *dest, size_t destMax, const std::string &src, size_t) {
-        return function(dest, destMax, Pointer(arena, src));
+        return function(dest, destMax, At(arena, src));
     });
 }
 
@@ -60,12 +65,12 @@ Operation Prints(const Function &function)
     return [function](const Fields &in) -> Fields {
         constexpr size_t least = 16;
         std::string arena = Arena(1024);
-        char *const dest = Pointer(arena, in.at(0));
+        char *const dest = At(arena, in.at(0));
         const auto destMax = Number<size_t>(in.at(1));
-        const size_t count = in.at(2) == "-" ? 0 : Number<size_t>(in[2]);
+        const size_t count = Count(in.at(2));
         const RecordedCall call(in, 3, "lzt");
-        const int result =
-            call.Pass([&](auto... arguments) { return function(dest, destMax, count, call.Format(), arguments...); });
+        const int result = call.Pass(
+            [&](auto... arguments) { return function(dest, destMax, count, Pointer(call.format), arguments...); });
         const size_t end = arena.find('\0');
         return {std::to_string(result),
                 Hex(arena.substr(0, end == std::string::npos ? least : std::max(end + 1, least)))};
@@ -86,9 +91,8 @@ Fields Scan(const Fields &in)
         }
     }
     const RecordedCall call({in.at(1)}, 0, "lzt");
-    const std::string text = in[0] == "null" ? "" : Text(in[0]);
-    Fields results = {std::to_string(
-        sscanf_s(in[0] == "null" ? nullptr : text.c_str(), call.Format(), words[0], words[1], words[2], words[3]))};
+    const auto text = Target(in[0]);
+    Fields results = {Show(sscanf_s(Pointer(text), Pointer(call.format), words[0], words[1], words[2], words[3]))};
     for (size_t i = 0; i < targets.size(); ++i) {
         results.push_back(Hex(targets[i].substr(0, in[i + 2] == "i" || in[i + 2] == "u" ? 4 : 8)));
     }
@@ -100,27 +104,22 @@ Fields Scan(const Fields &in)
 TEST(SecurecReplay, GivesWhatWasRecorded)
 {
     Interface securec;
-    securec.operations = {
-        {"memset_s", OnArena([](std::string &, char *dest, size_t destMax, const std::string &value, size_t count) {
-             return memset_s(dest, destMax, Number<int>(value), count);
-         })},
-        {"memcpy_s", Copies(memcpy_s)},
-        {"memmove_s", Copies(memmove_s)},
-        {"strcpy_s", CopiesWhole(strcpy_s)},
-        {"strncpy_s", Copies(strncpy_s)},
-        {"strcat_s", CopiesWhole(strcat_s)},
-        {"strncat_s", Copies(strncat_s)},
-        {"sprintf_s", Prints([](char *dest, size_t destMax, size_t, const char *format, auto... arguments) {
-             return sprintf_s(dest, destMax, format, arguments...);
-         })},
-        {"snprintf_s", Prints([](char *dest, size_t destMax, size_t count, const char *format, auto... arguments) {
-             return snprintf_s(dest, destMax, count, format, arguments...);
-         })},
-        {"snprintf_truncated_s", Prints([](char *dest, size_t destMax, size_t, const char *format, auto... arguments) {
-             return snprintf_truncated_s(dest, destMax, format, arguments...);
-         })},
-        {"sscanf_s", Scan},
-    };
+    securec.Add("memset_s", OnArena([](std::string &, char *dest, size_t destMax, const std::string &value,
+                                       size_t count) { return memset_s(dest, destMax, Number<int>(value), count); }));
+    securec.Add("memcpy_s", Copies(memcpy_s));
+    securec.Add("memmove_s", Copies(memmove_s));
+    securec.Add("strcpy_s", CopiesWhole(strcpy_s));
+    securec.Add("strncpy_s", Copies(strncpy_s));
+    securec.Add("strcat_s", CopiesWhole(strcat_s));
+    securec.Add("strncat_s", Copies(strncat_s));
+    securec.Add("sprintf_s", Prints([](char *dest, size_t destMax, size_t, auto... call) {
+                    return sprintf_s(dest, destMax, call...);
+                }));
+    securec.Add("snprintf_s", Prints([](auto... call) { return snprintf_s(call...); }));
+    securec.Add("snprintf_truncated_s", Prints([](char *dest, size_t destMax, size_t, auto... call) {
+                    return snprintf_truncated_s(dest, destMax, call...);
+                }));
+    securec.Add("sscanf_s", Scan);
     Replay("securec.txt", securec);
 }
 
