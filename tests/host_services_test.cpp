@@ -12,6 +12,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -192,8 +193,13 @@ TEST(HostSoftBus, GivesOneIdentityOrAnError)
     NodeBasicInfo first{};
     NodeBasicInfo second{};
     ASSERT_EQ(GetLocalNodeDeviceInfo("pkg", &first) + GetLocalNodeDeviceInfo("other", &second), 0);
-    EXPECT_EQ(std::string(first.networkId).find_first_not_of("0123456789abcdef"), std::string::npos);
-    EXPECT_EQ(std::string(first.networkId).size(), NETWORK_ID_BUF_LEN - 1u);
+    const std::string id = first.networkId;
+    EXPECT_EQ(id.find_first_not_of("0123456789abcdef"), std::string::npos) << id;
+    EXPECT_EQ(id.size(), NETWORK_ID_BUF_LEN - 1u);
+    EXPECT_GT(std::set<char>(id.begin(), id.end()).size(), 4u) << id;
+    char host[DEVICE_NAME_BUF_LEN] = "";
+    gethostname(host, sizeof(host) - 1);
+    EXPECT_STREQ(first.deviceName, host);
     EXPECT_STREQ(first.networkId, second.networkId);
     EXPECT_EQ(GetLocalNodeDeviceInfo(nullptr, &first) + GetLocalNodeDeviceInfo("pkg", nullptr), -2);
     rlimit usual{};
