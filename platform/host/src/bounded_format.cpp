@@ -10,55 +10,12 @@
 #include <cwchar>
 #include <string_view>
 
-#include "conversion_size.h"
+#include "conversion.h"
 
 namespace {
 
 constexpr int LONGEST_PRECISION = 512;  // of integers
-constexpr int UNSET = -1;
-constexpr std::string_view PUBLIC_MARK = "{public}";
-constexpr std::string_view PRIVATE_MARK = "{private}";
 constexpr std::string_view PRIVATE_TEXT = "<private>";
-
-// Keeps the list of a caller in a class, so that functions can take it by reference.
-class Arguments {
-public:
-    explicit Arguments(va_list list)
-    {
-        va_copy(list_, list);
-    }
-
-    ~Arguments()
-    {
-        va_end(list_);
-    }
-
-    Arguments(const Arguments &) = delete;
-    Arguments &operator=(const Arguments &) = delete;
-
-    template <typename Value>
-    Value Next()
-    {
-        return va_arg(list_, Value);
-    }
-
-private:
-    va_list list_;
-};
-
-// One conversion, as "%{public}-8.3ld" splits into its parts.
-struct Conversion {
-    bool isVisible = true;
-    bool isLeft = false;
-    bool hasPlus = false;
-    bool hasBlank = false;
-    bool isAlternate = false;
-    bool hasZeros = false;
-    int width = 0;
-    int precision = UNSET;
-    ConversionSize size = ConversionSize::PLAIN;
-    char type = '\0';
-};
 
 // The characters of an integer in front of padding: "-", "0x", digits.
 struct Number {
@@ -111,97 +68,17 @@ private:
         isCut_ = isCut_ || length < static_cast<size_t>(count);
     }
 
-    // Reads digits or a star. Returns false for a number beyond an int.
-    bool ReadNumber(const char *&cursor, int &number)
-    {
-        if (*cursor == '*') {
-            ++cursor;
-            number = arguments_.Next<int>();
-            return number != INT_MIN;
-        }
-        int64_t value = 0;
-        for (; *cursor >= '0' && *cursor <= '9'; ++cursor) {
-            value = value * 10 + (*cursor - '0');
-            if (value > INT_MAX) {
-                return false;
-            }
-        }
-        number = static_cast<int>(value);
-        return true;
-    }
-
-    static void ReadFlags(const char *&cursor, Conversion &conversion)
-    {
-        for (;; ++cursor) {
-            switch (*cursor) {
-                case '-':
-                    conversion.isLeft = true;
-                    break;
-                case '+':
-                    conversion.hasPlus = true;
-                    break;
-                case ' ':
-                    conversion.hasBlank = true;
-                    break;
-                case '#':
-                    conversion.isAlternate = true;
-                    break;
-                case '0':
-                    conversion.hasZeros = true;
-                    break;
-                default:
-                    return;
-            }
-        }
-    }
-
-    bool ReadWidths(const char *&cursor, Conversion &conversion)
-    {
-        if (!ReadNumber(cursor, conversion.width)) {
-            return false;
-        }
-        if (conversion.width < 0) {
-            conversion.isLeft = true;
-            conversion.width = -conversion.width;
-        }
-        if (*cursor != '.') {
-            return true;
-        }
-        if (!ReadNumber(++cursor, conversion.precision)) {
-            return false;
-        }
-        conversion.precision = std::max(conversion.precision, UNSET);
-        return true;
-    }
-
     // Prints the conversion behind the percent sign and moves the cursor behind it. Returns false when it is none.
     bool Convert(const char *&cursor)
     {
         Conversion conversion;
-        if (dialect_ == FormatDialect::HILOG) {
-            const std::string_view rest(cursor);
-            conversion.isVisible = rest.substr(0, PUBLIC_MARK.size()) == PUBLIC_MARK;
-            if (conversion.isVisible) {
-                cursor += PUBLIC_MARK.size();
-            } else if (rest.substr(0, PRIVATE_MARK.size()) == PRIVATE_MARK) {
-                cursor += PRIVATE_MARK.size();
-            }
+        if (!ReadConversion(cursor, dialect_, arguments_, conversion)) {
+            return false;
         }
-        if (*cursor == '%') {
-            ++cursor;
+        if (conversion.type == '%') {
             Put("%");
             return true;
         }
-        ReadFlags(cursor, conversion);
-        if (!ReadWidths(cursor, conversion)) {
-            return false;
-        }
-        conversion.size = ReadConversionSize(cursor);
-        conversion.type = *cursor;
-        if (conversion.type == '\0') {
-            return false;
-        }
-        ++cursor;
         return PutValue(conversion);
     }
 
@@ -302,7 +179,8 @@ private:
             *--begin = digits[rest % base];
         }
         const int count = static_cast<int>(end - begin);
-        const int wanted = conversion.precision == UNSET ? 1 : std::min(conversion.precision, LONGEST_PRECISION);
+        const int wanted =
+            conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, LONGEST_PRECISION);
         int zeros = std::max(wanted - count, 0);
         if (conversion.isAlternate && conversion.type == 'o' && zeros == 0) {
             zeros = 1;
@@ -315,7 +193,7 @@ private:
             prefix = isUpper ? "0X" : "0x";
         }
         const int padding = conversion.width - static_cast<int>(prefix.size()) - zeros - count;
-        if (conversion.hasZeros && !conversion.isLeft && conversion.precision == UNSET) {
+        if (conversion.hasZeros && !conversion.isLeft && conversion.precision == UNSET_PRECISION) {
             Put(prefix);
             Fill('0', padding);
         } else {
@@ -392,7 +270,8 @@ private:
 
     bool PutString(const Conversion &conversion)
     {
-        const size_t limit = conversion.precision == UNSET ? SIZE_MAX : static_cast<size_t>(conversion.precision);
+        const size_t limit =
+            conversion.precision == UNSET_PRECISION ? SIZE_MAX : static_cast<size_t>(conversion.precision);
         const void *const text = arguments_.Next<const void *>();
         if (!conversion.isVisible) {  // whatever it points to
             Put(PRIVATE_TEXT);
