@@ -69,9 +69,10 @@ TEST_F(Dump, FollowsTheParameter)
 {
     SHOW(&dump_ == &OstraDump::GetInstance(), DUMP_WRITE_ENABLE_KEY, DUMP_DIR, DUMP_PATH_PREFIX);
     CALL(Write(name_, "x"));
-    for (const char *mode :
-         {"-1", "a", "", "w", "012345678901234567890123456789", "w1234567890123456789012345678", "1", "b", "-1a"}) {
-        InitWith(mode);
+    for (const std::string mode :
+         {"-1", "a", "", "w", "012345678901234567890123456789", "w1234567890123456789012345678"}) {
+        SHOW(mode);
+        InitWith(mode.c_str());
         CALL(Write(name_, "x"));
         CALL(TakeFile(name_));
     }
@@ -81,12 +82,9 @@ TEST_F(Dump, ReadsAnyParameter)
 {
     std::string value = "before";
     CALL(dump_.GetSysPara(nullptr, value));
-    SHOW(value);
     CALL(dump_.GetSysPara("sys.ostra.audio.dump.unset", value));
-    SHOW(value);
     EXPECT_EQ(SetParameter(KEY, "5"), 0);
     CALL(dump_.GetSysPara(KEY, value));
-    SHOW(value);
     EXPECT_EQ(SetParameter(KEY, ""), 0);
     CALL(dump_.GetSysPara(KEY, value));
     SHOW(value);
@@ -130,15 +128,13 @@ TEST_F(Dump, OpensInTheModeThatWasReadAndLeavesNothingOpen)
     FILE *file = dump_.OpenDumpFile(Path(name_));
     ASSERT_NE(file, nullptr);
     SHOW(fileno(file) == nextFree, std::fgetc(file));
-    CALL(std::fputc('y', file));
     CALL(dump_.CloseDumpFile(&file));
     SHOW(file);
     CALL(dump_.CloseDumpFile(&file));
     CALL(dump_.CloseDumpFile(nullptr));
-    CALL(TakeFile(name_));
-    const int again = dup(0);
-    close(again);
-    SHOW(again == nextFree);
+    file = dump_.OpenDumpFile(Path(name_));
+    SHOW(fileno(file) == nextFree);
+    dump_.CloseDumpFile(&file);
 }
 
 TEST_F(Dump, TakesPathsUpToFiftyCharacters)
@@ -150,7 +146,17 @@ TEST_F(Dump, TakesPathsUpToFiftyCharacters)
     CALL(TakeFile(longest));
     CALL(Write(longest + "x", "does not fit"));
     CALL(TakeFile(longest + "x"));
-    CALL(Write("../../../dev/full", std::string(100000, 'x')));
+}
+
+TEST_F(Dump, TellsWhatTheDiskDoesNotTake)
+{
+    ASSERT_EQ(symlink("/dev/full", Path(name_).c_str()), 0);
+    for (const char *mode : {"w", "a"}) {
+        InitWith(mode);
+        CALL(Write(name_, ""));
+        CALL(Write(name_, "x"));
+        CALL(Write(name_, std::string(100000, 'x')));
+    }
 }
 
 TEST_F(Dump, ThreadsDumpToFilesOfTheirOwn)

@@ -19,11 +19,11 @@
 #include <vector>
 
 #include "concurrent_task_client.h"
+#include "hilog/log.h"
 #include "hisysevent_manager.h"
 #include "parameter.h"
 #include "qos.h"
 #include "softbus_bus_center.h"
-#include "support/log_recorder.h"
 
 using namespace OHOS;
 using namespace OHOS::HiviewDFX;
@@ -243,15 +243,15 @@ TEST(HostQos, SchedulesAThreadAndResetsItOrLeavesItAlone)
 
 TEST(HostConcurrentTask, LogsEachRequestWithItsPairsInOrder)
 {
-    LogRecorder log;
+    static std::string lines;
+    LOG_SetCallback([](LogType, LogLevel level, unsigned int, const char *tag, const char *message) {
+        lines += std::to_string(level) + tag + ": " + message + "\n";
+    });
     auto &client = ConcurrentTask::ConcurrentTaskClient::GetInstance();
     client.RequestAuth({{"uid", "%s"}, {"pid", "4"}, {"a", ""}});
     client.ReportData(7, -1, {});
     client.ReportSceneInfo(8, {{"a", "b"}});
-    std::string lines;
-    for (const LogLine &line : log.Take()) {
-        lines += std::to_string(line.level) + line.tag + ": " + line.text + "\n";
-    }
+    LOG_SetCallback(nullptr);
     EXPECT_EQ(lines,
               "4CONCURRENT_TASK: RequestAuth a= pid=4 uid=%s\n4CONCURRENT_TASK: ReportData 7 -1\n"
               "4CONCURRENT_TASK: ReportSceneInfo 8 a=b\n");

@@ -19,7 +19,7 @@
 #include "dh_utils_tools.h"
 #include "ostra_context.h"
 #include "ostra_device_service.h"
-#include "support/allocation_fault.h"
+#include "support/fault.h"
 
 namespace OHOS::DistributedHardware {
 namespace {

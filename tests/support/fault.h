@@ -1,9 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One failure at a time: whatever a test lets fail (an allocation, a copy) asks Strikes() whether it is its turn.
+// One failure at a time: whatever a test lets fail (a copy, an allocation of cJSON) asks Strikes() whether it is its
+// turn. In a program that links fault.cpp each allocation of an array asks, too; those of the log and of the tests
+// themselves are no arrays. AllocationFault fails the others there.
 
 #ifndef TESTS_FAULT_H
 #define TESTS_FAULT_H
+
+#include <cJSON.h>
+
+#include <cstdint>
+#include <cstdlib>
 
 class Fault {
 public:
@@ -29,5 +36,30 @@ public:
 private:
     inline static thread_local int countdown_ = -1;
 };
+
+// While it lives, each allocation of cJSON can fail.
+class JsonFault {
+public:
+    JsonFault()
+    {
+        cJSON_Hooks hooks = {[](size_t size) { return Fault::Strikes() ? nullptr : std::malloc(size); }, std::free};
+        cJSON_InitHooks(&hooks);
+    }
+
+    ~JsonFault()
+    {
+        cJSON_InitHooks(nullptr);
+    }
+};
+
+// While it lives, the allocation of this thread with number `failing` (from 0) fails; those of arrays do not count.
+class AllocationFault {
+public:
+    explicit AllocationFault(uint64_t failing);
+    ~AllocationFault();
+};
+
+// Allocations that this thread has asked for so far, those of arrays apart.
+uint64_t AllocationCount();
 
 #endif  // TESTS_FAULT_H

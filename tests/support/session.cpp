@@ -90,28 +90,6 @@ std::string ReviewedText(const std::string &test)
     return text;
 }
 
-// The file that scripts/update-sessions has rewritten, as the string literal that a source includes.
-class SessionFile {
-public:
-    explicit SessionFile(const char *path) : file_(path)
-    {
-        file_ << "R\"~(\n";
-    }
-
-    ~SessionFile()
-    {
-        file_ << ")~\"\n";
-    }
-
-    void Add(const std::string &test, const std::string &text)
-    {
-        file_ << "=== " << test << "\n" << text;
-    }
-
-private:
-    std::ofstream file_;
-};
-
 }  // namespace
 
 void Session::SetUp()
@@ -130,8 +108,7 @@ void Session::TearDown()
         return;
     }
     ASSERT_TRUE(IsDebugDelivered()) << "what is not delivered would be lost from the texts";
-    static SessionFile file(update);
-    file.Add(TestName(), text_);
+    std::ofstream(update, std::ios::app) << "=== " << TestName() << "\n" << text_;
 }
 
 size_t Session::EndOfName(const std::string &names, size_t begin)
