@@ -15,7 +15,7 @@
 #include "ostra_context.h"
 #include "ostra_qos_adapter.h"
 #include "qos.h"
-#include "support/fault.h"
+#include "support/json_fault.h"
 #include "support/session.h"
 
 const char *const SESSIONS =

@@ -9,7 +9,7 @@
 #include "cJSON.h"
 #include "dh_device_json.h"
 #include "ostra_device_service.h"
-#include "support/fault.h"
+#include "support/json_fault.h"
 #include "support/session.h"
 
 const char *const SESSIONS =
@@ -121,6 +121,7 @@ TEST_F(Device, IsWrittenWithEveryMember)
     std::string text = "old";
     device_.deviceId_ = "d1";
     device_.deviceName_ = "desk \"tablet\"";
+    device_.port_ = 8080;
     CALL(device_.Unmarshal(R"({"port":7})"));  // reads nothing
     CALL(device_.Marshal(text));
     SHOW(text, device_.reserved_);

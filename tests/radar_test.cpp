@@ -90,11 +90,12 @@ TEST_F(Radar, ReportsEachStepWithItsKeysInOrder)
     SHOW(&radar_ == &OstraRadar::GetInstance(), OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT, ORG_PKG_NAME, SOFTBUS_PKG_NAME);
     radar_.SetCurBusinessId(2);
     ReportAll("F", 0);
-    CALL(radar_.ServiceStartRes("OnStart", 7, "ignored", 0));
     CALL(radar_.ServiceStopRes("F", -3));
     CALL(radar_.ConnectDeviceRes("Connect", -3, "dsoftbus"));
     CALL(RadarWrite("F", 1, "P"));
     CALL(::UpdateRes("F", INT32_MIN, "P"));
+    radar_.SetCurBusinessId(-1);
+    CALL(radar_.ServiceStartRes("OnStart", 7, "ignored", 0));
 }
 
 // Each operation has a budget of its own, and so have its failures: no success hides one.

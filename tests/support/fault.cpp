@@ -5,6 +5,7 @@
 #include "support/fault.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <new>
 
 namespace {

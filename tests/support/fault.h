@@ -7,10 +7,7 @@
 #ifndef TESTS_FAULT_H
 #define TESTS_FAULT_H
 
-#include <cJSON.h>
-
 #include <cstdint>
-#include <cstdlib>
 
 class Fault {
 public:
@@ -35,21 +32,6 @@ public:
 
 private:
     inline static thread_local int countdown_ = -1;
-};
-
-// While it lives, each allocation of cJSON can fail.
-class JsonFault {
-public:
-    JsonFault()
-    {
-        cJSON_Hooks hooks = {[](size_t size) { return Fault::Strikes() ? nullptr : std::malloc(size); }, std::free};
-        cJSON_InitHooks(&hooks);
-    }
-
-    ~JsonFault()
-    {
-        cJSON_InitHooks(nullptr);
-    }
 };
 
 // While it lives, the allocation of this thread with number `failing` (from 0) fails; those of arrays do not count.
