@@ -174,7 +174,7 @@ silence 0.500 s, the longest 0.500 s from 0.500 s on\nthe end is no whole frame:
 expect 0 'seconds 4.000' dump --rate 8000 --channels 1 --bits 8 - --wav "$folder/wav" < <(cat "$folder/dump")
 [ "$(od -A n -t x1 -j 44 -N 4 "$folder/wav" | tr -d ' ')" = 00c00080 ] || fail 'other bytes in the WAV file'
 printf '\0\100\0\0' >"$folder/left"
-expect 0 'silence 0.000 s' dump "$folder/left"
+expect 0 'silence 0.000 s' dump --rate 1 "$folder/left"
 expect 0 'there is no sound in it' dump /dev/null
 wave() { printf "%0$1d" 0 | sed "s/0/$2/g"; }
 expect 0 "$(wave 38 ▄) "$'\n'"$(wave 38 █)$(wave 37 ▀)"$'\n'"$(wave 38 ▀) " dump "$folder/dump"
@@ -193,7 +193,7 @@ for call in "frame 85" "service {}" "audio {}" "device {}" "parcel 00000000" "du
     "$inspect" --json $call | "$inspect" device - >"$folder/out" 2>"$folder/err" || fail "the JSON of $call is none"
     ! grep -q 'what follows' "$folder/out" || fail "more than JSON from $call"
 done
-expect 0 $'"text_bytes":\t"61 FF"\n"skipped":\t"UnMarshalling: Not found the separator!"' --json parcel 010000000200000061FF0000
+expect 0 $'"text":\t"a\\\\xFF"\n"text_bytes":\t"61 FF"\n"skipped":\t"UnMarshalling: Not found the separator!"' --json parcel 010000000200000061FF0000
 expect 1 '"error":' frame --json xyz
 expect 1 '"error":' parcel --json 11270000
 expect 0 'info: GetCrc: ChannelProtocol::GetCrc: getCrc16:' --log frame 85
