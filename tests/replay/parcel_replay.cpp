@@ -245,6 +245,7 @@ TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
         EXPECT_EQ(std::pair(parcel.GetDataSize(), parcel.ReadBuffer(1, false)[0]), std::pair(size_t{72}, uint8_t{7}));
         EXPECT_FALSE(parcel.SetAllocator(std::make_unique<DefaultAllocator>().get()));
         parcel.FlushBuffer();
+        EXPECT_EQ(parcel.GetDataCapacity(), 0u);
         EXPECT_TRUE(parcel.SetAllocator(new Counting(calls)) && parcel.WriteUint32(1));
     }
     EXPECT_EQ(calls, "alloc 4096 alloc 64 realloc 128 realloc 256 free end alloc 64 free end ");
