@@ -244,6 +244,7 @@ TEST(HostQos, SchedulesAThreadAndResetsItOrLeavesItAlone)
 TEST(HostConcurrentTask, LogsEachRequestWithItsPairsInOrder)
 {
     static std::string lines;
+    lines.clear();
     LOG_SetCallback([](LogType, LogLevel level, unsigned int, const char *tag, const char *message) {
         lines += std::to_string(level) + tag + ": " + message + "\n";
     });
