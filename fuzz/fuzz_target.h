@@ -75,19 +75,17 @@ std::string Show(Number number)
     return std::to_string(number);
 }
 
-// A text as it is, and in hexadecimal.
+// What is not printed is in hexadecimal.
 inline std::string Show(const std::string &text)
 {
     std::string shown;
-    std::string hex;
     for (const char character : text) {
         char code[] = "\\xNN";
         const auto byte = static_cast<unsigned char>(character);
         std::snprintf(code, sizeof(code), "\\x%02X", byte);
         shown += byte < ' ' || byte > '~' || byte == '\\' ? code : std::string(1, character);
-        hex += code + 2;
     }
-    return '"' + shown + "\" = " + hex;
+    return '"' + shown + '"';
 }
 
 // Ends the program, so that the input is kept, when the library gave something else.

@@ -3,7 +3,6 @@
 // Feeds a fuzzer files, and inputs made from pieces of them, the same in every run.
 // Usage: fuzz_replay_NAME FILE...
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -46,19 +45,15 @@ void Run(const std::string &input)
 
 int main(int argc, char **argv)
 {
-    std::vector<std::string> seeds;
+    std::vector<std::string> seeds = {std::string(FROM_NOTHING, '\0')};
+    for (char &byte : seeds[0]) {
+        byte = static_cast<char>(Below(256));
+    }
     for (int i = 1; i < argc; ++i) {
         std::ifstream file(argv[i], std::ios::binary);
         seeds.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
         Run(seeds.back());
     }
-    if (seeds.empty()) {
-        std::fprintf(stderr, "usage: %s FILE...\n", argv[0]);
-        return 2;
-    }
-    std::string noise(FROM_NOTHING, '\0');
-    std::generate(noise.begin(), noise.end(), [] { return static_cast<char>(Below(256)); });
-    seeds.push_back(noise);
     for (int i = 0; i < MADE_INPUTS; ++i) {
         Run(Make(seeds));
     }

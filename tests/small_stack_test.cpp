@@ -2,16 +2,20 @@
 //
 // What a peer sends is read within the stack of a small thread, however deep it nests.
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <map>
-#include <string>
+#include <algorithm>
+#include <climits>
 
 #include "dh_device_json.h"
 #include "ipc_utils.h"
 #include "message_parcel.h"
 #include "ostra_adapter_log.h"
+#include "support/session.h"
+
+const char *const SESSIONS =
+#include "sessions/small_stack_test.txt"
+    ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
@@ -22,73 +26,40 @@ constexpr size_t STACK_SIZE = size_t{16} * 64 * 1024;  // sanitizers widen every
 constexpr size_t STACK_SIZE = size_t{64} * 1024;
 #endif
 
-// As many arrays in each other, in an object: one level more than `arrays`.
-std::string Nested(size_t arrays, const std::string &key = "properties")
-{
-    return "{\"" + key + "\":{\"a\":" + std::string(arrays - 1, '[') + std::string(arrays - 1, ']') + "}}";
-}
-
-std::string InCapabilities(const std::string &text)
-{
-    std::string escaped;
-    for (char character : text) {
-        escaped += character == '"' || character == '\\' ? "\\" : "";
-        escaped += character;
+class SmallStack : public Session {
+protected:
+    void ReadEverything()
+    {
+        CALL(DHLog(DH_LOG_INFO, "%s", std::string(4095, 'x').c_str()));
+        for (const size_t levels : {100U, 101U, 990U}) {
+            Note(std::to_string(levels) + " levels");
+            const std::string arrays = std::string(levels - 2, '[') + std::string(levels - 2, ']');
+            CALL(service_.Unmarshal(R"({"properties":{"a":)" + arrays + "}}"));
+            CALL(audio_.Unmarshal(R"({"2103":{"a":)" + arrays + "}}"));
+            CALL(audio_.Unmarshal(R"({"2102":"[[)" + arrays + "]]\"}"));
+        }
+        MessageParcel parcel;
+        std::map<int32_t, std::string> read;
+        CALL(IpcUtils::Marshalling(parcel, {{1, std::string(5000, 'x')}}));
+        CALL(IpcUtils::UnMarshalling(parcel, read));
     }
-    return R"({"2102":")" + escaped + "\"}";
-}
 
-struct Document {
-    std::string text;
-    bool isRead;
+    DHOSTRADeviceServiceJson service_;
+    DHOSTRAAudioProperties audio_;
 };
 
-const Document DOCUMENTS[] = {
-    {Nested(99), true},
-    {Nested(100), false},
-    {Nested(990), false},
-    {std::string(100, '['), false},  // no JSON
-    {R"({"a":")" + std::string(200, '[') + "\"}", true},
-    {R"({"a":"\")" + std::string(200, '{') + "\"}", true},
-    {R"({"a":"\\","b":)" + Nested(990) + "}", false},
-    {R"({"a":"\)", false},
-    {Nested(98) + std::string(200, '['), true},  // behind the end nothing is read
-    {"]" + Nested(98), false},
-};
-
-// A list of many short arrays is not deep.
-std::string Wide()
+TEST_F(SmallStack, IsEnoughForLogAndReading)
 {
-    std::string text = R"({"a":[)";
-    for (int i = 0; i < 200; ++i) {
-        text += "[{}],";
-    }
-    return text + "0]}";
-}
-
-void *ReadEverything(void * /* argument */)
-{
-    DHLog(DH_LOG_INFO, "%s", std::string(4095, 'x').c_str());
-    for (const auto &[text, isRead] : DOCUMENTS) {
-        EXPECT_EQ(DHOSTRADeviceServiceJson().Unmarshal(text), isRead ? 0 : -70005) << text;
-        EXPECT_EQ(DHOSTRAAudioProperties().Unmarshal(text), isRead ? 0 : -70005) << text;
-        EXPECT_EQ(DHOSTRAAudioProperties().Unmarshal(InCapabilities(text)), isRead ? 0 : -70004) << text;
-    }
-    EXPECT_EQ(DHOSTRADeviceServiceJson().Unmarshal(Wide()), 0);
-    MessageParcel parcel;
-    std::map<int32_t, std::string> read;
-    EXPECT_TRUE(IpcUtils::Marshalling(parcel, {{1, std::string(5000, 'x')}}));
-    EXPECT_TRUE(IpcUtils::UnMarshalling(parcel, read));
-    return nullptr;
-}
-
-TEST(SmallStack, IsEnoughForLogAndReading)
-{
+    const auto read = [](void *test) -> void * {
+        static_cast<SmallStack_IsEnoughForLogAndReading_Test *>(test)->ReadEverything();
+        return nullptr;
+    };
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, STACK_SIZE), 0);
+    const auto least = static_cast<size_t>(PTHREAD_STACK_MIN);  // 128 KiB on 64-bit Arm
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::max(STACK_SIZE, least)), 0);
     pthread_t thread = {};
-    ASSERT_EQ(pthread_create(&thread, &attributes, ReadEverything, nullptr), 0);
+    ASSERT_EQ(pthread_create(&thread, &attributes, read, this), 0);
     EXPECT_EQ(pthread_join(thread, nullptr), 0);
     EXPECT_EQ(pthread_attr_destroy(&attributes), 0);
 }

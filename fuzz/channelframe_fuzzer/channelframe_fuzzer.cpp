@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Operations on one frame object, in any order and with any arguments, beside plain bytes and a position; the CRC of
-// the input beside its definition.
+// Operations on one frame object, in any order and with any arguments, beside plain bytes and a position; the
+// methods of the CRC beside each other.
 
 #include <algorithm>
 #include <memory>
@@ -42,19 +42,6 @@ UnPackagedEA Decode(const std::string &frame, int32_t offset)
     return ea;
 }
 
-// The definition, bit by bit.
-uint32_t Crc(const std::string &data)
-{
-    uint32_t crc = 0;
-    for (const char byte : data) {
-        for (int bit = 0; bit < 8; ++bit) {
-            const bool isSet = ((crc ^ static_cast<uint32_t>(byte >> bit)) & 1) != 0;
-            crc = isSet ? crc / 2 ^ 0xA001 : crc / 2;
-        }
-    }
-    return crc;
-}
-
 // One object, and what it holds.
 struct Session {
     ChannelProtocol frame;
@@ -70,15 +57,14 @@ void Run(Session &held, std::string &input)
     std::vector<uint8_t> content(text.begin(), text.end());  // no longer: the sanitizer sees a step too far
     content.reserve(1);                                      // so that an empty one is somewhere too
     uint8_t *data = (how & 0x80) != 0 ? nullptr : content.data();
-    int32_t size = static_cast<int32_t>(text.size()) * ((how & 0x40) != 0 ? -1 : 1);
+    const int32_t size = static_cast<int32_t>(text.size()) * ((how & 0x40) != 0 ? -1 : 1);
     bool isAllowed = data != nullptr && size > 0;
     const UnPackagedEA untouched{77, 77};
     UnPackagedEA ea = untouched;
     UnPackagedEA expected = untouched;
     switch (how % 4) {
         case 0:
-            size = (how & 0x20) != 0 ? INT32_MAX : size;
-            isAllowed = number <= 0x0FFFFFFF && size >= 0 && size < INT32_MAX;
+            isAllowed = number <= 0x0FFFFFFF && size >= 0;
             Hold("result of Create", isAllowed, held.frame.Create(number, size));
             if (isAllowed) {
                 held.bytes = Encode(static_cast<uint32_t>(number));
@@ -113,7 +99,6 @@ void Compare(const Session &held)
 {
     const auto size = static_cast<int32_t>(held.bytes.size());
     const unsigned char *buffer = held.frame.GetBuffer();
-    Hold("there is no buffer", size == 0, buffer == nullptr);
     Hold("protocolBuffer_ is the buffer", true, buffer == held.frame.protocolBuffer_);
     Hold("GetBufferSize", size, held.frame.GetBufferSize());
     Hold("bufferSize_", size, held.frame.bufferSize_);
@@ -121,25 +106,16 @@ void Compare(const Session &held)
     Hold("bytes", held.bytes, std::string(buffer, buffer + size));
 }
 
-// Of every range at the end, and method by method in two pieces.
+// Byte by byte, as the tests hold against the definition, and by the faster methods.
 void CheckCrc(const std::string &input)
 {
     std::vector<uint8_t> bytes(input.begin(), input.end());
-    const uint32_t ofAll = Crc(input);
-    const ChannelProtocol frame;
-    for (size_t begin = 0; begin <= std::min<size_t>(input.size(), 16); ++begin) {
-        uint8_t *rest = bytes.data() + begin;
-        const size_t length = bytes.size() - begin;
-        const auto signedLength = static_cast<int32_t>(length);
-        Hold("GetCrc", Crc(input.substr(begin)), frame.GetCrc(rest, signedLength));
-        Hold("GetCrc of no data", 0U, frame.GetCrc(nullptr, signedLength));
-        Hold("GetCrc of a length below 1", 0U, frame.GetCrc(bytes.data(), -signedLength));
-        for (const auto method : {Crc16, Crc16ByBytes, Crc16ByTables, Crc16ByFolding}) {
-            if (method != Crc16ByFolding || HasCarryLessMultiplication()) {
-                Hold("CRC by a method", ofAll, uint32_t{method(method(0, bytes.data(), begin), rest, length)});
-            }
-        }
-    }
+    const uint16_t expected = Crc16ByBytes(0, bytes.data(), bytes.size());
+    const auto fastest = HasCarryLessMultiplication() ? Crc16ByFolding : Crc16;
+    Hold("CRC by tables", expected, Crc16ByTables(0, bytes.data(), bytes.size()));
+    Hold("CRC by the fastest method", expected, fastest(0, bytes.data(), bytes.size()));
+    Hold("GetCrc of no data", 0U, ChannelProtocol().GetCrc(nullptr, 1));
+    Hold("GetCrc", uint32_t{expected}, ChannelProtocol().GetCrc(bytes.data(), static_cast<int32_t>(bytes.size())));
 }
 
 }  // namespace
