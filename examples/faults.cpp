@@ -38,7 +38,7 @@ std::vector<double> DrawMoments(uint64_t count, double seconds, std::mt19937_64 
 {
     constexpr double lastMoment = 0.8;  // leaves the time to come by
     std::uniform_real_distribution<double> moment(0, seconds * lastMoment);
-    std::vector<double> places(count);
+    std::vector<double> places(static_cast<size_t>(count));
     std::generate(places.begin(), places.end(), [&] { return moment(random); });
     std::sort(places.begin(), places.end());
     return places;
