@@ -125,7 +125,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     std::string input = Begin(data, size);
     CheckCrc(input);
     for (const char byte : input) {
-        Hold("end mark", byte < 0, ChannelProtocol::HasEA(static_cast<uint8_t>(byte)));
+        Hold("end mark", static_cast<uint8_t>(byte) >= 128, ChannelProtocol::HasEA(static_cast<uint8_t>(byte)));
     }
     for (Session held; !input.empty(); Compare(held)) {
         std::unique_ptr<unsigned char[]> earlier(held.frame.GetBuffer());  // a new frame does not release it
