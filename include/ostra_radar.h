@@ -7,14 +7,14 @@
 //     radar.SetCurBusinessId(2);
 //     radar.AudioOpenRes(__func__, ret);        // 0 is success, anything else goes into the event as ERROR_CODE
 //
-// The host sets business id and process name before it reports from several threads; GetProcessName and
-// the reporting operations may then be called from any thread at once. Each of the latter returns true when the
-// platform took the event, and otherwise logs the platform's code as an error and returns false (EnableVirtualRes,
-// AudioOpenRes, AudioCloseRes and DisconnectDeviceRes word it as "UpdatePortRes error", behind a prefix with their own
-// name). A code above 0 is a warning of the platform, which sends the event out all the same, cut or with a text that
-// it finds too long: it is logged, and the operation returns false, as for a refusal. The platform takes at most 100
-// events of one operation in 5 seconds, successes and failures counted apart. All raise std::bad_alloc when memory for
-// a text runs out. Who listens to the events includes hisysevent_manager.h beside this header.
+// The host sets business id and process name before it reports from several threads; GetProcessName and the reporting
+// operations may then be called from any thread at once. Each of the latter returns true when the platform took the
+// event, and otherwise logs the platform's code as an error and returns false (EnableVirtualRes, AudioOpenRes,
+// AudioCloseRes and DisconnectDeviceRes word it as "UpdatePortRes error", behind a prefix with their own name). A code
+// above 0 is a warning of the platform, which sends the event out all the same, cut or with a text that it finds too
+// long: it is logged, and the operation returns false, as for a refusal. The platform takes at most 100 events of one
+// operation in 5 seconds, successes and failures counted apart. All raise std::bad_alloc when memory for a text runs
+// out. Who listens to the events includes hisysevent_manager.h beside this header.
 
 #ifndef OSTRA_RADAR_H
 #define OSTRA_RADAR_H
