@@ -118,8 +118,30 @@ sed 's/8080/"8080"/; s/\(4[\]":[\]t\)2/\13/' "$folder/device" >"$folder/changed"
 expect 0 $'port missing\nport: a text, not a number\nas written no
 service type 4: version 3 (this library has 2)' device - <"$folder/changed"
 
-# Parcels.
-parcel=$(sed -n '/^```parcel$/,/^=> /{s|  // .*||;/^ /p}' "$page" | tr -d '\n')
+# Parcels: the entries that arrive, composed here, and what the page says of the next parcel hold the same map.
+words() { for number in "$@"; do printf '%02x%02x%02x%02x' $((number & 255)) $((number >> 8 & 255)) 0 0; done; }
+compose() {
+    local entry
+    words "$#"
+    for entry in "$@"; do
+        words "${#entry}"
+        printf '%s' "$entry" | od -An -v -t x1 | tr -d ' \n'
+        printf '%0*d' $((8 - ${#entry} % 4 * 2)) 0
+    done
+}
+# Of equal keys the last one counts.
+map_of() { "$inspect" parcel "$1" | awk '$2 == "=" { map[$1] = $0 } END { for (key in map) print map[key] }' | sort; }
+while IFS= read -r line; do
+    IFS=, read -r -a entries <<<"${line%%=>*}"
+    entries=("${entries[@]# }")
+    arrived=$(compose "${entries[@]% }")
+    [ "$(map_of "$arrived")" = "$(map_of "${line##*=> }")" ] || fail "a parcel with another map: $line"
+    size=$(map_of "$arrived" | wc -l)
+    expect 0 "count $size"$'\n'"accepted $size" parcel "${line##*=> }"
+    examples=$((examples + 1))
+done < <(examples parcel)
+count_as 4 parcels
+parcel=$(examples parcel | sed -n '1s/.*=> //p')
 expect 0 $'count 3\naccepted 3\n-3 = a#b\n7 = x\n10 = ' parcel "$parcel"
 expect 1 'refused after 2 of 3 entries: UnMarshalling: read value failed!' parcel "${parcel% 03 00 00 00 31*}"
 expect 0 'skipped: "7x#" (UnMarshalling: key_str is not Num)' parcel 01000000 03000000 37782300
