@@ -54,8 +54,9 @@ void Run(Session &held, std::string &input)
     const uint8_t how = TakeByte(input);
     const int32_t number = TakeNumber(input);
     const std::string text = TakeText(input);
-    std::vector<uint8_t> content(text.begin(), text.end());  // no longer: the sanitizer sees a step too far
-    content.reserve(1);                                      // so that an empty one is somewhere too
+    std::vector<uint8_t> content;
+    content.reserve(std::max(text.size(), size_t{1}));  // no longer: the sanitizer sees a step too far
+    content.assign(text.begin(), text.end());
     uint8_t *data = (how & 0x80) != 0 ? nullptr : content.data();
     const int32_t size = static_cast<int32_t>(text.size()) * ((how & 0x40) != 0 ? -1 : 1);
     bool isAllowed = data != nullptr && size > 0;
