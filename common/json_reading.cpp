@@ -5,8 +5,6 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-constexpr int DEEPEST_NESTING = 100;
-
 // The quotation mark that closes the string begun at `quote`, or the end of the text.
 const char *EndOfString(const char *quote)
 {

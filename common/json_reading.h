@@ -11,11 +11,13 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
+constexpr int DEEPEST_NESTING = 100;
+
 // How brackets and braces nest in a text, up to the one that closes the first; those inside strings do not count.
 enum class JsonNesting {
     CLOSED,    // the first is closed
     OPEN,      // there is none, or the text ends before it is closed
-    TOO_DEEP,  // more than 100 of them are open at once
+    TOO_DEEP,  // more than DEEPEST_NESTING of them are open at once
 };
 JsonNesting NestingOf(const char *text);
 

@@ -28,6 +28,9 @@ expect() {
     done <<<"$texts"
 }
 
+# times NUMBER CHARACTER: that many of it.
+times() { printf "%0$1d" 0 | sed "s/0/$2/g"; }
+
 # examples KIND: the worked examples of one kind, one a line, without comments.
 examples() {
     sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/d;s|  // .*||;p}" "$page" | sed -e ':a' -e '$!N;s/\n / /;ta' -e 'P;D'
@@ -108,8 +111,8 @@ done < <(examples audio)
 count_as 6 'audio capabilities'
 expect 0 $'48000,12,1: 48 kHz, stereo, 16 bits\n44100,3,4: 44.1 kHz, stereo, 24 bits\n16000,16,3: 16 kHz, mono, 32 bits
 8000,5,1: left out, the channel code 5 is unknown\n7: gives no bit (UpdataAudioCodec: ' audio "$(examples audio | head -1)"
-expect 1 'cJSON_Parse audioCapablitiesStr failed; Unmarshal: Failed to unmarshal AudioCapablities: -70005' \
-    audio '{"2102":"{"}'
+expect 1 'cJSON_Parse audioCapablitiesStr failed; Unmarshal: Failed to unmarshal AudioCapablities: -70005 (in 2102,
+the JSON breaks near offset 1 of 1 bytes)' audio '{"2102":"{"}'
 expect 0 $'codecs[1]: a text, not a number\nprofiles[0].sampleRate counts as 0' audio "$(examples audio | sed -n 2p)"
 sed -n '/^```device$/,/^```$/{/^```/d;p}' "$page" >"$folder/device"
 expect 0 $'deviceName desk "tablet"\nport 8080\nservice type 2: version 2\nservice type 512: version 1
@@ -117,6 +120,8 @@ as written yes' device "$folder/device"
 sed 's/8080/"8080"/; s/\(4[\]":[\]t\)2/\13/' "$folder/device" >"$folder/changed"
 expect 0 $'port missing\nport: a text, not a number\nas written no
 service type 4: version 3 (this library has 2)' device - <"$folder/changed"
+expect 0 'the version table is not read, since the JSON breaks near offset 1 of 1 bytes: {' \
+    device '{"properties":{"2016":"{"}}'
 
 # Parcels: the entries that arrive, composed here, and what the page says of the next parcel hold the same map.
 words() { for number in "$@"; do printf '%02x%02x%02x%02x' $((number & 255)) $((number >> 8 & 255)) 0 0; done; }
@@ -198,8 +203,7 @@ expect 0 'seconds 4.000' dump --rate 8000 --channels 1 --bits 8 - --wav "$folder
 printf '\0\100\0\0' >"$folder/left"
 expect 0 'silence 0.000 s' dump --rate 1 "$folder/left"
 expect 0 'there is no sound in it' dump /dev/null
-wave() { printf "%0$1d" 0 | sed "s/0/$2/g"; }
-expect 0 "$(wave 38 ▄) "$'\n'"$(wave 38 █)$(wave 37 ▀)"$'\n'"$(wave 38 ▀) " dump "$folder/dump"
+expect 0 "$(times 38 ▄) "$'\n'"$(times 38 █)$(times 37 ▀)"$'\n'"$(times 38 ▀) " dump "$folder/dump"
 expect 1 "$folder/dump: is the dump itself" dump "$folder/dump" --wav "$folder/dump"
 if command -v sox >/dev/null; then
     expect 0 '' dump "$folder/dump" --image "$folder/image"
@@ -228,7 +232,15 @@ expect 1 'an odd number of hexadecimal digits: 856' frame 856
 expect 1 'not hexadecimal: 8x' frame 8x
 expect 1 'no frame: CreateFromBuffer: ChannelProtocol::CreateFromBuffer: Invalid para.' frame ''
 expect 1 'no service document (-70005): Unmarshal: Failed to unmarshal DHOSTRADeviceServiceJson.' service '{'
-expect 1 'no device document' device '{'
+expect 1 'Json. (the JSON breaks near offset 5 of 9 bytes)' service '{"a":tru}'
+expect 1 'no device document: the JSON breaks near offset 1 of 1 bytes' device '{'
+expect 1 'no device document: it is an array, not an object' device - <<<'[]'
+levels() { echo "{\"a\":$(times $(($1 - 1)) '[')$(times $(($1 - 1)) ']')}"; }
+for subject in service audio device; do
+    expect 0 'a: unknown' "$subject" "$(levels 100)"
+    expect 1 'the JSON nests deeper than 100 levels' "$subject" "$(levels 101)"
+    expect 1 'the JSON nests deeper than 100 levels' "$subject" "$(levels 990)"
+done
 expect 1 'the dump does not go on at offset 00000020' frame "00000000: 8568"$'\n'"00000020: 8568"
 expect 1 'a dump of words' frame '0000000 6885 6c65'
 ! "$inspect" events "$folder/written" >/dev/full 2>"$folder/err" || fail 'a full standard output goes unnoticed'

@@ -5,8 +5,6 @@
 
 #include "dh_device_json.h"
 #include "members.h"
-#include "ostra_constants.h"
-#include "subjects.h"
 
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
@@ -100,27 +98,23 @@ Finding InspectAudio(const std::string &text)
     Finding finding;
     DHOSTRAAudioProperties audio;
     const int32_t result = audio.Unmarshal(text);
-    finding.log = TakeLog();
-    if (result != OSTRA_JSON_SUCCESS) {
-        finding.refusal =
-            "no audio capabilities (" + std::to_string(result) + "): " + Reasons(finding.log, "not enough memory");
-    }
     Report warnings("warnings", Report::Shape::LIST);
     Report ignored("ignored", Report::Shape::LIST);
-    const JsonTree root = ParseDocument(text, warnings);
+    auto [root, flaw] = ParseDocument(text, warnings);
     AddIgnored(ignored, root.get(), {CAPABILITIES});
     const bool isOutside = TakenMember(root.get(), CODECS) != nullptr || TakenMember(root.get(), PROFILES) != nullptr;
     if (isOutside && TakenMember(root.get(), CAPABILITIES) == nullptr) {
         warnings.Add("", "codecs and profiles are only read inside the text of the member 2102");
     }
     if (!audio.audioCapablities_.empty()) {
-        const JsonTree capabilities = ParseDocument(audio.audioCapablities_, warnings);
-        AddIgnored(ignored, capabilities.get(), {CODECS, PROFILES}, "2102.");
-        AddIgnoredElements(ignored, warnings, capabilities.get());
+        const Document capabilities = ParseDocument(audio.audioCapablities_, warnings);
+        AddIgnored(ignored, capabilities.root.get(), {CODECS, PROFILES}, "2102.");
+        AddIgnoredElements(ignored, warnings, capabilities.root.get());
+        flaw = capabilities.flaw.empty() ? "" : "in 2102, " + capabilities.flaw;
     }
+    Conclude(finding, "audio capabilities", result, flaw);
 
     Report &report = finding.report;
-    report.Add("result", result);
     report.Add("capabilities", audio.audioCapablities_);
     Report codecs("codecs", Report::Shape::LIST);
     for (const uint32_t codec : audio.codecs_) {

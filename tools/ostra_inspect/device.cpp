@@ -8,8 +8,6 @@
 #include "dh_device_json.h"
 #include "input.h"
 #include "members.h"
-#include "ostra_constants.h"
-#include "subjects.h"
 
 using OHOS::DistributedHardware::OstraAdapter::DHOSTRADeviceJson;
 
@@ -63,9 +61,9 @@ Report VersionTable(const cJSON *properties, Report &warnings)
         warnings.Add("", "there is no version table: properties has no text 2016");
         return table;
     }
-    const JsonTree versions = ParseDocument(text->valuestring, warnings);
+    const auto [versions, flaw] = ParseDocument(text->valuestring, warnings);
     if (versions == nullptr) {
-        warnings.Add("", "the version table is no JSON: " + std::string(text->valuestring));
+        warnings.Add("", "the version table is not read, since " + flaw + ": " + text->valuestring);
         return table;
     }
     const cJSON *entry = nullptr;
@@ -120,9 +118,12 @@ std::string Written(const cJSON *root)
 Finding InspectDevice(const std::string &text)
 {
     Report warnings("warnings", Report::Shape::LIST);
-    const JsonTree root = ParseDocument(text, warnings);
+    const auto [root, flaw] = ParseDocument(text, warnings);
     if (root == nullptr) {
-        throw InputError("no device document: it is no JSON");
+        throw InputError("no device document: " + flaw);
+    }
+    if (cJSON_IsObject(root.get()) == 0) {
+        throw InputError("no device document: it is " + KindOf(root.get()) + ", not an object");
     }
     Finding finding;
     Report members("members");

@@ -5,6 +5,12 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <utility>
+
+#include "json_reading.h"
+#include "ostra_constants.h"
+
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
@@ -30,21 +36,36 @@ bool IsOfKind(const cJSON *item, MemberKind kind)
 
 }  // namespace
 
-JsonTree ParseDocument(const std::string &text, Report &warnings)
+Document ParseDocument(const std::string &text, Report &warnings)
 {
-    const char *end = nullptr;
-    JsonTree tree(cJSON_ParseWithOpts(text.c_str(), &end, 0), &cJSON_Delete);
-    if (tree == nullptr) {
-        return tree;
+    if (NestingOf(text.c_str()) == JsonNesting::TOO_DEEP) {
+        return {nullptr, "the JSON nests deeper than " + std::to_string(DEEPEST_NESTING) + " levels"};
     }
+    const char *end = nullptr;
+    JsonTree root(cJSON_ParseWithOpts(text.c_str(), &end, 0));
+    // Where parsing failed, the end is the place; cJSON is one byte past it at a name without quotation mark.
     const auto length = static_cast<size_t>(end - text.c_str());
+    if (root == nullptr) {
+        return {nullptr, "the JSON breaks near offset " + std::to_string(length) + " of " +
+                             std::to_string(text.size()) + " bytes"};
+    }
     if (text.find_first_not_of(WHITE_SPACE, length) != std::string::npos) {
         warnings.Add("", "what follows the document is ignored: " + std::to_string(text.size() - length) + " bytes");
     }
-    if (cJSON_IsObject(tree.get()) == 0) {
-        warnings.Add("", "the document is " + KindOf(tree.get()) + ", not an object: nothing is read from it");
+    if (cJSON_IsObject(root.get()) == 0) {
+        warnings.Add("", "the document is " + KindOf(root.get()) + ", not an object: nothing is read from it");
     }
-    return tree;
+    return {std::move(root), ""};
+}
+
+void Conclude(Finding &finding, const std::string &document, int32_t result, const std::string &flaw)
+{
+    finding.log = TakeLog();
+    finding.report.Add("result", result);
+    if (result != OSTRA_JSON_SUCCESS) {
+        finding.refusal = "no " + document + " (" + std::to_string(result) +
+                          "): " + Reasons(finding.log, "not enough memory") + (flaw.empty() ? "" : " (" + flaw + ")");
+    }
 }
 
 const cJSON *TakenMember(const cJSON *object, const MemberRule &rule)

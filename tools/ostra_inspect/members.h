@@ -5,15 +5,13 @@
 #ifndef TOOLS_MEMBERS_H
 #define TOOLS_MEMBERS_H
 
-#include <cJSON.h>
-
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "report.h"
+#include "json_object.h"
+#include "subjects.h"
 
-using JsonTree = std::unique_ptr<cJSON, decltype(&cJSON_Delete)>;
+using OHOS::DistributedHardware::OstraAdapter::JsonTree;
 
 enum class MemberKind { TEXT, NUMBER, TRUTH, OBJECT, ARRAY };
 
@@ -23,9 +21,18 @@ struct MemberRule {
 };
 using MemberRules = std::vector<MemberRule>;
 
-// The document of the text, null when that is no JSON. What a reader does not look at is added to the warnings: what
-// follows the document or a zero byte, and a document that is no object.
-JsonTree ParseDocument(const std::string &text, Report &warnings);
+struct Document {
+    JsonTree root;     // null when the library counts the text as no JSON
+    std::string flaw;  // then why: how deep it nests, or where it breaks
+};
+
+// The document of the text. What a reader does not look at is added to the warnings: what follows the document or a
+// zero byte, and a document that is no object.
+Document ParseDocument(const std::string &text, Report &warnings);
+
+// Notes how the library's reader ended: its result, what it logged and, when it refused the document, why; `flaw` is
+// what was found wrong with the text.
+void Conclude(Finding &finding, const std::string &document, int32_t result, const std::string &flaw);
 
 // The member that a reader takes: the first of its name, without regard to case, if it is of the right kind; else null.
 const cJSON *TakenMember(const cJSON *object, const MemberRule &rule);

@@ -4,11 +4,8 @@
 
 #include "dh_device_json.h"
 #include "members.h"
-#include "ostra_constants.h"
-#include "subjects.h"
 
 using OHOS::DistributedHardware::OstraAdapter::DHOSTRADeviceServiceJson;
-using OHOS::DistributedHardware::OstraAdapter::OSTRA_JSON_SUCCESS;
 
 namespace {
 
@@ -39,17 +36,13 @@ Finding InspectService(const std::string &text)
 {
     Finding finding;
     DHOSTRADeviceServiceJson service;
-    const int32_t result = service.Unmarshal(text);
-    finding.log = TakeLog();
-    finding.report.Add("result", result);
-    if (result != OSTRA_JSON_SUCCESS) {
-        finding.refusal =
-            "no service document (" + std::to_string(result) + "): " + Reasons(finding.log, "not enough memory");
+    Report warnings("warnings", Report::Shape::LIST);
+    const auto [root, flaw] = ParseDocument(text, warnings);
+    Conclude(finding, "service document", service.Unmarshal(text), flaw);
+    if (!finding.refusal.empty()) {
         return finding;
     }
-    Report warnings("warnings", Report::Shape::LIST);
     Report ignored("ignored", Report::Shape::LIST);
-    const JsonTree root = ParseDocument(text, warnings);
     Report members("members");
     MemberRules rules;
     for (const HeldMember &member : MembersOf(service)) {
