@@ -79,9 +79,9 @@ public:
     // What did not come, or not as it was offered; each with a comma behind it.
     std::string Missing() const
     {
-        return std::string(isDeviceRight_ ? "" : "the device document is missing, ") +
-               (isServiceRight_ ? "" : "the service document is missing, ") +
-               (areSettingsRight_ ? "" : "the settings are missing, ");
+        return std::string(isDeviceRight_ ? "" : "the device document is missing or not as offered, ") +
+               (isServiceRight_ ? "" : "the service document is missing or not as offered, ") +
+               (areSettingsRight_ ? "" : "the settings are missing or not as offered, ");
     }
 
     void AddRows(Summary &summary) const
