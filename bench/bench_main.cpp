@@ -5,8 +5,7 @@
 //
 //     --strict           fails when a row is not as wanted
 //     --curves=FOLDER    instead of the table writes the curves of each picture to FOLDER/PICTURE.dat: a line of
-//     labels,
-//                        then a size and the seconds of each curve a line
+//                        labels, then a size and the seconds of each curve a line
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>

@@ -66,8 +66,8 @@ uint8_t *DHData::Data() const
 int32_t DHData::SetRange(size_t offset, size_t size)
 {
     size_t end = 0;
-    static_cast<void>(__builtin_add_overflow(
-        offset, size, &end));  // may wrap around; a plain sum would trap where overflow is checked
+    // The sum may wrap around; a plain one would trap where overflow is checked.
+    static_cast<void>(__builtin_add_overflow(offset, size, &end));
     if (offset > capacity_ || end > capacity_) {
         return -1;
     }
