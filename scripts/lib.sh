@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # What every script here begins with: strict, at the top folder, and with the answer to --help, which is the comment at
-# the script's head. To be sourced.
+# the script's head, and what `tell_more` prints where the script defines it before it sources this. To be sourced.
 set -euo pipefail
 
 script=$(cd "$(dirname "$0")" && pwd)/${0##*/}
@@ -32,6 +32,7 @@ need_preset() {
 case ${1-} in
     -h | --help)
         sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$script"
+        ! declare -F tell_more >/dev/null || tell_more
         exit
         ;;
 esac

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Every script tells what it does when asked with --help, and refuses a call that it does not understand with status 2,
-# both before it does anything else. Usage: scripts_test.sh SOURCE_FOLDER
+# Every script tells what it does when asked with --help or -h, and refuses a call that it does not understand with
+# status 2, both before it does anything else. Usage: scripts_test.sh SOURCE_FOLDER
 set -euo pipefail
 
 cd "$1"
@@ -9,10 +9,11 @@ failed=0
 for script in scripts/* .ci/run; do
     case $script in
         scripts/lib.sh | scripts/*.awk) continue ;; # not to be run
-        scripts/demo) continue ;;   # must build the example first, which has options of its own
     esac
-    help=$(timeout 10 "$script" --help </dev/null) && [ -n "$help" ] ||
-        { echo "$script: no answer to --help"; failed=1; }
+    for question in --help -h; do
+        help=$(timeout 10 "$script" $question </dev/null) && [ -n "$help" ] ||
+            { echo "$script: no answer to $question"; failed=1; }
+    done
     status=0
     timeout 10 "$script" --no-such-option </dev/null >/dev/null 2>&1 || status=$?
     [ $status = 2 ] || { echo "$script: status $status for an unknown option"; failed=1; }
