@@ -26,7 +26,10 @@ pages=$prefix/share/doc/ostra_adapter_utils
 for page in LICENSE README.md CHANGELOG.md docs/wire-formats.md; do
     [ -f "$pages/$page" ] || { echo "not installed: $page"; exit 1; }
 done
-[ -L "$libraries/libostra_adapter_utils.so.0.1" ] || { echo "the library has no soname"; exit 1; }
+version=$(sed -n 's/^#define OSTRA_VERSION "\(.*\)"$/\1/p' "$here/../include/ostra_version.h")
+interface=${version%%.*} # while it is 0, each minor version may change the interface
+[ "${interface:?}" != 0 ] || interface=${version%.*}
+[ -L "$libraries/libostra_adapter_utils.so.$interface" ] || { echo "no library is called after $interface"; exit 1; }
 
 mkdir "$folder/outside"
 sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$here/../README.md" >"$folder/outside/CMakeLists.txt"
