@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # What the environment variables do for events and parameters: host_environment_test.sh COMMAND..., which runs
 # host_services_test. A FIFO must never be waited for.
 set -euo pipefail
