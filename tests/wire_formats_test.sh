@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Reads the examples of the page on wire formats strictly: its fenced blocks, of which the word behind the fence is the
-# kind. Those of the computed kinds, one "input => output" each, are for inspect_test.sh to recompute; a block of another
-# kind is what leaves the library, and must stand word for word in the reviewed texts of the sessions.
+# kind. Those of the computed kinds, one "input => output" each, are for inspect_test.sh to recompute; a block of
+# another kind is what leaves the library, and must stand word for word in the reviewed texts of the sessions.
 # Usage: wire_formats_test.sh PAGE SESSIONS
 set -euo pipefail
 
