@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# What the environment variables do for events and parameters: host_environment_test.sh COMMAND..., which runs
+# What the environment variables do for events, parameters and the log: host_environment_test.sh COMMAND..., which runs
 # host_services_test. A FIFO must never be waited for.
 set -euo pipefail
 
@@ -30,8 +30,9 @@ printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semi
 run OSTRA_HOST_EVENT_OUTPUT stderr
 expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 heard 2'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
+expect 'the last 100 unsent events' 'heard 2 then 101'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
-[ "$(grep -c '^{"domain_":.*"T":"[ab]"}$' "$folder/events")" = 4 ] || { echo "FAILED: not 4 whole lines"; exit 1; }
+[ "$(grep -c '^{"domain_":.*"T":"[abc]"}$' "$folder/events")" = 6 ] || { echo "FAILED: not 6 whole lines"; exit 1; }
 run OSTRA_HOST_EVENT_OUTPUT /dev/full
 expect 'a full disk' 'results -5 -5 heard 0'
 for refused in "$folder" "$folder/fifo"; do
@@ -48,3 +49,25 @@ expect 'a missing file' 'cannot be opened: .*test.file is unset'
 run OSTRA_HOST_PARAMETER_FILE "$folder/parameters"
 expect 'skipped entries' 'PARAMETER_FILE: skipping malformed entry "B-D=1".*PARAMETERS: skipping malformed entry "nothing"'
 expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is a;b\ntest.list is a=b\ntest.empty is \n'
+! grep '# a=1' "$folder/text" || { echo 'FAILED: a comment is reported'; exit 1; }
+
+# level VALUE DELIVERED LINE...: the lines of the log with their level and message, each of one write.
+level() {
+    local value=$1 delivered=$2 process
+    shift 2
+    run OSTRA_HOST_LOG_LEVEL "$value"
+    process=$(sed -n 's/^process //p' "$folder/text")
+    sed -nE "s|^$today [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: |\1|p" "$folder/text" >"$folder/lines"
+    [ "$(tr '\n' ' ' <"$folder/lines")" = "${*:+$* }" ] || { cat "$folder/text"; echo "FAILED: log level $value"; exit 1; }
+    expect "log level $value" "delivered $delivered in $# writes"
+}
+
+today=$(date +%m-%d)
+level debug 34567 D3 I4 W5 E6 F7
+level info 4567 I4 W5 E6 F7
+level warn 4567 W5 E6 F7
+level error 4567 E6 F7
+level fatal 4567 F7
+level off 4567
+level none 4567 I4 W5 E6 F7
+expect 'an unknown level' 'OSTRA_HOST_LOG_LEVEL=none is none of debug, info, warn, error, fatal, off; taken as unset'

@@ -6,11 +6,10 @@
 
 #include <atomic>
 #include <functional>
-#include <map>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -21,33 +20,25 @@
 using namespace OHOS;
 using namespace OHOS::DistributedHardware;
 
+static_assert(SUCCEEDED(ERR_OK));
+static_assert(FAILED(ERR_OK - 1));
+
 namespace {
 
-std::atomic<int> alive{0};
+const auto token = std::make_shared<int>();  // held here and by every object
 
 struct Object : virtual RefBase {
     explicit Object(int number = 0) : value(number)
     {
-        ++alive;
-    }
-    Object(const Object &other) : RefBase(other), value(other.value)
-    {
-        ++alive;
-    }
-    ~Object() override
-    {
-        --alive;
     }
     int value;
+    std::shared_ptr<int> held = token;
 };
 
 struct Derived : Object {
     using Object::Object;
     DISALLOW_COPY_AND_MOVE(Derived);
 };
-static_assert(!std::is_copy_constructible_v<Derived> && !std::is_move_constructible_v<Derived> &&
-              !std::is_copy_assignable_v<Derived> && !std::is_move_assignable_v<Derived>);
-static_assert(SUCCEEDED(ERR_OK) && FAILED(ErrCode{-1}) && !FAILED(0) && !SUCCEEDED(1));
 
 struct Listener : IPublisherListener {
     explicit Listener(std::function<void(const std::string &)> action) : act(std::move(action))
@@ -70,24 +61,20 @@ TEST(HostRefBase, PointersOfOneObjectShareItsCount)
         const sptr<Object> second(raw);
         sptr<Object> third = first;
         const sptr<Object> fourth = std::move(third);
-        EXPECT_TRUE(first == second && fourth == raw && nullptr == third && third == nullptr && !(first != second));
+        EXPECT_EQ(third, nullptr);
+        EXPECT_EQ(fourth, raw);
         EXPECT_EQ(raw->GetSptrRefCount(), 3);
     }
     EXPECT_EQ(raw->GetSptrRefCount(), 1);
     const sptr<Derived> derived = sptr<Derived>::MakeSptr(2);
     first = derived;  // ends the first object
-    EXPECT_EQ(alive, 1);
+    EXPECT_EQ(token.use_count(), 1 + 1);
     const Object copy(*first);  // counts for itself
-    EXPECT_EQ(std::pair(copy.value, derived->GetSptrRefCount()), std::pair(2, 2));
-    first = new Object(3);
-    first->IncStrongRef(nullptr);
-    Object *const kept = first.GetRefPtr();
+    EXPECT_EQ(copy.value, 2);
+    EXPECT_EQ(derived->GetSptrRefCount(), 2);
     first = nullptr;
-    EXPECT_TRUE(!first && kept->GetSptrRefCount() == 1 && (*derived).value == 2);
-    kept->DecStrongRef(nullptr);
-    EXPECT_EQ(alive, 2);  // derived and its copy
-    const std::map<sptr<Object>, int> keys = {{derived, 1}};
-    EXPECT_EQ(keys.count(derived), 1u);
+    EXPECT_FALSE(first);
+    EXPECT_EQ(derived->GetSptrRefCount(), 1);
 }
 
 TEST(HostRefBase, AWeakPointerTellsWhetherTheObjectLives)
@@ -98,18 +85,16 @@ TEST(HostRefBase, AWeakPointerTellsWhetherTheObjectLives)
     EXPECT_EQ(weak.promote()->value, 5);
     EXPECT_EQ(strong->GetSptrRefCount(), 1);
     strong = nullptr;
-    EXPECT_EQ(alive, 0);
-    EXPECT_TRUE(weak.promote() == nullptr && copy.promote() == nullptr && wptr<Object>().promote() == nullptr);
+    EXPECT_EQ(token.use_count(), 1);
+    EXPECT_FALSE(copy.promote());
+    EXPECT_FALSE(wptr<Object>().promote());
     {
         Object uncounted;
         weak = &uncounted;
         EXPECT_EQ(uncounted.GetSptrRefCount(), 0);
     }
     EXPECT_FALSE(weak.promote());
-    const sptr<Derived> derived = new Derived(7);
-    weak = derived;
-    EXPECT_EQ(weak.promote(), derived);
-    weak = new Object(6);  // not counted yet: the first strong pointer takes it
+    weak = new Derived(6);  // not counted yet: the first strong pointer takes it
     EXPECT_EQ(weak.promote()->value, 6);
     EXPECT_FALSE(weak.promote());
 }
@@ -119,13 +104,12 @@ TEST(HostRefBase, CountsFromAllThreads)
 {
     for (int round = 0; round < 200; ++round) {
         sptr<Object> strong = new Object(round);
-        const wptr<Object> weak = strong;
         std::vector<std::thread> threads;
         for (int i = 0; i < 3; ++i) {
-            threads.emplace_back([weak, round] {
+            threads.emplace_back([weak = wptr<Object>(strong), round] {
                 for (int promotion = 0; promotion < 20; ++promotion) {
                     const sptr<Object> held = weak.promote();
-                    EXPECT_TRUE(!held || sptr<Object>(held)->value == round);
+                    EXPECT_EQ(held ? held->value : round, round);
                 }
             });
         }
@@ -133,7 +117,7 @@ TEST(HostRefBase, CountsFromAllThreads)
         for (std::thread &thread : threads) {
             thread.join();
         }
-        EXPECT_EQ(alive, 0);
+        EXPECT_EQ(token.use_count(), 1);
     }
 }
 
@@ -142,7 +126,7 @@ TEST(HostPublisher, ReachesTheListenersOfTheTopicThroughAnyKit)
     constexpr DHTopic topic{8};
     constexpr DHTopic unused{UINT32_MAX};
     std::string heard;
-    sptr<IPublisherListener> first = new Listener([&](const std::string &text) { heard += "1st " + text + ' '; });
+    const sptr<IPublisherListener> first = new Listener([&](const std::string &text) { heard += "1st " + text + ' '; });
     const sptr<IPublisherListener> second = new Listener([&](const std::string &text) { heard += "2nd " + text; });
     DistributedHardwareFwkKit kit;
     EXPECT_EQ(DistributedHardwareFwkKit().RegisterPublisherListener(topic, first), 0);
@@ -152,8 +136,8 @@ TEST(HostPublisher, ReachesTheListenersOfTheTopicThroughAnyKit)
     }
     EXPECT_LT(kit.PublishMessage(DHTopic::TOPIC_MIN, "m"), 0);
     EXPECT_LT(kit.UnregisterPublisherListener(unused, second), 0);
-    EXPECT_LT(kit.UnregisterPublisherListener(unused, nullptr), 0);
-    EXPECT_EQ(kit.PublishMessage(unused, "nobody listens") + kit.PublishMessage(topic, "m"), 0);
+    EXPECT_EQ(kit.PublishMessage(unused, "nobody listens"), 0);
+    EXPECT_EQ(kit.PublishMessage(topic, "m"), 0);
     EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), 0);
     EXPECT_EQ(first->GetSptrRefCount(), 1);
     EXPECT_LT(kit.UnregisterPublisherListener(topic, first), 0);
@@ -175,7 +159,7 @@ TEST(HostPublisher, ListenersMayUseTheKitThrowAndOtherThreadsMayPublishMeanwhile
             EXPECT_EQ(kit.UnregisterPublisherListener(DHTopic{21}, own), 0);
         }
     };
-    sptr<IPublisherListener> once = new Listener([&](const std::string &) {
+    const sptr<IPublisherListener> once = new Listener([&](const std::string &) {
         std::thread other(work);
         work();
         other.join();
@@ -184,7 +168,5 @@ TEST(HostPublisher, ListenersMayUseTheKitThrowAndOtherThreadsMayPublishMeanwhile
     ASSERT_EQ(kit.RegisterPublisherListener(topic, once), 0);
     EXPECT_THROW(kit.PublishMessage(topic, "first"), std::runtime_error);
     EXPECT_EQ(kit.UnregisterPublisherListener(topic, once), 0);
-    EXPECT_EQ(kit.PublishMessage(topic, "reaches nobody"), 0);
-    EXPECT_EQ(once->GetSptrRefCount(), 1);
     EXPECT_GE(heard, 2 * 300);
 }

@@ -97,11 +97,12 @@ bool WriteLines(LogType type, LogLevel level, unsigned int domain, const char *t
 // `fmt` may be null, against its attribute: the caller gets a failure.
 int Print(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, va_list arguments)
 {
+    const int errorOfCaller = errno;  // the first message of a process reads files
     const bool isRefused = type != LOG_APP && domain < FIRST_SYSTEM_DOMAIN;
     if (isRefused || fmt == nullptr || !HiLogIsLoggable(domain, tag, level)) {
+        errno = errorOfCaller;
         return -1;
     }
-    const int errorOfCaller = errno;
     char message[MESSAGE_SIZE];
     if (FormatBounded(message, sizeof(message), FormatDialect::HILOG, fmt, arguments).outcome ==
         FormatOutcome::INVALID) {
