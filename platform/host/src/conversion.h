@@ -29,7 +29,7 @@ public:
     template <typename Value>
     Value Next()
     {
-        return va_arg(list_, Value);
+        return va_arg(list_, Value);  // NOLINT(clang-analyzer-valist.Uninitialized): the constructor copies into it
     }
 
 private:
