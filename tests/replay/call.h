@@ -78,8 +78,7 @@ private:
         if (field == "null") {
             return {Argument::WORD, 0, 0};
         }
-        return {Argument::WORD,
-                value[0] == '-' ? Number<int64_t>(value) : static_cast<int64_t>(Number<uint64_t>(value)), 0};
+        return {Argument::WORD, Number<int64_t>(value), 0};
     }
 
     // Where a long has 32 bits, sizes that had 64 when the results were recorded are written as ll. The conversions say

@@ -92,8 +92,8 @@ Fields IsLoggable(const Fields &in)
 
 TEST_F(HiLogReplay, GivesWhatWasRecorded)
 {
-    Interface log;
-    log.operations["format"] = [](const Fields &in) -> Fields {
+    Operations operations;
+    operations["format"] = [](const Fields &in) -> Fields {
         g_text.reset();
         const RecordedCall call(in, 0, "l");
         call.Pass([&](auto... arguments) {
@@ -101,7 +101,7 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
         });
         return {g_text.has_value() ? Quote(*g_text) : "none"};
     };
-    log.operations["line"] = [this](const Fields &in) -> Fields {
+    operations["line"] = [this](const Fields &in) -> Fields {
         const std::string output = Output([&] {
             HiLogPrint(static_cast<LogType>(Number<int>(in.at(0))), static_cast<LogLevel>(Number<int>(in.at(1))),
                        Number<unsigned int>(in.at(2)), Text(in.at(3)).c_str(), "%{public}s", Text(in.at(4)).c_str());
@@ -112,16 +112,13 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
     const std::pair<const char *, const char *> sections[] = {{"", "I"}, {"-unset", ""}, {"-E", "E"}};
     for (const auto &[section, level] : sections) {
         for (const auto &[name, operation] : {std::pair("deliver", &Deliver), std::pair("loggable", &IsLoggable)}) {
-            log.operations[std::string(name) + section] = [given = level, run = operation](const Fields &in) {
+            operations[std::string(name) + section] = [given = level, run = operation](const Fields &in) {
                 SetParameter(DEVICE_WIDE, given);
                 return run(in);
             };
         }
     }
-    log.begin = [] {
-        SetParameter(DEVICE_WIDE, "I");
-    };
-    Replay("hilog-format.txt", log);
+    Replay("hilog-format.txt", operations, [] { SetParameter(DEVICE_WIDE, "I"); });
 }
 
 // Each parameter in turn; a later one wins over those before it.

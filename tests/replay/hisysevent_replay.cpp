@@ -36,35 +36,30 @@ struct DeafListener : HiSysEventListener {
     }
 };
 
-// The texts of JSON as the recording shows them.
+// JSON with its texts as the recording shows them.
 std::string WithoutEscapes(const std::string &json)
 {
     const std::string letters = "bfnrt";
     std::string result;
     for (size_t at = 0; at < json.size(); ++at) {
-        if (json[at] != '"') {
-            result += json[at];
-            continue;
-        }
-        std::string text;
-        while (json.at(++at) != '"') {
-            const size_t letter = json[at] == '\\' ? letters.find(json.at(++at)) : std::string::npos;
-            text += letter == std::string::npos ? json[at] : "\b\f\n\r\t"[letter];
-        }
-        result += Quote(text);
+        const bool isEscape = json[at] == '\\';
+        const size_t letter = isEscape ? letters.find(json.at(++at)) : std::string::npos;
+        const std::string quoted = Quote({letter == std::string::npos ? json[at] : "\b\f\n\r\t"[letter]});
+        result += json[at] == '"' && !isEscape ? "\"" : quoted.substr(1, quoted.size() - 2);
     }
     return result;
 }
 
-// The first three of a list or object that has more parts than are shown.
-std::string Shorten(const std::string &whole, size_t shown)
+// Leaves the first three of a list or object that has more parts than are shown.
+void Shorten(std::string &json, char open, char close, size_t shown)
 {
-    const Fields parts = Split(whole.substr(1, whole.size() - 2));
-    if (parts.size() <= shown) {
-        return whole;
+    const size_t begin = std::min(json.find(open), json.size() - 1) + 1;
+    const size_t end = std::min(json.find(close, begin), json.size() - 1);
+    const Fields parts = Split(json.substr(begin, end - begin));
+    if (parts.size() > shown) {
+        json.replace(begin, end - begin, parts[0] + "," + parts[1] + "," + parts[2] + ",...");
+        json.insert(json.find(close, begin) + 1, "*" + std::to_string(parts.size()));
     }
-    return whole[0] + parts[0] + "," + parts[1] + "," + parts[2] + ",..." + whole.back() + "*" +
-           std::to_string(parts.size());
 }
 
 // The event's own keys as the recording shows them.
@@ -75,12 +70,9 @@ std::string OwnKeys(const std::string &json)
     }
     const size_t begin = json.find_first_of(",}", json.find("\"uid_\":"));  // behind what the platform adds
     std::string own = WithoutEscapes("{" + json.substr(json[begin] == ',' ? begin + 1 : begin));
-    const size_t list = own.find('[');
-    if (list == std::string::npos) {
-        return Shorten(own, 12);
-    }
-    const size_t end = own.find(']', list) + 1;
-    return own.replace(list, end - list, Shorten(own.substr(list, end - list), 8));
+    Shorten(own, '[', ']', 8);
+    Shorten(own, '{', '}', 12);
+    return own;
 }
 
 template <typename... Types>
@@ -104,7 +96,7 @@ struct Scalars {
         Any value = Pointer(text = type == "cstr" ? Target(field) : std::nullopt);
         size_t at = 0;
         ((type == names[at] ? void(value = Value<Types>(field)) : void(),
-          type == "v" + names[at++] ? void(value = Values<Types>(field)) : void()),
+          type == "v" + names[at++] ? void(value = Value<std::vector<Types>>(field)) : void()),
          ...);
         return value;
     }
@@ -202,25 +194,29 @@ TEST(HostPlatformReplay, HiSysEvent)
     const auto listener = std::make_shared<DeafListener>();
     std::vector<ListenerRule> all = {ListenerRule("", "")};
     ASSERT_EQ(HiSysEventManager::AddListener(listener, all), 0);
-    Interface interface;
-    interface.begin = [] {
+    const auto begin = [] {
         g_sendFails = false;
         g_sentCount = 0;
     };
-    interface.Add("write", WriteOrCrash);
-    interface.Add("keys", [](const Fields &in) {
+    Operations operations;
+    operations["write"] = WriteOrCrash;
+    operations["keys"] = [](const Fields &in) {
         return WriteCounted<0, 3, 128, 130>(in, "K", [](size_t i) { return static_cast<int32_t>(i); });
-    });
-    interface.Add("texts", [](const Fields &in) {
+    };
+    operations["texts"] = [](const Fields &in) {
         const std::string text(Number<size_t>(in.at(3)), 'x');
         return WriteCounted<1, 2, 4, 8>(in, "T", [&](size_t) { return text; });
-    });
-    interface.Add("type", [](const Fields &in) { return Write("DOMAIN", "EVENT", Number<int>(in.at(0)), "K", 1); });
-    interface.Add("send", [](const Fields &in) {
+    };
+    operations["type"] = [](const Fields &in) {
+        return Write("DOMAIN", "EVENT", Number<int>(in.at(0)), "K", 1);
+    };
+    operations["send"] = [](const Fields &in) -> Fields {
         g_sendFails = in.at(0) == "fails";
-        return Fields{"-"};
-    });
-    interface.Add("sent", [](const Fields &) { return Fields{Show(g_sentCount)}; });
-    Replay("hisysevent.txt", interface);
+        return {"-"};
+    };
+    operations["sent"] = [](const Fields &) -> Fields {
+        return {Show(g_sentCount)};
+    };
+    Replay("hisysevent.txt", operations, begin);
     EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
 }

@@ -63,7 +63,5 @@ extern "C" int clock_gettime(clockid_t clock, timespec *now) noexcept
 
 TEST(HostPlatformReplay, Limiter)
 {
-    Interface interface;
-    interface.operations = {{"site", WriteAtSite}};
-    Replay("limiter.txt", interface);
+    Replay("limiter.txt", {{"site", WriteAtSite}});
 }

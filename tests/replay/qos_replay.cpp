@@ -81,33 +81,39 @@ int QueryQosLevel(int tid, int &level)
 
 TEST(HostPlatformReplay, Qos)
 {
-    Interface interface;
-    interface.begin = [] {
+    const auto begin = [] {
         g_kernelResult = 0;
         g_kernelLevel = -1;
         Switch("true");
     };
-    interface.Add("SetThreadQos", [](const Fields &in) { return Result([&] { return SetThreadQos(Level(in)); }); });
-    interface.Add("SetQosForOtherThread", [](const Fields &in) {
+    Operations operations;
+    operations["SetThreadQos"] = [](const Fields &in) {
+        return Result([&] { return SetThreadQos(Level(in)); });
+    };
+    operations["SetQosForOtherThread"] = [](const Fields &in) {
         return Result([&] { return SetQosForOtherThread(Level(in), Number<int>(in.at(1))); });
-    });
-    interface.Add("ResetThreadQos", [](const Fields &) { return Result(ResetThreadQos); });
-    interface.Add("ResetQosForOtherThread", [](const Fields &in) {
+    };
+    operations["ResetThreadQos"] = [](const Fields &) {
+        return Result(ResetThreadQos);
+    };
+    operations["ResetQosForOtherThread"] = [](const Fields &in) {
         return Result([&] { return ResetQosForOtherThread(Number<int>(in.at(0))); });
-    });
-    interface.Add("GetThreadQos", [](const Fields &) { return ResultWithLevel(GetThreadQos); });
-    interface.Add("GetQosForOtherThread", [](const Fields &in) {
+    };
+    operations["GetThreadQos"] = [](const Fields &) {
+        return ResultWithLevel(GetThreadQos);
+    };
+    operations["GetQosForOtherThread"] = [](const Fields &in) {
         return ResultWithLevel([&](QosLevel &level) { return GetQosForOtherThread(level, Number<int>(in.at(0))); });
-    });
-    interface.Add("kernel", [](const Fields &in) {
+    };
+    operations["kernel"] = [](const Fields &in) -> Fields {
         g_kernelResult = Number<int>(in.at(0));
         g_kernelLevel = Number<int>(in.at(1));
-        return Fields{"-"};
-    });
-    interface.Add("switch", [](const Fields &in) {
+        return {"-"};
+    };
+    operations["switch"] = [](const Fields &in) -> Fields {
         Switch(in.at(0));
-        return Fields{"-"};
-    });
-    Replay("qos.txt", interface);
-    interface.begin();
+        return {"-"};
+    };
+    Replay("qos.txt", operations, begin);
+    begin();
 }

@@ -3,21 +3,17 @@
 // Replays the recorded files of tests/data/platform/ on the host platform: reads them, hands each line's input to a
 // function of the test, and compares what the function gives with what was recorded.
 //
-//     Interface qos;
-//     qos.Add("SetThreadQos", [](const Fields &in) { return Fields{...}; });
-//     qos.begin = [] { puts back what an earlier case changed; };
-//     Replay("qos.txt", qos);
+//     Replay("qos.txt", {{"SetThreadQos", [](const Fields &in) { return Fields{...}; }}});
 
 #ifndef TESTS_REPLAY_RECORDING_H
 #define TESTS_REPLAY_RECORDING_H
 
 #include <functional>
 #include <map>
-#include <set>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace replay {
@@ -33,33 +29,27 @@ struct Line {
 
 using Case = std::vector<Line>;
 
-// Gets the arguments of a line, returns its result fields. Texts and bytes may be given unfolded. It may throw: the
-// line is red then, as it is where an argument is missing (`at`) or malformed (the functions below).
+// Gets the arguments of a line, returns its result fields. It may throw: the line is red then, as it is where an
+// argument is missing (`at`) or malformed (the functions below).
 using Operation = std::function<Fields(const Fields &arguments)>;
+using Operations = std::map<std::string, Operation>;
 
-struct Interface {
-    void Add(const std::string &name, Operation operation)
-    {
-        operations[name] = std::move(operation);
-    }
-
-    std::map<std::string, Operation> operations;
-    std::set<std::string> notOffered;  // cases that use one are not replayed
-    std::function<void()> begin = [] {
-    };  // runs before each case
-};
-
-// The cases of a file: from one line "case" to the next, or one a line where there is no such line. Throws on a line
-// that is no case and on a file that cannot be read.
+// The cases of a file: from one line "case" to the next, or one a line where there is no such line. Their fields are
+// unfolded, and no bytes are grouped. Throws on a line that is no case and on a file that cannot be read.
 std::vector<Case> ReadRecording(const std::string &name);
 
-// Replays a file, reports each case that comes out differently, and prints how many cases it replayed and how many not.
-// An operation that is neither offered nor listed, or listed and nowhere recorded, is a failure.
-void Replay(const std::string &name, const Interface &interface);
+// Replays a file, with `begin` before each case, reports each case that comes out differently, and prints how many
+// cases it replayed and how many not, which are those with an operation whose name contains `notOffered`. Any other
+// operation that is not offered is a failure, and so is it where nothing contains that.
+void Replay(
+    const std::string &name, const Operations &operations, const std::function<void()> &begin = [] {},
+    const std::optional<std::string> &notOffered = {});
 
-// One field. Unfold writes repeated and joined pieces out: "x"*3+"y" is "xxxy", 00*3 01 is 00000001. Text and Bytes
-// read a quoted text or hexadecimal digits into what they stand for, Quote and Hex write it.
-std::string Unfold(const std::string &field);
+// Writes repeated and joined pieces out: "x"*3+"y" is "xxxy", 00*3 01 is 000000 01.
+std::string Unfold(const std::string &folded);
+
+// Text and Bytes read an unfolded field, a quoted text or hexadecimal digits, into what it stands for; Quote and Hex
+// write it.
 std::string Text(const std::string &field);
 std::string Bytes(const std::string &field);
 std::string Quote(const std::string &text);
@@ -68,7 +58,7 @@ std::string Hex(const std::string &bytes);
 // Splits at a separator outside quotes; "-" and "" are no elements.
 Fields Split(const std::string &field, char separator = ',');
 
-// A decimal or 0x number of exactly this type.
+// A decimal or 0x number.
 template <typename T>
 T Number(const std::string &field)
 {
@@ -76,7 +66,7 @@ T Number(const std::string &field)
     T value = 0;
     if constexpr (std::is_floating_point_v<T>) {
         value = static_cast<T>(std::stod(field, &end));
-    } else if constexpr (std::is_signed_v<T>) {
+    } else if (field[0] == '-') {
         value = static_cast<T>(std::stoll(field, &end, 0));
     } else {
         value = static_cast<T>(std::stoull(field, &end, 0));

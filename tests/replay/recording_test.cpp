@@ -25,8 +25,8 @@ TEST(Recording, UnderstandsEveryFormOfAField)
 {
     EXPECT_EQ(Unfold("true \"x\"*3,\"\",\"a*2 00*2\"+\"y\"*2"), "true \"xxx\",\"\",\"a*2 00*2yy\"");
     EXPECT_EQ(Unfold("01 00*3 ffff 5a*2") + Unfold("0*2 -6*3") + Unfold("-"), "01 000000 ffff 5a5a0*2 -6*3-");
-    EXPECT_EQ(Text("\"a\\x00\"*2+\"\\x22\\x5c*2\""), "a\0a\0\"\\*2"s);
-    EXPECT_EQ(Bytes("01 ff*2") + Bytes("-"), "\x01\xff\xff");
+    EXPECT_EQ(Text(Unfold("\"a\\x00\"*2+\"\\x22\\x5c*2\"")), "a\0a\0\"\\*2"s);
+    EXPECT_EQ(Bytes("01ff") + Bytes("-"), "\x01\xff");
     EXPECT_EQ(Quote("a\"\\\n\xff") + Hex("\x01\xff") + Hex(""), "\"a\\x22\\x5c\\x0a\\xff\"01ff-");
     EXPECT_EQ(Split("\"a,b\",-,\"\""), (Fields{"\"a,b\"", "-", "\"\""}));
     EXPECT_TRUE(Split("-").empty());

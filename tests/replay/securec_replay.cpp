@@ -103,24 +103,22 @@ Fields Scan(const Fields &in)
 
 TEST(SecurecReplay, GivesWhatWasRecorded)
 {
-    Interface securec;
-    securec.Add("memset_s", OnArena([](std::string &, char *dest, size_t destMax, const std::string &value,
-                                       size_t count) { return memset_s(dest, destMax, Number<int>(value), count); }));
-    securec.Add("memcpy_s", Copies(memcpy_s));
-    securec.Add("memmove_s", Copies(memmove_s));
-    securec.Add("strcpy_s", CopiesWhole(strcpy_s));
-    securec.Add("strncpy_s", Copies(strncpy_s));
-    securec.Add("strcat_s", CopiesWhole(strcat_s));
-    securec.Add("strncat_s", Copies(strncat_s));
-    securec.Add("sprintf_s", Prints([](char *dest, size_t destMax, size_t, auto... call) {
-                    return sprintf_s(dest, destMax, call...);
-                }));
-    securec.Add("snprintf_s", Prints([](auto... call) { return snprintf_s(call...); }));
-    securec.Add("snprintf_truncated_s", Prints([](char *dest, size_t destMax, size_t, auto... call) {
-                    return snprintf_truncated_s(dest, destMax, call...);
-                }));
-    securec.Add("sscanf_s", Scan);
-    Replay("securec.txt", securec);
+    Operations operations;
+    operations["memset_s"] = OnArena([](std::string &, char *dest, size_t destMax, const std::string &value,
+                                        size_t count) { return memset_s(dest, destMax, Number<int>(value), count); });
+    operations["memcpy_s"] = Copies(memcpy_s);
+    operations["memmove_s"] = Copies(memmove_s);
+    operations["strcpy_s"] = CopiesWhole(strcpy_s);
+    operations["strncpy_s"] = Copies(strncpy_s);
+    operations["strcat_s"] = CopiesWhole(strcat_s);
+    operations["strncat_s"] = Copies(strncat_s);
+    operations["sprintf_s"] =
+        Prints([](char *dest, size_t destMax, size_t, auto... call) { return sprintf_s(dest, destMax, call...); });
+    operations["snprintf_s"] = Prints([](auto... call) { return snprintf_s(call...); });
+    operations["snprintf_truncated_s"] = Prints(
+        [](char *dest, size_t destMax, size_t, auto... call) { return snprintf_truncated_s(dest, destMax, call...); });
+    operations["sscanf_s"] = Scan;
+    Replay("securec.txt", operations);
 }
 
 TEST(SecurecReplay, HoldsWhereNothingCouldBeRecorded)
