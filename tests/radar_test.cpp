@@ -2,8 +2,6 @@
 
 #include "ostra_radar.h"
 
-#include <fstream>
-#include <map>
 #include <memory>
 #include <regex>
 #include <thread>
@@ -141,31 +139,6 @@ TEST_F(Radar, ReportsFromManyThreads)
         reportSome();
         other.join();
     });
-}
-
-TEST_F(Radar, WritesWhatTheEventFileDeclares)
-{
-    using Types = std::map<std::string, std::string>;  // by key
-    Types written;
-    const std::regex ownKey(R"#("([A-Z_]+)":("|-?\d))#");
-    Unrecorded([&] { ReportAll("F", 1); });
-    for (const std::string &event : recorder_->events) {
-        for (std::sregex_iterator key(event.begin(), event.end(), ownKey), end; key != end; ++key) {
-            written[(*key)[1]] = (*key)[2] == "\"" ? "STRING" : "INT32";
-        }
-    }
-    Types declared;
-    std::ifstream file(OSTRA_SOURCE_FOLDER "/hisysevent.yaml");
-    const std::regex declaration(R"(  (\w+): \{type: (\w+), desc: .{3,128}\})");
-    for (std::string line; std::getline(file, line);) {
-        std::smatch parts;
-        if (std::regex_match(line, parts, declaration)) {
-            declared[parts[1]] = parts[2];
-        } else if (!line.empty() && line[0] != '#') {
-            Note(line);
-        }
-    }
-    EXPECT_EQ(written, declared);
 }
 
 }  // namespace

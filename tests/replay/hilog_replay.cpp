@@ -151,12 +151,6 @@ TEST_F(HiLogReplay, TakesTheLevelOfTheTagBeforeTheDomainBeforeAll)
     HiLogSetAppMinLogLevel(LOG_WARN);
     EXPECT_EQ(lowest("Replay"), LOG_WARN);
     EXPECT_EQ(lowest("Other"), LOG_LEVEL_MAX);
-    HiLogSetAppLogLevel(LOG_DEBUG, PREFER_OPEN_LOG);
-    HiLogSetAppLogLevel(LOG_LEVEL_MAX, PREFER_CLOSE_LOG);  // changes nothing
-    EXPECT_EQ(lowest("Replay"), LOG_DEBUG);
-    EXPECT_FALSE(HiLogIsLoggable(0x10000, "Other", LOG_DEBUG));
-    HiLogSetAppLogLevel(LOG_FATAL, static_cast<PreferStrategy>(PREFER_OPEN_LOG + 1));
-    EXPECT_EQ(lowest("Replay"), LOG_DEBUG);
     for (const auto &[name, value] : parameters) {
         SetParameter(name, "");
     }

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <utility>
 
 #include "message_parcel.h"
 #include "values.h"
@@ -176,62 +175,3 @@ TEST(HostParcel, ComesOutAsRecorded)
 }
 
 // What could not be recorded.
-TEST(HostParcel, RefusesSizesThatNoBlockHas)
-{
-    Parcel parcel;
-    EXPECT_FALSE(parcel.ParseFrom(0, 1) || parcel.SetAllocator(nullptr) || parcel.ReadInt8Vector(nullptr));
-    EXPECT_FALSE(parcel.ReadBoolVector(nullptr) || parcel.WriteBuffer("a", SIZE_MAX));
-    EXPECT_EQ(parcel.GetDataSize() + parcel.GetOffsetsSize(), 0u);
-    EXPECT_TRUE(parcel.SetMaxCapacity(SIZE_MAX));
-    EXPECT_FALSE(parcel.WriteBuffer("a", SIZE_MAX - 2) || parcel.WriteString8WithLength("a", INT32_MAX));
-    EXPECT_FALSE(parcel.WriteString16WithLength(u"a", SIZE_MAX));
-    EXPECT_EQ(parcel.GetDataSize(), 8u);  // the lengths
-    EXPECT_TRUE(parcel.ReadString().empty() && parcel.ReadString().empty());
-    EXPECT_EQ(parcel.GetReadPosition(), 8u);
-
-    Parcel parsed;
-    EXPECT_TRUE(parsed.ParseFrom(0, 0));  // no write follows, not even of a count
-    EXPECT_FALSE(parsed.WriteBoolVector({}) || parsed.WriteInt8Vector({}));
-}
-
-TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
-{
-    struct Counting : DefaultAllocator {
-        explicit Counting(std::string &record) : calls(record)
-        {
-        }
-        ~Counting() override
-        {
-            calls += "end ";
-        }
-        void *Alloc(size_t size) override
-        {
-            calls += "alloc " + std::to_string(size) + " ";
-            return size == 4096 ? nullptr : DefaultAllocator::Alloc(size);
-        }
-        void *Realloc(void *data, size_t size) override
-        {
-            calls += "realloc " + std::to_string(size) + " ";
-            return size == 256 ? nullptr : DefaultAllocator::Realloc(data, size);
-        }
-        void Dealloc(void *data) override
-        {
-            calls += "free ";
-            DefaultAllocator::Dealloc(data);
-        }
-        std::string &calls;
-    };
-    std::string calls;
-    {
-        Parcel parcel(new Counting(calls));
-        EXPECT_FALSE(parcel.SetDataCapacity(4096));
-        EXPECT_TRUE(parcel.WriteUint32(7) && parcel.WriteString(std::string(60, 'x')));
-        EXPECT_FALSE(parcel.WriteCString(std::string(100, 'x').c_str()));
-        EXPECT_EQ(std::pair(parcel.GetDataSize(), parcel.ReadBuffer(1, false)[0]), std::pair(size_t{72}, uint8_t{7}));
-        EXPECT_FALSE(parcel.SetAllocator(std::make_unique<DefaultAllocator>().get()));
-        parcel.FlushBuffer();
-        EXPECT_EQ(parcel.GetDataCapacity(), 0u);
-        EXPECT_TRUE(parcel.SetAllocator(new Counting(calls)) && parcel.WriteUint32(1));
-    }
-    EXPECT_EQ(calls, "alloc 4096 alloc 64 realloc 128 realloc 256 free end alloc 64 free end ");
-}
