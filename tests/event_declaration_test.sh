@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Holds the events that the component declares to the platform against those that the reviewed texts of the reports show:
-# the same keys with the same types, and descriptions of 3 to 128 characters.
+# Holds the events that the component declares to the platform against those of the reviewed texts of the reports: the
+# same keys with the same types, and descriptions of 3 to 128 characters.
 # Usage: event_declaration_test.sh DECLARATION REPORTS
 set -euo pipefail
 
