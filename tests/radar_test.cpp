@@ -3,6 +3,7 @@
 #include "ostra_radar.h"
 
 #include <memory>
+#include <mutex>
 #include <regex>
 #include <thread>
 
@@ -23,6 +24,7 @@ struct EventRecorder : HiviewDFX::HiSysEventListener {
     void OnEvent(std::shared_ptr<HiviewDFX::HiSysEventRecord> event) override
     {
         static const std::regex changing("\"(time|tz|pid|tid|uid)_\":[^,]*,");
+        const std::lock_guard<std::mutex> lock(mutex);
         if (isListening) {
             events.push_back(std::regex_replace(event->AsJson(), changing, ""));
             Session::Left(events.back());
@@ -33,6 +35,7 @@ struct EventRecorder : HiviewDFX::HiSysEventListener {
     {
     }
 
+    std::mutex mutex;
     bool isListening = true;
     std::vector<std::string> events;  // all so far
 };
