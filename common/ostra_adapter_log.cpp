@@ -32,7 +32,8 @@ LogLevel ToHiLogLevel(DHLogLevel level)
 
 void DHLog(DHLogLevel level, const char *format, ...)
 {
-    char message[LOG_MAX_LENGTH] = {0};
+    // Not cleared: what is read of it below is what was written, up to the zero that ends it.
+    char message[LOG_MAX_LENGTH];
     va_list arguments;
     va_start(arguments, format);
     const int length = vsprintf_s(message, sizeof(message), format, arguments);
