@@ -16,6 +16,7 @@ namespace {
 
 constexpr int LONGEST_PRECISION = 512;  // of integers
 constexpr std::string_view PRIVATE_TEXT = "<private>";
+constexpr auto NO_CHARACTER = static_cast<size_t>(-1);  // as wcrtomb says it
 
 // The characters of an integer in front of padding: "-", "0x", digits.
 struct Number {
@@ -244,6 +245,7 @@ private:
     }
 
     // A wide character is converted as the process's locale has it; what it cannot convert fails the text.
+    // The bytes of a wide character and how many they are, or NO_CHARACTER.
     static size_t Narrow(wchar_t character, char (&bytes)[MB_LEN_MAX])
     {
         std::mbstate_t state{};
@@ -265,7 +267,7 @@ private:
         }
         char bytes[MB_LEN_MAX];
         const size_t length = Narrow(static_cast<wchar_t>(character), bytes);
-        return length <= sizeof(bytes) && PutText(conversion, {bytes, length});
+        return length != NO_CHARACTER && PutText(conversion, {bytes, length});
     }
 
     bool PutString(const Conversion &conversion)
@@ -294,7 +296,7 @@ private:
         const wchar_t *end = text;
         while (length < limit && *end != L'\0') {
             const size_t size = Narrow(*end, bytes);
-            if (size > sizeof(bytes)) {
+            if (size == NO_CHARACTER) {
                 return false;
             }
             if (size > limit - length) {

@@ -32,8 +32,6 @@ int OpenEnvironmentFile(const char *variable, const char *path, int flags)
         return descriptor;
     }
     std::fprintf(stderr, "%s=%s cannot be opened: %s\n", variable, path, reason);
-    if (descriptor >= 0) {
-        close(descriptor);
-    }
+    close(descriptor);  // which does nothing for none
     return -1;
 }

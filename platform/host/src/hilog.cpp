@@ -55,7 +55,7 @@ LastFatal g_lastFatal;
 char LevelLetter(LogLevel level)
 {
     constexpr char letters[] = "DIWEF";
-    return level >= LOG_DEBUG && level <= LOG_FATAL ? letters[level - LOG_DEBUG] : '?';
+    return letters[level - LOG_DEBUG];  // no other level is delivered
 }
 
 char TypeLetter(LogType type)

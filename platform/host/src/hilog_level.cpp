@@ -8,7 +8,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "parameter.h"
 #include "parameter_changes.h"
@@ -20,58 +22,42 @@ constexpr unsigned int LAST_APP_DOMAIN = 0xFFFF;
 constexpr int LEVEL_OFF = LOG_LEVEL_MAX;
 constexpr int LEVEL_UNSET = LOG_LEVEL_MIN;
 constexpr char LEVEL_VARIABLE[] = "OSTRA_HOST_LOG_LEVEL";
-constexpr size_t PARAMETER_SIZE = 97;  // of a name or a value with its zero byte
 
-struct OutputLevel {
-    int lowest;              // that is written
-    const char *deviceWide;  // the default of the device-wide parameter
-};
-
-OutputLevel ReadEnvironment()
+// The lowest level that is written.
+int ReadEnvironment()
 {
-    struct NamedLevel {
-        std::string_view name;
-        OutputLevel level;
-    };
-    static constexpr NamedLevel levels[] = {{"debug", {LOG_DEBUG, "D"}}, {"info", {LOG_INFO, "I"}},
-                                            {"warn", {LOG_WARN, "I"}},   {"error", {LOG_ERROR, "I"}},
-                                            {"fatal", {LOG_FATAL, "I"}}, {"off", {LEVEL_OFF, "I"}}};
-    constexpr OutputLevel everything = {LEVEL_UNSET, "I"};
+    static constexpr std::pair<std::string_view, int> levels[] = {{"debug", LOG_DEBUG}, {"info", LOG_INFO},
+                                                                  {"warn", LOG_WARN},   {"error", LOG_ERROR},
+                                                                  {"fatal", LOG_FATAL}, {"off", LEVEL_OFF}};
     const char *wanted = std::getenv(LEVEL_VARIABLE);
     if (wanted == nullptr) {
-        return everything;
+        return LEVEL_UNSET;
     }
-    for (const NamedLevel &entry : levels) {
-        if (entry.name == wanted) {
-            return entry.level;
+    for (const auto &[name, level] : levels) {
+        if (name == wanted) {
+            return level;
         }
     }
     std::fprintf(stderr, "%s=%s is none of debug, info, warn, error, fatal, off; taken as unset\n", LEVEL_VARIABLE,
                  wanted);
-    return everything;
+    return LEVEL_UNSET;
 }
 
-const OutputLevel &GetOutputLevel()
+int LowestWritten()
 {
-    static const OutputLevel level = ReadEnvironment();
+    static const int level = ReadEnvironment();
     return level;
 }
 
 // The level that the parameter `name`, or else the one of that name behind "persist.sys.", is set to.
-int LevelOfParameter(const char *name, const char *fallback = "")
+int LevelOfParameter(const std::string &name, const char *fallback = "")
 {
     constexpr std::string_view letters = "DIWEFX";
     static_assert(LOG_DEBUG + letters.size() - 1 == LEVEL_OFF);
     for (const char *prefix : {"", "persist.sys."}) {
-        char key[PARAMETER_SIZE + 1];
-        char value[PARAMETER_SIZE];
-        const int length = std::snprintf(key, sizeof(key), "%s%s", prefix, name);
-        const char *standard = *prefix == '\0' ? "" : fallback;
-        if (length < 0 || static_cast<size_t>(length) >= sizeof(key) ||
-            GetParameter(key, standard, value, sizeof(value)) != 1) {
-            continue;
-        }
-        if (const size_t at = letters.find(value[0]); at != std::string_view::npos) {
+        char value[2] = "";  // a letter; what is longer is none
+        GetParameter((prefix + name).c_str(), *prefix == '\0' ? "" : fallback, value, sizeof(value));
+        if (const size_t at = letters.find(value); *value != '\0' && at != std::string_view::npos) {
             return LOG_DEBUG + static_cast<int>(at);
         }
     }
@@ -80,16 +66,17 @@ int LevelOfParameter(const char *name, const char *fallback = "")
 
 int ReadLowestLevel(unsigned int domain, const char *tag)
 {
-    char name[2 * PARAMETER_SIZE];
-    std::snprintf(name, sizeof(name), "hilog.loggable.tag.%s", tag);
-    int level = LevelOfParameter(name);
-    for (const char *format : {"hilog.loggable.domain.%x", "hilog.loggable.domain.%X"}) {
+    int level = LevelOfParameter(std::string("hilog.loggable.tag.") + tag);
+    for (const char *format : {"%x", "%X"}) {
         if (level == LEVEL_UNSET) {
-            std::snprintf(name, sizeof(name), format, domain);
-            level = LevelOfParameter(name);
+            char digits[sizeof("ffffffff")];
+            std::snprintf(digits, sizeof(digits), format, domain);
+            level = LevelOfParameter(std::string("hilog.loggable.domain.") + digits);
         }
     }
-    return level != LEVEL_UNSET ? level : LevelOfParameter("hilog.loggable.global", GetOutputLevel().deviceWide);
+    // The output that debug messages are wanted on gets them, too.
+    const char *const standard = LowestWritten() == LOG_DEBUG ? "D" : "I";
+    return level != LEVEL_UNSET ? level : LevelOfParameter("hilog.loggable.global", standard);
 }
 
 // The lowest level that the parameters let through. A thread mostly logs under one tag, so it remembers the last one.
@@ -102,22 +89,17 @@ int LowestLevel(unsigned int domain, const char *tag)
         int level;
     };
     static thread_local Remembered last = {0, 0, "", LEVEL_UNSET};
-    const size_t size = std::strlen(tag) + 1;
-    const bool canRemember = size <= sizeof(last.tag);
     const uint64_t changes = CountParameterChanges();
     // A level of 0 cannot be told from nothing remembered: it is read each time.
-    if (canRemember && last.level != LEVEL_UNSET && last.changes == changes && last.domain == domain &&
-        std::memcmp(last.tag, tag, size) == 0) {
-        return last.level;
-    }
-    const int level = ReadLowestLevel(domain, tag);
-    if (canRemember) {
+    // Nor can a tag that was cut: it never compares equal.
+    if (last.level == LEVEL_UNSET || last.changes != changes || last.domain != domain ||
+        std::strncmp(last.tag, tag, sizeof(last.tag)) != 0) {
         last.changes = changes;
         last.domain = domain;
-        std::memcpy(last.tag, tag, size);
-        last.level = level;
+        std::snprintf(last.tag, sizeof(last.tag), "%s", tag);
+        last.level = ReadLowestLevel(domain, tag);
     }
-    return level;
+    return last.level;
 }
 
 // What the application asked for: preference and level in one number, so that both change at once.
@@ -128,7 +110,7 @@ std::atomic<int> g_appLevel{UNSET_LOGLEVEL * PREFERENCE_UNIT};
 
 bool IsLevelWritten(LogLevel level)
 {
-    return level >= GetOutputLevel().lowest;
+    return level >= LowestWritten();
 }
 
 bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level)

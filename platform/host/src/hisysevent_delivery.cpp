@@ -32,8 +32,7 @@ public:
     // One line, one write at the end of the file: lines of several threads and processes do not mix.
     bool Append(const std::string &line) const
     {
-        const ssize_t written = write(descriptor_, line.data(), line.size());
-        return written >= 0 && static_cast<size_t>(written) == line.size();
+        return write(descriptor_, line.data(), line.size()) == static_cast<ssize_t>(line.size());
     }
 
 private:

@@ -5,7 +5,6 @@
 #ifndef HOST_PARCEL_LAYOUT_H
 #define HOST_PARCEL_LAYOUT_H
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -18,19 +17,16 @@ constexpr size_t PaddedSize(size_t size)
     return (size + piece - 1) / piece * piece;
 }
 
-// Copies values of one size between the host's byte order and the parcel's.
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values lie in a parcel as they do in memory");
+
+// Copies values to a parcel or out of it.
 template <typename T>
-void CopyLittleEndian(void *to, const void *from, size_t count)
+void CopyValues(void *to, const void *from, size_t count)
 {
     if (count == 0) {
         return;  // then an address may be null
     }
     std::memcpy(to, from, count * sizeof(T));
-#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    for (uint8_t *value = static_cast<uint8_t *>(to); count > 0; --count, value += sizeof(T)) {
-        std::reverse(value, value + sizeof(T));
-    }
-#endif
 }
 
 }  // namespace OHOS

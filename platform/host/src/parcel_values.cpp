@@ -19,7 +19,7 @@ bool Parcel::Write(T value)
     if (bytes == nullptr) {
         return false;
     }
-    CopyLittleEndian<Stored>(bytes, &stored, 1);
+    CopyValues<Stored>(bytes, &stored, 1);
     return true;
 }
 
@@ -31,7 +31,7 @@ bool Parcel::Read(T &value)
         return false;
     }
     Stored stored{};
-    CopyLittleEndian<Stored>(&stored, bytes, 1);
+    CopyValues<Stored>(&stored, bytes, 1);
     value = static_cast<T>(stored);
     return true;
 }
@@ -49,7 +49,7 @@ bool Parcel::WriteText(const Unit *text, size_t length)
     if (bytes == nullptr) {
         return false;
     }
-    CopyLittleEndian<Unit>(bytes, text, length);
+    CopyValues<Unit>(bytes, text, length);
     std::memset(bytes + length * sizeof(Unit), 0, sizeof(Unit));
     return true;
 }
@@ -77,7 +77,7 @@ bool Parcel::ReadText(std::basic_string<Unit> &text, int32_t &length)
         return false;
     }
     text.resize(count);
-    CopyLittleEndian<Unit>(text.data(), bytes, count);
+    CopyValues<Unit>(text.data(), bytes, count);
     SkipBytes(PaddedSize(size) - size);
     length = announced;
     return true;
@@ -107,7 +107,7 @@ bool Parcel::WritePacked(const std::vector<T> &values)
     if (bytes == nullptr) {
         return values.empty();
     }
-    CopyLittleEndian<T>(bytes, values.data(), values.size());
+    CopyValues<T>(bytes, values.data(), values.size());
     return true;
 }
 
@@ -138,7 +138,7 @@ bool Parcel::ReadPacked(std::vector<T> *values)
     }
     values->resize(static_cast<size_t>(count));
     const size_t size = values->size() * sizeof(T);
-    CopyLittleEndian<T>(values->data(), Take(size), values->size());
+    CopyValues<T>(values->data(), Take(size), values->size());
     SkipBytes(PaddedSize(size) - size);
     return true;
 }

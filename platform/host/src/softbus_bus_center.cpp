@@ -32,7 +32,7 @@ std::optional<std::string> FirstLine(const char *path)
 {
     const std::unique_ptr<FILE, decltype(&std::fclose)> file(std::fopen(path, "re"), &std::fclose);
     if (file == nullptr) {
-        return errno == ENOENT || errno == ENOTDIR ? std::make_optional(std::string()) : std::nullopt;
+        return errno == ENOENT ? std::make_optional(std::string()) : std::nullopt;
     }
     std::array<char, 256> line{};
     if (std::fgets(line.data(), line.size(), file.get()) == nullptr && std::ferror(file.get()) != 0) {
