@@ -107,8 +107,8 @@ protected:
 
 TEST_F(Ipc, SkipsWhatItDoesNotAccept)
 {
-    Write(7, {"abc", "#v", "x1#v", "2147483648#v", "-99999999999#v", std::string(101, '0') + "#v", "5#a#b"});
-    Map map = {{1, "kept"}, {5, "replaced"}};
+    Write(7, {"abc", "#v", "x1#v", "2147483648#v", "-99999999999#v", std::string(101, '0') + "#v", "-5#a#b"});
+    Map map = {{1, "kept"}, {-5, "replaced"}};
     CALL(IpcUtils::UnMarshalling(parcel_, map));
     ShowMap(map);
 }
@@ -158,6 +158,7 @@ TEST_F(Ipc, KeepsWhatWasWrittenBeforeTheParcelIsFull)
 TEST_F(Context, PublishesTheLastEventOfEachDeviceInOrder)
 {
     SHOW(&context_ == &OstraContext::GetInstance(), context_.GetDHFwkKit().get());
+    SHOW(context_.GetDHFwkKit() == context_.GetDHFwkKit());
     CALL(context_.AddWaitNotify("d2", ISOMERISM_CONNECT));
     CALL(context_.AddWaitNotify("\xE9", ""));
     CALL(context_.AddWaitNotify("A\"\\\n\x01", "e\""));
@@ -188,7 +189,12 @@ TEST_F(Context, WhatIsQueuedWhilePublishingGoesOutWithTheNextCall)
 {
     std::future<void> queuing;
     g_whilePublishing = [&](const std::string & /* message */) {
-        queuing = std::async(std::launch::async, [this] { context_.AddWaitNotify("later", "event"); });
+        std::promise<void> started;
+        queuing = std::async(std::launch::async, [&started, this] {
+            started.set_value();
+            context_.AddWaitNotify("later", "event");
+        });
+        started.get_future().wait();
         queuing.wait_for(std::chrono::milliseconds(50));           // time to do harm
         Left("the kit is " + Text(context_.GetDHFwkKit().get()));  // needs no lock
     };
@@ -227,9 +233,7 @@ TEST_F(Context, PublishesEachDeviceOnceUnderManyThreads)
 
 TEST_F(Qos, PassesArgumentsAndResultsThrough)
 {
-    CALL(SetQos(0, 77));
-    CALL(SetQos(6, INT_MIN));
-    CALL(SetQos(99, 0));
+    CALL(SetQos(99, INT_MIN));
     CALL(SetQos(-5, INT_MAX));
     CALL(ResetQos(77));
     CALL(ResetQos(-9));

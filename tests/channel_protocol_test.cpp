@@ -40,18 +40,13 @@ std::string Bytes(const ChannelProtocol &frame)
     return {frame.GetBuffer(), frame.GetBuffer() + frame.GetBufferSize()};
 }
 
-TEST_F(Frame, StartsEmpty)
-{
-    const ChannelProtocol frame;
-    const UnPackagedEA ea;
-    SHOW(frame.bufferSize_, frame.offset_, frame.protocolBuffer_, ea.value, ea.offset);
-}
-
 TEST_F(Frame, RefusesBadArgumentsAndStaysAsItWas)
 {
     unsigned char content[] = {1, 2, 3, 4};
-    UnPackagedEA ea{77, 78};
+    UnPackagedEA ea;
     ChannelProtocol frame;
+    SHOW(frame.bufferSize_, frame.offset_, frame.protocolBuffer_, ea.value, ea.offset);
+    ea = {77, 78};
     CALL(frame.WriteContent(content, 1));
     CALL(frame.ReadEA(ea, 0));
     CALL(frame.Create(0x10000000, 0));
@@ -69,6 +64,7 @@ TEST_F(Frame, RefusesBadArgumentsAndStaysAsItWas)
     CALL(frame.ReadEA(ea, -1));
     CALL(frame.Create(5, INT_MIN));
     SHOW(Bytes(frame), frame.offset_, ea.value, ea.offset);
+    CALL(frame.WriteContent(frame.GetBuffer() + 4, 3));  // where it stands already
     CALL(frame.WriteContent(frame.GetBuffer() + 3, 3));  // overlaps
 }
 
@@ -86,16 +82,22 @@ TEST_F(Frame, AsksForNoMoreMemoryThanASizeCanTell)
 
 TEST_F(Frame, TurnsAFailedAllocationOrCopyIntoFalse)
 {
-    unsigned char bytes[SIZE_THAT_CAN_FAIL] = {0x85};
     EachFault([&] {
         ChannelProtocol frame;
         CALL(frame.Create(300, 1));
         const std::unique_ptr<unsigned char[]> first(frame.GetBuffer());  // a further frame replaces it, unreleased
         CALL(frame.Create(5, SIZE_THAT_CAN_FAIL - 1));
         SHOW(frame.GetBuffer(), frame.GetBufferSize(), frame.offset_);
-        const std::unique_ptr<unsigned char[]> second(frame.GetBuffer());
+    });
+    unsigned char bytes[SIZE_THAT_CAN_FAIL] = {0x85};
+    EachFault([&] {
+        ChannelProtocol frame;
+        frame.bufferSize_ = 3;
+        frame.offset_ = 2;
         CALL(frame.CreateFromBuffer(bytes, SIZE_THAT_CAN_FAIL));
         SHOW(frame.GetBuffer(), frame.GetBufferSize(), frame.offset_);
+        UnPackagedEA ea;
+        CALL(frame.ReadEA(ea, 0));
     });
 }
 
@@ -105,6 +107,7 @@ TEST_F(Frame, LogsEachCrcMasked)
     unsigned char digits[] = "123456789";
     CALL(frame.GetCrc(digits, 9));
     CALL(frame.GetCrc(digits, 0));
+    CALL(frame.GetCrc(digits, -1));
 }
 
 }  // namespace

@@ -13,9 +13,7 @@
 #include <regex>
 #include <set>
 
-#include "channel_protocol.h"
 #include "dh_utils_tools.h"
-#include "hilog/log.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 #include "securec.h"
@@ -43,6 +41,7 @@ int sprintf_s(char *destination, size_t size, const char *format, ...)
 namespace {
 
 int32_t g_softBusResult = 0;
+size_t g_networkIdLength = NETWORK_ID_BUF_LEN;  // all of it, without an end
 
 }  // namespace
 
@@ -50,7 +49,7 @@ int32_t GetLocalNodeDeviceInfo(const char *package, NodeBasicInfo *info)
 {
     const bool isZero = std::all_of(info->networkId, std::end(info->networkId), [](char c) { return c == 0; });
     Session::Left(std::string("GetLocalNodeDeviceInfo ") + package + (isZero ? ", zeroed" : ", not zeroed"));
-    std::fill(info->networkId, std::end(info->networkId), 'a');  // all of it, without an end
+    std::fill_n(info->networkId, g_networkIdLength, 'a');
     return g_softBusResult;
 }
 
@@ -111,8 +110,11 @@ TEST_F(Utils, AsksTheSoftBusForTheNetworkId)
     CALL(GetLocalDeviceNetworkId(networkId));
     SHOW(networkId);
     g_softBusResult = 0;
-    CALL(GetLocalDeviceNetworkId(networkId));
-    SHOW(networkId);
+    for (const size_t length : {NETWORK_ID_BUF_LEN, 5}) {
+        g_networkIdLength = length;
+        CALL(GetLocalDeviceNetworkId(networkId));
+        SHOW(networkId);
+    }
 }
 
 TEST_F(Utils, TellsTheWallClock)
@@ -121,7 +123,9 @@ TEST_F(Utils, TellsTheWallClock)
     const auto before = system_clock::now();
     const system_clock::time_point us{microseconds(GetNowTimeStampUs())};
     const system_clock::time_point ms{milliseconds(GetNowTimeStampMs())};
-    EXPECT_TRUE(before - microseconds(1) < us && us - milliseconds(1) < ms && ms <= system_clock::now());
+    EXPECT_LT(before - microseconds(1), us);
+    EXPECT_LT(us - milliseconds(1), ms);
+    EXPECT_LE(ms, system_clock::now());
 }
 
 TEST_F(Utils, WritesBigEndianBytes)
@@ -168,6 +172,7 @@ TEST_F(Utils, SavesByAppendingAndRefusesBadInput)
     CALL(SaveFile(path, data + 3, 1));
     CALL(SaveFile(path, nullptr, 0));
     SHOW(content());
+    CALL(SaveFile("/dev/full", data, 3));
     unlink(path.c_str());
 }
 
@@ -276,7 +281,6 @@ TEST_F(Log, ReplacesWhatIsTooLongAsAWhole)
     CALL(DHLog(DH_LOG_ERROR, noFormat));
     CALL(DHLog(DH_LOG_WARN, "%s", std::string(4095, 'x').c_str()));
     CALL(DHLog(DH_LOG_WARN, "%s", std::string(4096, 'x').c_str()));
-    CALL(DHLog(DH_LOG_INFO, "%s", std::string(9000, 'x').c_str()));
 }
 
 class Device {
@@ -302,27 +306,6 @@ public:
 TEST_F(Log, NamesTheCallingFunction)
 {
     CALL(Device().Open(5));
-}
-
-// What the platform's log allocates for the same text is its own.
-TEST_F(Log, AndTheCrcAllocateNothing)
-{
-    LOG_SetCallback(nullptr);
-    const auto count = [](const auto &act) {
-        const uint64_t before = AllocationCount();
-        act();
-        return AllocationCount() - before;
-    };
-    const auto countOfPlatform = [&count](LogLevel level, const char *text) {
-        return count([&] { HiLogPrint(LOG_CORE, level, 0xD004160, "OSTRA_ADAPTER", "%{public}s", text); });
-    };
-    const std::string longest(4095, 'x');
-    unsigned char digits[] = "123456789";
-    const ChannelProtocol frame;
-    countOfPlatform(LOG_ERROR, "what the first call sets up");
-    EXPECT_EQ(count([&] { DHLog(DH_LOG_ERROR, "%s", longest.c_str()); }), countOfPlatform(LOG_ERROR, longest.c_str()));
-    EXPECT_EQ(count([&] { frame.GetCrc(digits, 9); }),
-              countOfPlatform(LOG_INFO, "[ostraadapterutils][GetCrc]:ChannelProtocol::GetCrc: getCrc16:4******3"));
 }
 
 }  // namespace

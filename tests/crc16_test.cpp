@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace OHOS::DistributedHardware::OstraAdapter {
@@ -55,6 +58,15 @@ TEST(Crc16, EqualsTheDefinitionByEveryMethod)
         Check(method);
     }
 }
+
+#if defined(__x86_64__)
+TEST(Crc16, FoldsWhereTheProcessorMultipliesWithoutCarries)
+{
+    std::ifstream file("/proc/cpuinfo");
+    const std::string processor(std::istreambuf_iterator<char>(file), {});
+    EXPECT_EQ(HasCarryLessMultiplication(), processor.find(" pclmulqdq ") != std::string::npos);
+}
+#endif
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

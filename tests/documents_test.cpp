@@ -18,7 +18,7 @@ const char *const SESSIONS =
 
 namespace {
 
-const char *g_printed = nullptr;  // what printing an object gives, where it is not null
+const char *g_printed = nullptr;  // what printing the properties gives, where it is not null
 
 }  // namespace
 
@@ -26,7 +26,8 @@ const char *g_printed = nullptr;  // what printing an object gives, where it is 
 char *cJSON_Print(const cJSON *item)
 {
     static const auto print = reinterpret_cast<decltype(&cJSON_Print)>(dlsym(RTLD_NEXT, "cJSON_Print"));
-    return item != nullptr && g_printed != nullptr ? strdup(g_printed) : print(item);
+    const bool isReplaced = g_printed != nullptr && cJSON_GetObjectItem(item, "2016") != nullptr;
+    return isReplaced ? strdup(g_printed) : print(item);
 }
 
 namespace OHOS::DistributedHardware::OstraAdapter {
@@ -104,17 +105,6 @@ TEST_F(Audio, ReportsEachFailedAllocation)
     EachFault([&] { CALL(audio_.Unmarshal(PropertiesOf(R"({"codecs":[1],"profiles":[]})"))); });
 }
 
-TEST_F(Audio, ConvertsTheKnownCodesOnly)
-{
-    for (int code = -5; code <= 40; ++code) {
-        const int channels = audio_.AudioChannelConvert(code);
-        const int bits = audio_.AudioFormatConvert(code);
-        if (channels != 0 || bits != 0) {
-            SHOW(code, channels, bits);
-        }
-    }
-}
-
 TEST_F(Device, IsWrittenWithEveryMember)
 {
     CALL(static_cast<void>(DHOSTRADeviceJson()));
@@ -139,13 +129,14 @@ TEST_F(Device, ReportsEachFailedAllocationAndLosesNothing)
     });
 }
 
-// Which needs cJSON to fail, and stands there as a text then.
+// Only a cJSON that prints badly makes such properties; they stand in the document as a text.
 TEST_F(Device, TellsPropertiesThatDoNotParse)
 {
     std::string text = "old";
     for (const char *printed : {"{", "no JSON", "{\"2016\":\"}"}) {
         g_printed = printed;
         CALL(device_.Marshal(text));
+        SHOW(text.substr(text.rfind(':')));
     }
     g_printed = nullptr;
 }
@@ -173,10 +164,11 @@ TEST_F(Service, ReportsEachFailedAllocationAndLosesNothing)
 
 TEST_F(Service, TellsMaskedWhatItReads)
 {
-    CALL(static_cast<void>(DHOSTRADeviceServiceJson()));
+    CALL(DHOSTRADeviceServiceJson().String());
     CALL(received_.Unmarshal(R"({"deviceId":"0123456789","deviceName":"pad","serviceId":"service","serviceType":3.9,)"
                              R"("properties":{ "a" : [1, {"b": null}] },"status":{ "k":"v" },"2102":"{}"})"));
     CALL(received_.Unmarshal(R"({"serviceType":-5,"status":{}})"));
+    CALL(received_.Unmarshal(R"({"serviceType":"text"})"));
     CALL(received_.Unmarshal(""));
     CALL(received_.String());
 }

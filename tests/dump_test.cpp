@@ -72,7 +72,8 @@ TEST_F(Dump, FollowsTheParameter)
     for (const std::string mode :
          {"-1", "a", "", "w", "012345678901234567890123456789", "w1234567890123456789012345678"}) {
         SHOW(mode);
-        InitWith(mode.c_str());
+        EXPECT_EQ(SetParameter(KEY, mode.c_str()), 0);
+        CALL(dump_.Init());
         CALL(Write(name_, "x"));
         CALL(TakeFile(name_));
     }
@@ -134,6 +135,12 @@ TEST_F(Dump, OpensInTheModeThatWasReadAndLeavesNothingOpen)
     CALL(dump_.CloseDumpFile(nullptr));
     file = dump_.OpenDumpFile(Path(name_));
     SHOW(fileno(file) == nextFree);
+    dump_.CloseDumpFile(&file);
+    InitWith("w");
+    file = dump_.OpenDumpFile(Path(name_));
+    std::fputc('y', file);
+    std::rewind(file);
+    SHOW(std::fgetc(file));
     dump_.CloseDumpFile(&file);
 }
 

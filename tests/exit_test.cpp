@@ -17,6 +17,7 @@
 #include "ostra_dump.h"
 #include "ostra_radar.h"
 #include "parameter.h"
+#include "support/quiet.h"
 
 extern "C" int __cxa_atexit(void (*handler)(void *), void *argument, void *library) noexcept;
 
@@ -29,22 +30,31 @@ const std::string &DUMP_NAME = *new std::string("exit_test_" + std::to_string(ge
 
 bool g_isExiting = false;
 
+// Ends the process with the number of the step that failed.
+void Demand(int step, bool hasWorked)
+{
+    if (!hasWorked) {
+        _exit(step);
+    }
+}
+
 void UseEveryPart()
 {
     std::string networkId;
-    bool hasWorked = GetRandomID() != GetRandomID() && GetLocalDeviceNetworkId(networkId) == 0 && !networkId.empty();
-
+    Demand(1, GetRandomID() != GetRandomID());
+    Demand(2, GetLocalDeviceNetworkId(networkId) == 0 && !networkId.empty());
     OstraContext::GetInstance().AddWaitNotify("device", "event");
     OstraContext::GetInstance().PublishMessage();
     MessageParcel parcel;
     std::map<int32_t, std::string> read;
-    hasWorked = IpcUtils::Marshalling(parcel, {{7, "x"}}) && IpcUtils::UnMarshalling(parcel, read) && hasWorked;
-    hasWorked = read[7] == "x" && OstraRadar::GetInstance().ServiceStopRes("function", 0) && hasWorked;
+    Demand(3, IpcUtils::Marshalling(parcel, {{7, "x"}}) && IpcUtils::UnMarshalling(parcel, read));
+    Demand(4, read[7] == "x");
+    Demand(5, OstraRadar::GetInstance().ServiceStopRes("function", 0));
 
     const unsigned char byte = 1;
     OstraDump::GetInstance().Init();
     OstraDump::GetInstance().DumpStreamData(DUMP_NAME, &byte, 1);
-    _exit(hasWorked ? ALL_WORKED : 1);
+    _exit(ALL_WORKED);
 }
 
 void AtExit(void * /* argument */)

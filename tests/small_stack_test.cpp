@@ -32,11 +32,14 @@ protected:
     {
         CALL(DHLog(DH_LOG_INFO, "%s", std::string(4095, 'x').c_str()));
         for (const size_t levels : {100U, 101U, 990U}) {
-            Note(std::to_string(levels) + " levels");
             const std::string arrays = std::string(levels - 2, '[') + std::string(levels - 2, ']');
-            CALL(service_.Unmarshal(R"({"properties":{"a":)" + arrays + "}}"));
-            CALL(audio_.Unmarshal(R"({"2103":{"a":)" + arrays + "}}"));
-            CALL(audio_.Unmarshal(R"({"2102":"[[)" + arrays + "]]\"}"));
+            std::map<std::string, int32_t> in;
+            Unrecorded([&] {
+                in = {{"service", service_.Unmarshal(R"({"properties":{"a":)" + arrays + "}}")},
+                      {"properties", audio_.Unmarshal(R"({"2103":{"a":)" + arrays + "}}")},
+                      {"capabilities", audio_.Unmarshal(R"({"2102":"[[)" + arrays + "]]\"}")}};
+            });
+            SHOW(levels, in["service"], in["properties"], in["capabilities"]);
         }
         MessageParcel parcel;
         std::map<int32_t, std::string> read;

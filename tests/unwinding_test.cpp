@@ -19,6 +19,7 @@
 #include "ostra_context.h"
 #include "ostra_device_service.h"
 #include "support/fault.h"
+#include "support/quiet.h"
 
 namespace OHOS::DistributedHardware {
 namespace {

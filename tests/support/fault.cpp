@@ -35,11 +35,6 @@ AllocationFault::~AllocationFault()
     g_failing = UINT64_MAX;
 }
 
-uint64_t AllocationCount()
-{
-    return g_count;
-}
-
 void *operator new(size_t size)
 {
     return OrThrow(Allocate(g_count++ == g_failing, size));

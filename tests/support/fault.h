@@ -41,7 +41,4 @@ public:
     ~AllocationFault();
 };
 
-// Allocations that this thread has asked for so far, those of arrays apart.
-uint64_t AllocationCount();
-
 #endif  // TESTS_FAULT_H

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <mutex>
 #include <set>
 #include <sstream>
 
@@ -108,7 +109,9 @@ void Session::TearDown()
         return;
     }
     ASSERT_TRUE(IsDebugDelivered()) << "what is not delivered would be lost from the texts";
-    std::ofstream(update, std::ios::app) << "=== " << TestName() << "\n" << text_;
+    if (!text_.empty()) {
+        std::ofstream(update, std::ios::app) << "=== " << TestName() << "\n" << text_;
+    }
 }
 
 size_t Session::EndOfName(const std::string &names, size_t begin)

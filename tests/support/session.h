@@ -21,7 +21,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <mutex>
 #include <string>
 #include <type_traits>
 #include <utility>
