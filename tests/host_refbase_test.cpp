@@ -131,15 +131,15 @@ TEST(HostPublisher, ReachesTheListenersOfTheTopicThroughAnyKit)
     EXPECT_EQ(DistributedHardwareFwkKit().RegisterPublisherListener(topic, first), 0);
     EXPECT_EQ(DistributedHardwareFwkKit().RegisterPublisherListener(topic, second), 0);
     for (const auto &[at, bad] : {std::pair(topic, first), {topic, nullptr}, {DHTopic::TOPIC_MIN, first}}) {
-        EXPECT_LT(kit.RegisterPublisherListener(at, bad), 0);
+        EXPECT_EQ(kit.RegisterPublisherListener(at, bad), -1);
     }
-    EXPECT_LT(kit.PublishMessage(DHTopic::TOPIC_MIN, "m"), 0);
-    EXPECT_LT(kit.UnregisterPublisherListener(unused, second), 0);
+    EXPECT_EQ(kit.PublishMessage(DHTopic::TOPIC_MIN, "m"), -1);
+    EXPECT_EQ(kit.UnregisterPublisherListener(unused, second), -1);
     EXPECT_EQ(kit.PublishMessage(unused, "nobody listens"), 0);
     EXPECT_EQ(kit.PublishMessage(topic, "m"), 0);
     EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), 0);
     EXPECT_EQ(first->GetSptrRefCount(), 1);
-    EXPECT_LT(kit.UnregisterPublisherListener(topic, first), 0);
+    EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), -1);
     EXPECT_EQ(kit.PublishMessage(topic, "n"), 0);
     EXPECT_EQ(heard, "1st 8m 2nd 8m2nd 8n");
     EXPECT_EQ(kit.UnregisterPublisherListener(topic, second), 0);

@@ -95,7 +95,7 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
     Operations operations;
     operations["format"] = [](const Fields &in) -> Fields {
         g_text.reset();
-        const RecordedCall call(in, 0, "l");
+        const RecordedCall call(in, 0);
         call.Pass([&](auto... arguments) {
             return HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", Pointer(call.format), arguments...);
         });
@@ -118,7 +118,7 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
             };
         }
     }
-    Replay("hilog-format.txt", operations, [] { SetParameter(DEVICE_WIDE, "I"); });
+    Replay("platform/hilog-format.txt", 397, operations, [] { SetParameter(DEVICE_WIDE, "I"); });
 }
 
 // Each parameter in turn; a later one wins over those before it.

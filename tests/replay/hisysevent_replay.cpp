@@ -217,6 +217,7 @@ TEST(HostPlatformReplay, HiSysEvent)
     operations["sent"] = [](const Fields &) -> Fields {
         return {Show(g_sentCount)};
     };
-    Replay("hisysevent.txt", operations, begin);
+    Replay("platform/hisysevent.txt", 228, operations, begin);
+    Replay("desk/hisysevent.txt", 6, operations, begin);
     EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
 }

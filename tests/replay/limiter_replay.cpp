@@ -63,5 +63,5 @@ extern "C" int clock_gettime(clockid_t clock, timespec *now) noexcept
 
 TEST(HostPlatformReplay, Limiter)
 {
-    Replay("limiter.txt", {{"site", WriteAtSite}});
+    Replay("platform/limiter.txt", 73, {{"site", WriteAtSite}});
 }

@@ -171,7 +171,46 @@ TEST(HostParcel, ComesOutAsRecorded)
     const auto begin = [&] {
         player.parcel = std::make_unique<MessageParcel>();
     };
-    Replay("parcel.txt", player.operations, begin, "Unaligned");  // no host uses unaligned values
+    Replay("platform/parcel.txt", 307, player.operations, begin, "Unaligned");  // no host uses unaligned values
 }
 
-// What could not be recorded.
+TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
+{
+    struct Counting : DefaultAllocator {
+        explicit Counting(std::string &record) : calls(record)
+        {
+        }
+        ~Counting() override
+        {
+            calls += "end ";
+        }
+        void *Realloc(void *data, size_t size) override
+        {
+            return size > 128 ? nullptr : DefaultAllocator::Realloc(data, size);
+        }
+        void Dealloc(void *data) override
+        {
+            calls += "free ";
+            DefaultAllocator::Dealloc(data);
+        }
+        std::string &calls;
+    };
+    std::string calls;
+    {
+        Parcel parcel(new Counting(calls));
+        EXPECT_TRUE(parcel.WriteCString(std::string(100, 'x').c_str()));
+        EXPECT_FALSE(parcel.WriteCString(std::string(100, 'y').c_str()));
+        EXPECT_EQ(parcel.GetDataSize(), 104u);
+        EXPECT_EQ(parcel.ReadCString(), std::string(100, 'x'));
+        DefaultAllocator late;
+        EXPECT_FALSE(parcel.SetAllocator(&late));
+        EXPECT_FALSE(parcel.SetAllocator(nullptr));
+        EXPECT_FALSE(parcel.ParseFrom(0, 1));
+        EXPECT_EQ(parcel.GetOffsetsSize(), 0u);
+        parcel.FlushBuffer();
+        EXPECT_EQ(parcel.GetDataCapacity(), 0u);
+        EXPECT_TRUE(parcel.SetAllocator(new Counting(calls)));
+        EXPECT_TRUE(parcel.WriteUint32(1));
+    }
+    EXPECT_EQ(calls, "free end free end ");
+}

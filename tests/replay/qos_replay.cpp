@@ -114,6 +114,6 @@ TEST(HostPlatformReplay, Qos)
         Switch(in.at(0));
         return {"-"};
     };
-    Replay("qos.txt", operations, begin);
+    Replay("platform/qos.txt", 67, operations, begin);
     begin();
 }

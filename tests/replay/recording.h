@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Replays the recorded files of tests/data/platform/ on the host platform: reads them, hands each line's input to a
-// function of the test, and compares what the function gives with what was recorded.
+// Replays the recorded files of tests/data/platform/, and those of tests/data/desk/ beside them, on the host platform:
+// reads them, hands each line's input to a function of the test, and compares what the function gives with what was
+// recorded.
 //
-//     Replay("qos.txt", {{"SetThreadQos", [](const Fields &in) { return Fields{...}; }}});
+//     Replay("platform/qos.txt", 67, {{"SetThreadQos", [](const Fields &in) { return Fields{...}; }}});
 
 #ifndef TESTS_REPLAY_RECORDING_H
 #define TESTS_REPLAY_RECORDING_H
@@ -38,11 +39,14 @@ using Operations = std::map<std::string, Operation>;
 // unfolded, and no bytes are grouped. Throws on a line that is no case and on a file that cannot be read.
 std::vector<Case> ReadRecording(const std::string &name);
 
-// Replays a file, with `begin` before each case, reports each case that comes out differently, and prints how many
-// cases it replayed and how many not, which are those with an operation whose name contains `notOffered`. Any other
-// operation that is not offered is a failure, and so is it where nothing contains that.
+// An operation raises it where its result depends on the size of long and this machine has another than the recorded.
+struct OtherMachine {};
+
+// Replays a file of so many cases, with `begin` before each, reports each case that comes out differently, and prints
+// how many cases it replayed and how many not: those with an operation whose name contains `notOffered`, and those of
+// other machines. Any other operation that is not offered is a failure, and so is it where nothing contains that.
 void Replay(
-    const std::string &name, const Operations &operations, const std::function<void()> &begin = [] {},
+    const std::string &name, size_t count, const Operations &operations, const std::function<void()> &begin = [] {},
     const std::optional<std::string> &notOffered = {});
 
 // Writes repeated and joined pieces out: "x"*3+"y" is "xxxy", 00*3 01 is 000000 01.

@@ -68,7 +68,7 @@ Operation Prints(const Function &function)
         char *const dest = At(arena, in.at(0));
         const auto destMax = Number<size_t>(in.at(1));
         const size_t count = Count(in.at(2));
-        const RecordedCall call(in, 3, "lzt");
+        const RecordedCall call(in, 3);
         const int result = call.Pass(
             [&](auto... arguments) { return function(dest, destMax, count, Pointer(call.format), arguments...); });
         const size_t end = arena.find('\0');
@@ -90,7 +90,7 @@ Fields Scan(const Fields &in)
             words.at(used++) = Number<intptr_t>(in[i + 2].substr(2));
         }
     }
-    const RecordedCall call({in.at(1)}, 0, "lzt");
+    const RecordedCall call({in.at(1)}, 0);
     const auto text = Target(in[0]);
     Fields results = {Show(sscanf_s(Pointer(text), Pointer(call.format), words[0], words[1], words[2], words[3]))};
     for (size_t i = 0; i < targets.size(); ++i) {
@@ -118,5 +118,6 @@ TEST(SecurecReplay, GivesWhatWasRecorded)
     operations["snprintf_truncated_s"] = Prints(
         [](char *dest, size_t destMax, size_t, auto... call) { return snprintf_truncated_s(dest, destMax, call...); });
     operations["sscanf_s"] = Scan;
-    Replay("securec.txt", operations);
+    Replay("platform/securec.txt", 369, operations);
+    Replay("desk/securec.txt", 39, operations);
 }
