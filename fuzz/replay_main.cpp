@@ -3,6 +3,8 @@
 // Feeds a fuzzer files, and inputs made from pieces of them, the same in every run.
 // Usage: fuzz_replay_NAME FILE...
 
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -51,6 +53,10 @@ int main(int argc, char **argv)
     }
     for (int i = 1; i < argc; ++i) {
         std::ifstream file(argv[i], std::ios::binary);
+        if (!file) {
+            std::perror(argv[i]);
+            return EXIT_FAILURE;
+        }
         seeds.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
         Run(seeds.back());
     }

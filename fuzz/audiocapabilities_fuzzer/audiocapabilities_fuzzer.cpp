@@ -14,6 +14,7 @@ using namespace OHOS::DistributedHardware::OstraAdapter;
 
 constexpr size_t MOST_HELD = 1000;
 constexpr int32_t STEP_FAILED = -70004;
+
 int32_t NumberOf(const cJSON *object, const char *name)
 {
     const cJSON *number = cJSON_GetObjectItem(object, name);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Service documents from a peer: one object reads the lines of the input, one after the other. A device document to a
-// peer: its members are pieces of the input. A document to a peer, made of pieces of the input, is read as it was
-// written.
+// peer: its members are pieces of the input.
 
 #include <utility>
 
