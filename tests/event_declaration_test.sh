@@ -8,8 +8,10 @@ set -euo pipefail
 declared=$(sed -En 's/^  ([A-Z]\w*): \{type: (\w+), desc: .{3,128}\}$/\1 \2/p' "$1" | sort)
 written=$(grep -oE '"[A-Z_]+":("|-?[0-9])' "$2" | sed -E 's/"(\w+)":"/\1 STRING/; s/"(\w+)":.*/\1 INT32/' | sort -u)
 diff <(echo "$declared") <(echo "$written") || { echo "only declared: <, only written: >"; exit 1; }
-for line in 'domain: OSTRAADAPTER' 'OSTRA_ADAPTER_BEHAVIOR:'; do
+heads=('domain: OSTRAADAPTER' 'OSTRA_ADAPTER_BEHAVIOR:' '  __BASE: {type: BEHAVIOR, level: MINOR, desc: [^}]*}')
+for line in "${heads[@]}"; do
     grep -qx "$line" "$1" || { echo "not declared: $line"; exit 1; }
 done
-[ "$(grep -c . "$1")" = $((4 + $(wc -l <<<"$declared"))) ] || { echo "a line of $1 declares nothing"; exit 1; }
+[ "$(grep -c '^[^#]' "$1")" = $((${#heads[@]} + $(wc -l <<<"$declared"))) ] ||
+    { echo "a line of $1 declares nothing"; exit 1; }
 echo "declared as written: $declared"

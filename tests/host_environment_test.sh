@@ -27,7 +27,8 @@ command=("$@")
 mkfifo "$folder/fifo"
 printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semicolon=a;b\n' >"$folder/parameters"
 
-run OSTRA_HOST_EVENT_OUTPUT stderr
+TZ=XST-5:30 run OSTRA_HOST_EVENT_OUTPUT stderr
+expect 'the zone of the clock' '"tz_":"\+0530"'
 expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 heard 2'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
 expect 'the last 100 unsent events' 'heard 2 then 101'
@@ -53,16 +54,18 @@ expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is
 
 # level VALUE DELIVERED LINE...: the lines of the log with their level and message, each of one write.
 level() {
-    local value=$1 delivered=$2 process
+    local value=$1 delivered=$2 today process
     shift 2
+    today=$(date +%m-%d)
     run OSTRA_HOST_LOG_LEVEL "$value"
+    today+="|$(date +%m-%d)"
     process=$(sed -n 's/^process //p' "$folder/text")
-    sed -nE "s|^$today [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: |\1|p" "$folder/text" >"$folder/lines"
+    sed -nE "s#^($today) [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: #\2#p" "$folder/text" \
+        >"$folder/lines"
     [ "$(tr '\n' ' ' <"$folder/lines")" = "${*:+$* }" ] || { cat "$folder/text"; echo "FAILED: log level $value"; exit 1; }
     expect "log level $value" "delivered $delivered in $# writes"
 }
 
-today=$(date +%m-%d)
 level debug 34567 D3 I4 W5 E6 F7
 level info 4567 I4 W5 E6 F7
 level warn 4567 W5 E6 F7
