@@ -43,12 +43,13 @@ public:
     ChannelProtocol &operator=(const ChannelProtocol &) = delete;
 
     // Prepares a frame to send: writes the header value and makes room for contentSize bytes, which stay undefined
-    // until WriteContent. Returns false for eaValue above 0x0FFFFFFF or a negative contentSize; without a log also when
-    // the buffer cannot be allocated or would pass INT_MAX bytes. A negative eaValue is taken for its low 28 bits,
+    // until WriteContent. Returns false for eaValue above 0x0FFFFFFF or a negative contentSize, and, without a log, when
+    // the buffer would pass INT_MAX bytes or cannot be allocated. A negative eaValue is taken for its low 28 bits,
     // written as four bytes without an end mark: -1 is 7F 7F 7F 7F.
     OSTRA_EXPORT bool Create(int eaValue, int contentSize);
 
-    // Takes a copy of a received frame. Returns false for a null buffer, a size below 1, or when memory runs out.
+    // Takes a copy of a received frame. Returns false for a null buffer, a size below 1, or when memory runs out or the
+    // copy is refused.
     OSTRA_EXPORT bool CreateFromBuffer(unsigned char *buffer, int size);
 
     // Copies `length` bytes of content to offset_, which it does not move: after Create the place just behind the
@@ -73,7 +74,7 @@ public:
 
     // The whole frame; null before one is created. The object keeps the buffer. Where a further Create or
     // CreateFromBuffer runs out of memory or cannot copy, the buffer is null and the size still that of the earlier
-    // frame; refused arguments change nothing.
+    // frame; refused arguments, and a size past INT_MAX, change nothing.
     OSTRA_EXPORT unsigned char *GetBuffer() const;
 
     // The size of the whole frame in bytes; 0 before one is created.

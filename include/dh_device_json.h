@@ -12,8 +12,8 @@
 // Plain values with public members: one thread at a time uses an object. Every operation that reads or writes a
 // document returns one of the OSTRA_JSON_ codes of ostra_constants.h and logs its failures as errors. Texts are taken
 // up to their first zero byte; member names are looked up without regard to case. A text in which more than 100
-// brackets and braces are open at once, those inside strings aside, is refused as one that is no JSON, so that any
-// thread with 64 KiB of stack can read what a peer sends.
+// brackets and braces are open at once, up to where the first is closed and those inside strings aside, is refused as
+// one that is no JSON, so that any thread with 64 KiB of stack can read what a peer sends.
 //
 // Memory that runs out inside a JSON document gives one of the codes; where a text or a list of this library is to
 // grow, std::bad_alloc is raised instead. The member or output at hand is then as it was, those written before keep
@@ -92,7 +92,8 @@ public:
     // the codec bits and the profile text of all entries held to what is there (a second call repeats the profiles of
     // the first). Without a "2102" that is a text only the adding is done; an empty one ends the call at once with
     // success. Returns OSTRA_JSON_SUCCESS, OSTRA_JSON_INPUT_INVALID when `in` is no JSON, or OSTRA_JSON_STEP_FAILED
-    // when the capability text is refused. Each list and text grows as a whole or not at all.
+    // when the capability text is refused, which audioCapablities_ then holds. Each list and text grows as a whole or
+    // not at all.
     OSTRA_EXPORT int32_t Unmarshal(const std::string &in);
 
     // Appends the codecs and profiles of a capability text. Returns OSTRA_JSON_SUCCESS, or OSTRA_JSON_INPUT_INVALID for

@@ -8,8 +8,8 @@
 //     puts(info.String().c_str());          // ... sinkIp: 1******0 ...
 //
 // Records are plain values: one thread at a time uses an object. The functions may be called from any thread at once,
-// except GetRandomID (see there). What returns or stores a text or makes a buffer raises std::bad_alloc when memory
-// runs out; what it would have written is then as it was.
+// except GetRandomID (see there). What returns, stores or compares texts or makes a buffer raises std::bad_alloc when
+// memory runs out; what it would have written is then as it was.
 //
 // For the whole library: a child that a process with several threads has forked calls nothing of it before exec, since
 // another thread may have held a lock at that moment.

@@ -41,9 +41,9 @@ public:
     OstraDump(const OstraDump &) = delete;
     OstraDump &operator=(const OstraDump &) = delete;
 
-    // Reads the parameter and switches dumping on when it is set to anything but an empty text or "-1", else off. The
-    // value is the write mode; one that is neither "w" nor "a" makes each dump fail to open its file. May be called
-    // again; the last call wins, but one that switches off keeps the mode.
+    // Reads the parameter and switches dumping on when it is set to anything but an empty text, "-1" or more than 29
+    // bytes, else off. The value is the write mode; one that is neither "w" nor "a" makes each dump fail to open its
+    // file. May be called again; the last call wins, but one that switches off keeps the mode.
     OSTRA_EXPORT void Init();
 
     // Reads the system parameter `key` into `value`, at most 29 bytes. Returns true when it is set and not "-1". An
