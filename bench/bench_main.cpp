@@ -154,6 +154,9 @@ int PrintTable(bool isStrict)
     for (size_t i = 0; i < table.size(); ++i) {
         if (!table[i].ratios.empty()) {
             areAllWanted = PrintRow(Rows()[i], table[i]) && areAllWanted;
+        } else if (filter.empty()) {
+            std::cerr << Rows()[i].what << ": not measured\n";
+            return EXIT_FAILURE;
         }
     }
     return areAllWanted || !isStrict ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -1,5 +1,5 @@
 # One picture of growth: gnuplot -c bench/picture.gp DATA SVG SIZE_LABEL. The last column of DATA is the floor.
-# Both axes are logarithmic with decades of equal length: a curve that climbs one for one grows with the size.
+# Both axes are logarithmic: a curve that climbs one decade in one decade grows with the size.
 set terminal svg noenhanced size 720,480 font "sans-serif,13" background "white"
 set output ARG2
 set logscale xy
