@@ -5,10 +5,11 @@ set -euo pipefail
 
 script=$(cd "$(dirname "$0")" && pwd)/${0##*/}
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+called=${script#"$PWD"/}
 
 # refuse WHY: for a call that the script does not understand
 refuse() {
-    echo "${script##*/}: $*; ${script##*/} --help tells what there is" >&2
+    echo "$called: $*; $called --help tells what there is" >&2
     exit 2
 }
 
