@@ -3,8 +3,9 @@
 // Feeds a fuzzer files, and inputs made from pieces of them, the same in every run.
 // Usage: fuzz_replay_NAME FILE...
 
+#include <stdlib.h>
+
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -47,6 +48,7 @@ void Run(const std::string &input)
 
 int main(int argc, char **argv)
 {
+    setenv("OSTRA_HOST_LOG_LEVEL", "off", 0);  // unless somebody wants to see it
     std::vector<std::string> seeds = {std::string(FROM_NOTHING, '\0')};
     for (char &byte : seeds[0]) {
         byte = static_cast<char>(Below(256));

@@ -27,10 +27,14 @@ for library in "$@"; do
         *) continue ;;
     esac
     # By address: without an optimiser the symbols of one constructor share it.
-    entries=$(sed -nE 's/^ *[0-9]+: ([0-9a-f]+) .* FUNC +(GLOBAL|WEAK) +DEFAULT +[0-9].*/\1/p' <<<"$symbols" |
-        sort -u | wc -l)
-    marks=$("$objdump" -d "$library" | grep -Ewc "$mark" || true)
-    [ "$marks" -ge "$entries" ] || { echo "$library: $entries functions, but $marks marks of $mark"; failed=1; }
+    unmarked=$({
+        sed -nE 's/^ *[0-9]+: 0*([0-9a-f]+) .* FUNC +(GLOBAL|WEAK) +DEFAULT +[0-9].*/\1/p' <<<"$symbols" | sort -u
+        "$objdump" -d --no-show-raw-insn "$library"
+    } | awk -v mark="^($mark)\$" '
+        NF == 1 { entries["" $1 ":"]; next }
+        $1 in entries { ++seen; if ($2 !~ mark) print $0 }
+        END { if (seen == 0) print "no entry was seen" }')
+    [ -z "$unmarked" ] || { echo "$library: not marked with $mark: $unmarked"; failed=1; }
 done
 [ "$failed" = 0 ] && echo "hardened: $*"
 exit "$failed"

@@ -11,9 +11,9 @@
 //         SHOW(frame.offset_);                //     E [ostraadapterutils][Create]:...
 //     }                                       // frame.offset_ = 0
 //
-// scripts/update-sessions rewrites the texts; review their difference. What is logged is the type, domain and tag of
-// the library only; debug lines do not count where the platform does not deliver them. A program that the C++ sources
-// define SESSIONS for writes no log of its own to the terminal.
+// scripts/update-sessions rewrites the texts; review their difference. Of the log only lines of the library's type,
+// domain and tag are noted; debug lines do not count where the platform does not deliver them. A program that defines
+// SESSIONS writes no log to the terminal.
 
 #ifndef TESTS_SESSION_H
 #define TESTS_SESSION_H
