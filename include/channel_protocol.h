@@ -43,9 +43,9 @@ public:
     ChannelProtocol &operator=(const ChannelProtocol &) = delete;
 
     // Prepares a frame to send: writes the header value and makes room for contentSize bytes, which stay undefined
-    // until WriteContent. Returns false for eaValue above 0x0FFFFFFF or a negative contentSize, and, without a log, when
-    // the buffer would pass INT_MAX bytes or cannot be allocated. A negative eaValue is taken for its low 28 bits,
-    // written as four bytes without an end mark: -1 is 7F 7F 7F 7F.
+    // until WriteContent. Returns false for eaValue above 0x0FFFFFFF or a negative contentSize; also false, but without
+    // a log, when the buffer would pass INT_MAX bytes or cannot be allocated. A negative eaValue is taken for its low
+    // 28 bits, written as four bytes without an end mark: -1 is 7F 7F 7F 7F.
     OSTRA_EXPORT bool Create(int eaValue, int contentSize);
 
     // Takes a copy of a received frame. Returns false for a null buffer, a size below 1, or when memory runs out or the

@@ -151,6 +151,12 @@ TEST_F(HostEvents, ARecordGivesWhatWasWritten)
                                   R"("pspanid_":7,"trace_flag_":8})");
     SHOW(parsed.GetLevel(), parsed.GetTag(), parsed.GetDomain(), parsed.GetTraceId(), parsed.GetSpanId(),
          parsed.GetPspanId(), parsed.GetTraceFlag(), Get(HiSysEventRecord("[1]"), "a", one));
+    const HiSysEventRecord empty("{}");
+    SHOW(empty.GetEventName(), int{empty.GetEventType()}, empty.GetTime(), empty.GetTimeZone(), empty.GetPid(),
+         empty.GetTid(), empty.GetUid(), empty.GetTraceId(), empty.GetSpanId(), empty.GetPspanId(),
+         empty.GetTraceFlag());
+    const char *const none = nullptr;
+    EXPECT_DEATH(Write("EVENT", none, 1), "null key");
 }
 
 TEST_F(HostEvents, RulesSelectByDomainNameAndType)

@@ -88,12 +88,10 @@ int LowestLevel(unsigned int domain, const char *tag)
         char tag[32];
         int level;
     };
-    static thread_local Remembered last = {0, 0, "", LEVEL_UNSET};
+    static thread_local Remembered last = {UINT64_MAX, 0, "", LEVEL_UNSET};
     const uint64_t changes = CountParameterChanges();
-    // A level of 0 cannot be told from nothing remembered: it is read each time.
-    // Nor can a tag that was cut: it never compares equal.
-    if (last.level == LEVEL_UNSET || last.changes != changes || last.domain != domain ||
-        std::strncmp(last.tag, tag, sizeof(last.tag)) != 0) {
+    // A tag that was cut never compares equal.
+    if (last.changes != changes || last.domain != domain || std::strncmp(last.tag, tag, sizeof(last.tag)) != 0) {
         last.changes = changes;
         last.domain = domain;
         std::snprintf(last.tag, sizeof(last.tag), "%s", tag);
