@@ -223,8 +223,8 @@ TEST_F(HostParameters, NamesValuesAndBuffersAreCheckedToTheirLimits)
     const std::string tooLong(97, 'v');
     SHOW(Set("persist.Test_0.9z", longest), Set(longest, "value"), Set("persist.Test_0.9z", tooLong));
     SHOW(Parameter("persist.Test_0.9z", nullptr, 97), Parameter("persist.Test_0.9z", "", 96));
-    SHOW(Set("", "value"), Set(tooLong, "value"), Set("a-b", "value"), Set("a:b", "value"),
-         Set("a[b", "value"), Set("a{b", "value"));
+    SHOW(Set("", "value"), Set(tooLong, "value"), Set("a-b", "value"), Set("a:b", "value"), Set("a[b", "value"),
+         Set("a{b", "value"));
     SHOW(Parameter(""), Parameter(tooLong), Parameter("a-b"));
     SHOW(SetParameter(nullptr, "v"), SetParameter("test.null", nullptr), GetParameter("a", "", nullptr, 1));
     SHOW(Parameter("test.unset", nullptr), Parameter("test.unset", "other", 5));

@@ -151,6 +151,11 @@ TEST_F(HiLogReplay, TakesTheLevelOfTheTagBeforeTheDomainBeforeAll)
     HiLogSetAppMinLogLevel(LOG_WARN);
     EXPECT_EQ(lowest("Replay"), LOG_WARN);
     EXPECT_EQ(lowest("Other"), LOG_LEVEL_MAX);
+    HiLogSetAppLogLevel(LOG_LEVEL_MIN, PREFER_OPEN_LOG);  // no level, and no preference
+    HiLogSetAppLogLevel(LOG_FATAL, static_cast<PreferStrategy>(PREFER_OPEN_LOG + 1));
+    EXPECT_EQ(lowest("Replay"), LOG_WARN);
+    HiLogSetAppLogLevel(LOG_DEBUG, PREFER_OPEN_LOG);
+    EXPECT_EQ(lowest("Other"), LOG_DEBUG);
     for (const auto &[name, value] : parameters) {
         SetParameter(name, "");
     }
