@@ -30,26 +30,24 @@ const std::string &DUMP_NAME = *new std::string("exit_test_" + std::to_string(ge
 
 bool g_isExiting = false;
 
-// Ends the process with the number of the step that failed.
-void Demand(int step, bool hasWorked)
-{
-    if (!hasWorked) {
-        _exit(step);
-    }
-}
-
 void UseEveryPart()
 {
+    auto demand = [step = 0](bool hasWorked) mutable {
+        ++step;
+        if (!hasWorked) {
+            _exit(step);
+        }
+    };
     std::string networkId;
-    Demand(1, GetRandomID() != GetRandomID());
-    Demand(2, GetLocalDeviceNetworkId(networkId) == 0 && !networkId.empty());
+    demand(GetRandomID() != GetRandomID());
+    demand(GetLocalDeviceNetworkId(networkId) == 0 && !networkId.empty());
     OstraContext::GetInstance().AddWaitNotify("device", "event");
     OstraContext::GetInstance().PublishMessage();
     MessageParcel parcel;
     std::map<int32_t, std::string> read;
-    Demand(3, IpcUtils::Marshalling(parcel, {{7, "x"}}) && IpcUtils::UnMarshalling(parcel, read));
-    Demand(4, read[7] == "x");
-    Demand(5, OstraRadar::GetInstance().ServiceStopRes("function", 0));
+    demand(IpcUtils::Marshalling(parcel, {{7, "x"}}) && IpcUtils::UnMarshalling(parcel, read));
+    demand(read[7] == "x");
+    demand(OstraRadar::GetInstance().ServiceStopRes("function", 0));
 
     const unsigned char byte = 1;
     OstraDump::GetInstance().Init();

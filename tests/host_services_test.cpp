@@ -22,10 +22,10 @@
 
 #include "concurrent_task_client.h"
 #include "hilog/log.h"
-#include "hisysevent_manager.h"
 #include "parameter.h"
 #include "qos.h"
 #include "softbus_bus_center.h"
+#include "support/event_listener.h"
 #include "support/session.h"
 
 using namespace OHOS;
@@ -62,24 +62,13 @@ int Write(const std::string &eventName, Types... keyValues)
     return HiSysEvent::Write("Write", ++line, "DOMAIN", eventName, HiSysEvent::FAULT, keyValues...);
 }
 
-using Event = std::shared_ptr<HiSysEventRecord>;
-
-struct Listener : HiSysEventListener {
-    void OnEvent(Event sysEvent) override
-    {
-        act(sysEvent);
-    }
-    void OnServiceDied() override
-    {
-    }
-    std::function<void(const Event &)> act;
-};
+using Event = EventListener::Event;
 
 // What is heard by these rules during `act`.
 std::vector<Event> Heard(std::vector<ListenerRule> rules, const std::function<void()> &act)
 {
     std::vector<Event> events;
-    const auto listener = std::make_shared<Listener>();
+    const auto listener = std::make_shared<EventListener>();
     listener->act = [&](const Event &event) {
         events.push_back(event);
     };
@@ -170,7 +159,7 @@ TEST_F(HostEvents, ListenersComeAndGoAndThrow)
 {
     std::vector<ListenerRule> rules = {{"DOMAIN", "FIRST"}};
     std::vector<ListenerRule> byPrefix = {{"DOMAIN", "FIRST"}, {"DOMAIN", "S", RuleType::PREFIX}};
-    const auto listener = std::make_shared<Listener>();
+    const auto listener = std::make_shared<EventListener>();
     listener->act = [&](const Event &event) {
         EXPECT_EQ(event->GetEventName(), "FIRST");
         EXPECT_EQ(Write("SECOND"), 0);

@@ -3,13 +3,12 @@
 #include "ostra_radar.h"
 
 #include <memory>
-#include <mutex>
 #include <regex>
 #include <thread>
 
 #include "hisysevent.h"
-#include "hisysevent_manager.h"
 #include "ostra_radar_adapter.h"
+#include "support/event_listener.h"
 #include "support/session.h"
 
 const char *const SESSIONS =
@@ -19,34 +18,27 @@ const char *const SESSIONS =
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Notes each event without what the platform adds and what changes from run to run.
-struct EventRecorder : HiviewDFX::HiSysEventListener {
-    void OnEvent(std::shared_ptr<HiviewDFX::HiSysEventRecord> event) override
-    {
-        static const std::regex changing("\"(time|tz|pid|tid|uid)_\":[^,]*,");
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (isListening) {
-            Session::Left(std::regex_replace(event->AsJson(), changing, ""));
-        }
-    }
+bool g_isListening = true;
 
-    void OnServiceDied() override
-    {
+// Notes an event without what the platform adds and what changes from run to run.
+void NoteEvent(const EventListener::Event &event)
+{
+    static const std::regex changing("\"(time|tz|pid|tid|uid)_\":[^,]*,");
+    if (g_isListening) {
+        Session::Left(std::regex_replace(event->AsJson(), changing, ""));
     }
-
-    std::mutex mutex;
-    bool isListening = true;
-};
+}
 
 class Radar : public Session {
 protected:
     // Events of other places make the platform's limiter forget those of the library that it has counted.
     void SetUp() override
     {
-        static const bool isListening = [this] {
+        static const bool isListening = [] {
+            const auto listener = std::make_shared<EventListener>();
+            listener->act = NoteEvent;
             std::vector<HiviewDFX::ListenerRule> all = {{"", ""}};
-            HiviewDFX::HiSysEventManager::AddListener(recorder_, all);
-            return radar_.AudioOpenRes("F", 0);  // before any test has set the business
+            return HiviewDFX::HiSysEventManager::AddListener(listener, all) == 0;
         }();
         ASSERT_TRUE(isListening);
         for (int line = 0; line < 30; ++line) {
@@ -77,7 +69,6 @@ protected:
         CALL(radar_.UnLoadSinkServiceRes(function, error));
     }
 
-    static inline const auto recorder_ = std::make_shared<EventRecorder>();
     OstraRadar &radar_ = OstraRadar::GetInstance();
 };
 
@@ -98,18 +89,18 @@ TEST_F(Radar, ReportsEachStepWithItsKeysInOrder)
 // Each operation has a budget of its own, and so have its failures: no success hides one.
 TEST_F(Radar, TellsWhatThePlatformDrops)
 {
-    recorder_->isListening = false;  // which would take its time
+    g_isListening = false;  // which would take its time
     Unrecorded([this] {
         for (int i = 0; i < 100; ++i) {
             ReportAll("F", 0);
         }
     });
     ReportAll("F", 0);
-    recorder_->isListening = true;
+    g_isListening = true;
     CALL(radar_.AudioOpenRes("F", -1));
-    recorder_->isListening = false;
+    g_isListening = false;
     CALL(radar_.AudioOpenRes(std::string(262145, 'x'), -1));  // sent, with a warning
-    recorder_->isListening = true;
+    g_isListening = true;
 }
 
 TEST_F(Radar, NamesTheHostOfTheBusinessUntilToldOtherwise)

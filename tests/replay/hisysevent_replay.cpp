@@ -14,7 +14,7 @@
 #include <variant>
 #include <vector>
 
-#include "hisysevent_manager.h"
+#include "support/event_listener.h"
 #include "values.h"
 
 using namespace OHOS::HiviewDFX;
@@ -25,16 +25,6 @@ namespace {
 bool g_sendFails = false;
 int g_sentCount = 0;
 std::string g_sent;  // the last event, or nothing
-
-// Its rules make the writer send; it never hears of an event.
-struct DeafListener : HiSysEventListener {
-    void OnEvent(std::shared_ptr<HiSysEventRecord> /* sysEvent */) override
-    {
-    }
-    void OnServiceDied() override
-    {
-    }
-};
 
 // JSON with its texts as the recording shows them.
 std::string WithoutEscapes(const std::string &json)
@@ -191,7 +181,7 @@ bool SendEvent(const std::shared_ptr<HiSysEventRecord> &event)
 
 TEST(HostPlatformReplay, HiSysEvent)
 {
-    const auto listener = std::make_shared<DeafListener>();
+    const auto listener = std::make_shared<EventListener>();  // its rules make the writer send
     std::vector<ListenerRule> all = {ListenerRule("", "")};
     ASSERT_EQ(HiSysEventManager::AddListener(listener, all), 0);
     const auto begin = [] {
