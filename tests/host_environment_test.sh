@@ -30,6 +30,8 @@ printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semi
 TZ=XST-5:30 run OSTRA_HOST_EVENT_OUTPUT stderr
 expect 'the zone of the clock' '"tz_":"\+0530"'
 expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 heard 2'
+run OSTRA_HOST_EVENT_OUTPUT ''
+expect 'no output' $'\nresults 0 0 heard 2'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
 expect 'the last 100 unsent events' 'heard 2 then 101'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
