@@ -119,5 +119,5 @@ TEST(SecurecReplay, GivesWhatWasRecorded)
         [](char *dest, size_t destMax, size_t, auto... call) { return snprintf_truncated_s(dest, destMax, call...); });
     operations["sscanf_s"] = Scan;
     Replay("platform/securec.txt", 369, operations);
-    Replay("desk/securec.txt", 45, operations);
+    Replay("desk/securec.txt", 46, operations);
 }
