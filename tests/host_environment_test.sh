@@ -46,7 +46,7 @@ for refused in "$folder" "$folder/fifo"; do
 done
 exec 3<>"$folder/fifo" # somebody reads
 run OSTRA_HOST_EVENT_OUTPUT "$folder/fifo"
-expect 'a FIFO that is read' 'Is a FIFO.*results -5 -5 heard 0'
+expect 'a FIFO that is read' $'Is a FIFO\nprocess .*results -5 -5 heard 0'
 run OSTRA_HOST_PARAMETER_FILE "$folder/none"
 expect 'a missing file' 'cannot be opened: .*test.file is unset'
 run OSTRA_HOST_PARAMETER_FILE "$folder/parameters"

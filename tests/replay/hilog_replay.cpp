@@ -146,6 +146,9 @@ TEST_F(HiLogReplay, TakesTheLevelOfTheTagBeforeTheDomainBeforeAll)
         EXPECT_EQ(SetParameter(parameters[i].first, parameters[i].second), 0);
         EXPECT_EQ(lowest("Replay"), expected[i]) << parameters[i].first;
     }
+    SetParameter("hilog.loggable.tag.Replay", "DI");  // no level: the one before it counts
+    EXPECT_EQ(lowest("Replay"), LOG_FATAL);
+    SetParameter("hilog.loggable.tag.Replay", "I");
     EXPECT_EQ(lowest("Other"), LOG_LEVEL_MAX);
     EXPECT_TRUE(HiLogIsLoggable(DOMAIN_ID, "Other", LOG_FATAL));
     HiLogSetAppMinLogLevel(LOG_WARN);

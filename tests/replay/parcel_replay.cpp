@@ -198,6 +198,7 @@ TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
     std::string calls;
     {
         Parcel parcel(new Counting(calls));
+        EXPECT_FALSE(parcel.ParseFrom(0, 1));
         EXPECT_TRUE(parcel.WriteCString(std::string(100, 'x').c_str()));
         EXPECT_FALSE(parcel.WriteCString(std::string(100, 'y').c_str()));
         EXPECT_EQ(parcel.GetDataSize(), 104u);
@@ -205,7 +206,6 @@ TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
         DefaultAllocator late;
         EXPECT_FALSE(parcel.SetAllocator(&late));
         EXPECT_FALSE(parcel.SetAllocator(nullptr));
-        EXPECT_FALSE(parcel.ParseFrom(0, 1));
         EXPECT_EQ(parcel.GetOffsetsSize(), 0u);
         parcel.FlushBuffer();
         EXPECT_EQ(parcel.GetDataCapacity(), 0u);

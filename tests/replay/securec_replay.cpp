@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "call.h"
 #include "securec.h"
@@ -99,6 +100,20 @@ Fields Scan(const Fields &in)
     return results;
 }
 
+// text, the delimiters of each call => the token of each call, all but the first of what is left
+Fields Tokens(const Fields &in)
+{
+    std::optional<std::string> text = Target(in.at(0));
+    char *rest = nullptr;
+    char *next = text.has_value() ? text->data() : nullptr;
+    Fields tokens;
+    for (size_t i = 1; i < in.size(); ++i) {
+        const char *const token = strtok_s(std::exchange(next, nullptr), Pointer(Target(in[i])), &rest);
+        tokens.push_back(token == nullptr ? "null" : Quote(token));
+    }
+    return tokens;
+}
+
 }  // namespace
 
 TEST(SecurecReplay, GivesWhatWasRecorded)
@@ -118,6 +133,7 @@ TEST(SecurecReplay, GivesWhatWasRecorded)
     operations["snprintf_truncated_s"] = Prints(
         [](char *dest, size_t destMax, size_t, auto... call) { return snprintf_truncated_s(dest, destMax, call...); });
     operations["sscanf_s"] = Scan;
+    operations["strtok_s"] = Tokens;
     Replay("platform/securec.txt", 369, operations);
-    Replay("desk/securec.txt", 46, operations);
+    Replay("desk/securec.txt", 50, operations);
 }

@@ -95,7 +95,7 @@ std::string TimeZone(time_t seconds)
 {
     tm local{};
     localtime_r(&seconds, &local);
-    char text[8] = {0};
+    char text[8] = "";
     static_cast<void>(std::strftime(text, sizeof(text), "%z", &local));
     return text;
 }
