@@ -13,8 +13,8 @@
 // AudioCloseRes and DisconnectDeviceRes word it as "UpdatePortRes error", behind a prefix with their own name). A code
 // above 0 is a warning of the platform, which sends the event out all the same, cut or with a text that it finds too
 // long: it is logged, and the operation returns false, as for a refusal. The platform takes at most 100 events of one
-// operation in some 5 seconds, successes and failures counted apart. All raise std::bad_alloc when memory for a text runs
-// out. Who listens to the events includes hisysevent_manager.h beside this header.
+// operation in some 5 seconds, successes and failures counted apart. All raise std::bad_alloc when memory for a text
+// runs out. Who listens to the events includes hisysevent_manager.h beside this header.
 
 #ifndef OSTRA_RADAR_H
 #define OSTRA_RADAR_H
