@@ -110,7 +110,7 @@ TEST_F(Utils, AsksTheSoftBusForTheNetworkId)
     CALL(GetLocalDeviceNetworkId(networkId));
     SHOW(networkId);
     g_softBusResult = 0;
-    for (const size_t length : {NETWORK_ID_BUF_LEN, 5}) {
+    for (const size_t length : {size_t{NETWORK_ID_BUF_LEN}, size_t{5}}) {
         g_networkIdLength = length;
         CALL(GetLocalDeviceNetworkId(networkId));
         SHOW(networkId);
