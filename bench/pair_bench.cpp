@@ -16,6 +16,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "../examples/channel_link.h"
@@ -170,47 +171,32 @@ void MeasureBareSocket(benchmark::State &state, Seconds seconds, bool isDigested
         });
 }
 
-void PairOverLink(benchmark::State &state)
-{
-    MeasurePair(state, ProcessorSeconds, false);
-}
-BENCHMARK(PairOverLink)->UseManualTime();
+struct Comparison {
+    std::string name;
+    Seconds seconds;
+    bool isDigested;
+    const char *what;
+    const char *against;
+};
 
-void BareSocket(benchmark::State &state)
-{
-    MeasureBareSocket(state, ProcessorSeconds, false);
-}
-BENCHMARK(BareSocket)->UseManualTime();
-
-void PairWithDigest(benchmark::State &state)
-{
-    MeasurePair(state, ProcessorSeconds, true);
-}
-BENCHMARK(PairWithDigest)->UseManualTime();
-
-void BareSocketWithDigest(benchmark::State &state)
-{
-    MeasureBareSocket(state, ProcessorSeconds, true);
-}
-BENCHMARK(BareSocketWithDigest)->UseManualTime();
-
-void PairByTheClock(benchmark::State &state)
-{
-    MeasurePair(state, ClockSeconds, false);
-}
-BENCHMARK(PairByTheClock)->UseManualTime();
-
-void BareSocketByTheClock(benchmark::State &state)
-{
-    MeasureBareSocket(state, ClockSeconds, false);
-}
-BENCHMARK(BareSocketByTheClock)->UseManualTime();
-
-const int PAIR_ROW = AddRow({"the example pair, 10 000 pieces of 3840 B, processor's time of both sides",
-                             "PairOverLink", "`sendmsg` and `recv` of the same pieces", "BareSocket", 1 / 0.75});
-const int CLOCK_ROW = AddRow({"the same by the clock", "PairByTheClock", "the same", "BareSocketByTheClock", 1 / 0.75});
-const int DIGEST_ROW =
-    AddRow({"the same with a digest of the stream, processor's time", "PairWithDigest",
-            "`sendmsg` and `recv` of the same pieces, and the digests", "BareSocketWithDigest", 1 / 0.75});
+const int ROWS = [] {
+    const Comparison comparisons[] = {
+        {"ByProcessor", ProcessorSeconds, false,
+         "the example pair, 10 000 pieces of 3840 B, processor's time of both sides",
+         "`sendmsg` and `recv` of the same pieces"},
+        {"ByClock", ClockSeconds, false, "the same by the clock", "the same"},
+        {"WithDigest", ProcessorSeconds, true, "the same with a digest of the stream, processor's time",
+         "`sendmsg` and `recv` of the same pieces, and the digests"},
+    };
+    int rows = 0;
+    for (const auto &[name, seconds, isDigested, what, against] : comparisons) {
+        const std::string pair = "Pair" + name;
+        const std::string bare = "BareSocket" + name;
+        benchmark::RegisterBenchmark(pair.c_str(), MeasurePair, seconds, isDigested)->UseManualTime();
+        benchmark::RegisterBenchmark(bare.c_str(), MeasureBareSocket, seconds, isDigested)->UseManualTime();
+        rows += AddRow({what, pair, against, bare, 1 / 0.75});
+    }
+    return rows;
+}();
 
 }  // namespace
