@@ -210,7 +210,8 @@ TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
         parcel.FlushBuffer();
         EXPECT_EQ(parcel.GetDataCapacity(), 0u);
         EXPECT_TRUE(parcel.SetAllocator(new Counting(calls)));
-        EXPECT_TRUE(parcel.WriteUint32(1));
+        EXPECT_TRUE(parcel.WriteCString(std::string(63, 'z').c_str()));
+        EXPECT_EQ(parcel.GetDataCapacity(), 64u);  // exactly full
     }
     EXPECT_EQ(calls, "free end free end ");
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -93,7 +94,9 @@ Fields Scan(const Fields &in)
     }
     const RecordedCall call({in.at(1)}, 0);
     const auto text = Target(in[0]);
+    errno = EBADF;
     Fields results = {Show(sscanf_s(Pointer(text), Pointer(call.format), words[0], words[1], words[2], words[3]))};
+    EXPECT_EQ(errno, EBADF);
     for (size_t i = 0; i < targets.size(); ++i) {
         results.push_back(Hex(targets[i].substr(0, in[i + 2] == "i" || in[i + 2] == "u" ? 4 : 8)));
     }
@@ -135,5 +138,5 @@ TEST(SecurecReplay, GivesWhatWasRecorded)
     operations["sscanf_s"] = Scan;
     operations["strtok_s"] = Tokens;
     Replay("platform/securec.txt", 369, operations);
-    Replay("desk/securec.txt", 50, operations);
+    Replay("desk/securec.txt", 52, operations);
 }

@@ -19,7 +19,7 @@ bool Parcel::Write(T value)
     if (bytes == nullptr) {
         return false;
     }
-    CopyValues<Stored>(bytes, &stored, 1);
+    std::memcpy(bytes, &stored, sizeof(stored));
     return true;
 }
 
@@ -31,7 +31,7 @@ bool Parcel::Read(T &value)
         return false;
     }
     Stored stored{};
-    CopyValues<Stored>(&stored, bytes, 1);
+    std::memcpy(&stored, bytes, sizeof(stored));
     value = static_cast<T>(stored);
     return true;
 }
@@ -115,7 +115,10 @@ bool Parcel::WritePacked(const std::vector<T> &values)
 template <typename T>
 bool Parcel::ReadVector(std::vector<T> *values, size_t storedSize, bool (Parcel::*read)(T &))
 {
-    const int32_t count = values == nullptr ? -1 : ReadInt32();
+    if (values == nullptr) {
+        return false;
+    }
+    const int32_t count = ReadInt32();
     if (count < 0 || static_cast<size_t>(count) > GetReadableBytes() / storedSize) {
         return false;
     }
@@ -132,7 +135,10 @@ bool Parcel::ReadVector(std::vector<T> *values, size_t storedSize, bool (Parcel:
 template <typename T>
 bool Parcel::ReadPacked(std::vector<T> *values)
 {
-    const int32_t count = values == nullptr ? -1 : ReadInt32();
+    if (values == nullptr) {
+        return false;
+    }
+    const int32_t count = ReadInt32();
     if (count < 0 || static_cast<size_t>(count) > GetReadableBytes() / sizeof(T)) {
         return false;
     }
