@@ -267,12 +267,9 @@ TEST_F(Connection, IsCopiedWholeIntoADevice)
 
 TEST_F(Log, PassesEachLevelOn)
 {
-    CALL(DHLog(DH_LOG_DEBUG, "port %d of %s", 80, "sink"));
-    CALL(DHLog(DH_LOG_INFO, "port %d of %s", 81, "sink"));
-    CALL(DHLog(DH_LOG_WARN, "port %d of %s", 82, "sink"));
-    CALL(DHLog(DH_LOG_ERROR, "port %d of %s", 83, "sink"));
-    CALL(DHLog(static_cast<DHLogLevel>(7), "port %d of %s", 84, "sink"));
-    CALL(DHLog(static_cast<DHLogLevel>(-1), "port %d of %s", 85, "%{private}s"));
+    for (int level = -1; level <= 4; ++level) {
+        CALL(DHLog(static_cast<DHLogLevel>(level), "level %d of %s", level, "%{private}s"));
+    }
 }
 
 TEST_F(Log, ReplacesWhatIsTooLongAsAWhole)
