@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 #include <string_view>
 #include <utility>
 
@@ -22,6 +21,7 @@ constexpr unsigned int LAST_APP_DOMAIN = 0xFFFF;
 constexpr int LEVEL_OFF = LOG_LEVEL_MAX;
 constexpr int LEVEL_UNSET = LOG_LEVEL_MIN;
 constexpr char LEVEL_VARIABLE[] = "OSTRA_HOST_LOG_LEVEL";
+constexpr size_t KEY_SIZE = 128;  // more than a parameter's name can have: one that is cut is no name
 
 // The lowest level that is written.
 int ReadEnvironment()
@@ -50,13 +50,15 @@ int LowestWritten()
 }
 
 // The level that the parameter `name`, or else the one of that name behind "persist.sys.", is set to.
-int LevelOfParameter(const std::string &name, const char *fallback = "")
+int LevelOfParameter(const char *name, const char *fallback = "")
 {
     constexpr std::string_view letters = "DIWEFX";
     static_assert(LOG_DEBUG + letters.size() - 1 == LEVEL_OFF);
     for (const char *prefix : {"", "persist.sys."}) {
+        char key[KEY_SIZE];
+        std::snprintf(key, sizeof(key), "%s%s", prefix, name);
         char value[2] = "";  // a letter; what is longer is none
-        GetParameter((prefix + name).c_str(), *prefix == '\0' ? "" : fallback, value, sizeof(value));
+        GetParameter(key, *prefix == '\0' ? "" : fallback, value, sizeof(value));
         if (const size_t at = letters.find(value); *value != '\0' && at != std::string_view::npos) {
             return LOG_DEBUG + static_cast<int>(at);
         }
@@ -66,12 +68,13 @@ int LevelOfParameter(const std::string &name, const char *fallback = "")
 
 int ReadLowestLevel(unsigned int domain, const char *tag)
 {
-    int level = LevelOfParameter(std::string("hilog.loggable.tag.") + tag);
-    for (const char *format : {"%x", "%X"}) {
+    char name[KEY_SIZE];
+    std::snprintf(name, sizeof(name), "hilog.loggable.tag.%s", tag);
+    int level = LevelOfParameter(name);
+    for (const char *format : {"hilog.loggable.domain.%x", "hilog.loggable.domain.%X"}) {
         if (level == LEVEL_UNSET) {
-            char digits[sizeof("ffffffff")];
-            std::snprintf(digits, sizeof(digits), format, domain);
-            level = LevelOfParameter(std::string("hilog.loggable.domain.") + digits);
+            std::snprintf(name, sizeof(name), format, domain);
+            level = LevelOfParameter(name);
         }
     }
     // The output that debug messages are wanted on gets them, too.
@@ -92,10 +95,10 @@ int LowestLevel(unsigned int domain, const char *tag)
     const uint64_t changes = CountParameterChanges();
     // A tag that was cut never compares equal.
     if (last.changes != changes || last.domain != domain || std::strncmp(last.tag, tag, sizeof(last.tag)) != 0) {
+        last.level = ReadLowestLevel(domain, tag);
         last.changes = changes;
         last.domain = domain;
         std::snprintf(last.tag, sizeof(last.tag), "%s", tag);
-        last.level = ReadLowestLevel(domain, tag);
     }
     return last.level;
 }
