@@ -244,8 +244,8 @@ private:
         return PutPadded(conversion, text.size(), [&] { Put(text); });
     }
 
-    // A wide character is converted as the process's locale has it; what it cannot convert fails the text.
-    // The bytes of a wide character and how many they are, or NO_CHARACTER.
+    // Gives the bytes of a wide character, as the process's locale has it, and how many they are, or NO_CHARACTER. What
+    // cannot be converted fails the text.
     static size_t Narrow(wchar_t character, char (&bytes)[MB_LEN_MAX])
     {
         std::mbstate_t state{};

@@ -3,16 +3,6 @@
 #include "bounded_format.h"
 #include "securec.h"
 
-// Each variadic function is its v-function; what a program puts in that one's place is called.
-#define HOST_SECUREC_PRINT(call)     \
-    {                                \
-        va_list arguments;           \
-        va_start(arguments, format); \
-        const int length = (call);   \
-        va_end(arguments);           \
-        return length;               \
-    }
-
 namespace {
 
 // Prints at most destMax - 1 characters. Returns false for a destination that cannot be written to.
@@ -63,11 +53,31 @@ int vsnprintf_truncated_s(char *strDest, size_t destMax, const char *format, va_
     return isPrinted && result.outcome != FormatOutcome::INVALID ? static_cast<int>(result.length) : -1;
 }
 
+// Each variadic function is its v-function; what a program puts in that one's place is called.
+
 int sprintf_s(char *strDest, size_t destMax, const char *format, ...)
-    HOST_SECUREC_PRINT(vsprintf_s(strDest, destMax, format, arguments))
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = vsprintf_s(strDest, destMax, format, arguments);
+    va_end(arguments);
+    return length;
+}
 
-        int snprintf_s(char *strDest, size_t destMax, size_t count, const char *format, ...)
-            HOST_SECUREC_PRINT(vsnprintf_s(strDest, destMax, count, format, arguments))
+int snprintf_s(char *strDest, size_t destMax, size_t count, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = vsnprintf_s(strDest, destMax, count, format, arguments);
+    va_end(arguments);
+    return length;
+}
 
-                int snprintf_truncated_s(char *strDest, size_t destMax, const char *format, ...)
-                    HOST_SECUREC_PRINT(vsnprintf_truncated_s(strDest, destMax, format, arguments))
+int snprintf_truncated_s(char *strDest, size_t destMax, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = vsnprintf_truncated_s(strDest, destMax, format, arguments);
+    va_end(arguments);
+    return length;
+}
