@@ -13,7 +13,7 @@
 namespace replay {
 namespace {
 
-const std::string FOLDER = OSTRA_SOURCE_FOLDER "/tests/data/";
+const std::string FOLDER = OSTRA_SOURCE_FOLDER "/tests/data/host/";
 const char DIGITS[] = "0123456789abcdef";
 
 char Byte(const std::string &text, size_t at)

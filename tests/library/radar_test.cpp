@@ -12,7 +12,7 @@
 #include "support/session.h"
 
 const char *const SESSIONS =
-#include "sessions/radar_test.txt"
+#include "radar_test.txt"
     ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {

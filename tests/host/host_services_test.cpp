@@ -32,7 +32,7 @@ using namespace OHOS;
 using namespace OHOS::HiviewDFX;
 
 const char *const SESSIONS =
-#include "sessions/host_services_test.txt"
+#include "host_services_test.txt"
     ;
 
 namespace {

@@ -13,7 +13,7 @@
 #include "support/session.h"
 
 const char *const SESSIONS =
-#include "sessions/documents_test.txt"
+#include "documents_test.txt"
     ;
 
 namespace {

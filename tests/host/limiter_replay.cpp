@@ -63,5 +63,5 @@ extern "C" int clock_gettime(clockid_t clock, timespec *now) noexcept
 
 TEST(HostPlatformReplay, Limiter)
 {
-    Replay("platform/limiter.txt", 73, {{"site", WriteAtSite}});
+    Replay("recorded/limiter.txt", 73, {{"site", WriteAtSite}});
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Replays the recorded files of tests/data/platform/, and those of tests/data/desk/ beside them, on the host platform:
+// Replays the recorded files of tests/data/host/recorded/, and those of tests/data/host/handwritten/ beside them, on the host platform:
 // reads them, hands each line's input to a function of the test, and compares what the function gives with what was
 // recorded.
 //
-//     Replay("platform/qos.txt", 67, {{"SetThreadQos", [](const Fields &in) { return Fields{...}; }}});
+//     Replay("recorded/qos.txt", 67, {{"SetThreadQos", [](const Fields &in) { return Fields{...}; }}});
 
 #ifndef TESTS_REPLAY_RECORDING_H
 #define TESTS_REPLAY_RECORDING_H

@@ -12,7 +12,7 @@
 #include "support/session.h"
 
 const char *const SESSIONS =
-#include "sessions/channel_protocol_test.txt"
+#include "channel_protocol_test.txt"
     ;
 
 namespace {

@@ -19,7 +19,7 @@
 #include "support/session.h"
 
 const char *const SESSIONS =
-#include "sessions/bridge_test.txt"
+#include "bridge_test.txt"
     ;
 
 // In place of the platform's functions: what reaches them, and results that no platform gives.

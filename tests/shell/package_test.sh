@@ -18,7 +18,7 @@ if [ -f "$installed/CMakeCache.txt" ]; then
     prefix=$folder/moved
     mv "$folder/first" "$prefix"
 fi
-for header in "$here"/../include/*.h; do
+for header in "$here"/../../include/*.h; do
     [ -f "$prefix/include/ostra_adapter_utils/${header##*/}" ] || { echo "not installed: ${header##*/}"; exit 1; }
 done
 libraries=$(dirname "$(find "$prefix/lib" -name libostra_adapter_utils.so)")
@@ -26,15 +26,15 @@ pages=$prefix/share/doc/ostra_adapter_utils
 for page in LICENSE README.md CHANGELOG.md docs/wire-formats.md; do
     [ -f "$pages/$page" ] || { echo "not installed: $page"; exit 1; }
 done
-version=$(sed -n 's/^#define OSTRA_VERSION "\(.*\)"$/\1/p' "$here/../include/ostra_version.h")
+version=$(sed -n 's/^#define OSTRA_VERSION "\(.*\)"$/\1/p' "$here/../../include/ostra_version.h")
 interface=${version%%.*} # while it is 0, each minor version may change the interface
 [ "${interface:?}" != 0 ] || interface=${version%.*}
 [ -L "$libraries/libostra_adapter_utils.so.$interface" ] || { echo "no library is called after $interface"; exit 1; }
 
 mkdir "$folder/outside"
-sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$here/../README.md" >"$folder/outside/CMakeLists.txt"
-sed -n '/^## A first program/,/^## /s/^    //p' "$here/../README.md" >"$folder/outside/first_frame.cpp"
-diff -B <(sed -n '/^#include/,$p' "$here/../examples/first_frame.cpp") "$folder/outside/first_frame.cpp" ||
+sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$here/../../README.md" >"$folder/outside/CMakeLists.txt"
+sed -n '/^## A first program/,/^## /s/^    //p' "$here/../../README.md" >"$folder/outside/first_frame.cpp"
+diff -B <(sed -n '/^#include/,$p' "$here/../../examples/first_frame.cpp") "$folder/outside/first_frame.cpp" ||
     { echo "README.md does not show examples/first_frame.cpp"; exit 1; }
 "$CMAKE" -G Ninja -S "$folder/outside" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" -DCMAKE_CXX_COMPILER="$CXX" \
@@ -48,7 +48,7 @@ promised=$(sed -n 's/^ *\/\/ Prints: //p' "$folder/outside/first_frame.cpp")
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
 # The program itself needs only the one library, which must find the other beside it. The flags are words to be split.
 # shellcheck disable=SC2086
-"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/plain_names_test.c" -Wl,--as-needed $flags \
+"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/../library/plain_names_test.c" "-I$here/.." -Wl,--as-needed $flags \
     -Wl,--enable-new-dtags,-rpath,"$libraries" \
     -o "$folder/plain_names"
 $EMULATOR "$folder/plain_names"

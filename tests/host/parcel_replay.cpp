@@ -171,7 +171,7 @@ TEST(HostParcel, ComesOutAsRecorded)
     const auto begin = [&] {
         player.parcel = std::make_unique<MessageParcel>();
     };
-    Replay("platform/parcel.txt", 307, player.operations, begin, "Unaligned");  // no host uses unaligned values
+    Replay("recorded/parcel.txt", 307, player.operations, begin, "Unaligned");  // no host uses unaligned values
 }
 
 TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)

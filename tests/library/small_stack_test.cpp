@@ -14,7 +14,7 @@
 #include "support/session.h"
 
 const char *const SESSIONS =
-#include "sessions/small_stack_test.txt"
+#include "small_stack_test.txt"
     ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {

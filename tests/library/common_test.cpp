@@ -22,7 +22,7 @@
 #include "support/session.h"
 
 const char *const SESSIONS =
-#include "sessions/common_test.txt"
+#include "common_test.txt"
     ;
 
 // Fails only for numbers on their own: the platform's log prints, too.

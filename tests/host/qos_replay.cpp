@@ -114,6 +114,6 @@ TEST(HostPlatformReplay, Qos)
         Switch(in.at(0));
         return {"-"};
     };
-    Replay("platform/qos.txt", 67, operations, begin);
+    Replay("recorded/qos.txt", 67, operations, begin);
     begin();
 }

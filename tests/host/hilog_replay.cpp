@@ -118,7 +118,7 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
             };
         }
     }
-    Replay("platform/hilog-format.txt", 397, operations, [] { SetParameter(DEVICE_WIDE, "I"); });
+    Replay("recorded/hilog-format.txt", 397, operations, [] { SetParameter(DEVICE_WIDE, "I"); });
 }
 
 // Each parameter in turn; a later one wins over those before it.

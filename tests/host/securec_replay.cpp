@@ -137,6 +137,6 @@ TEST(SecurecReplay, GivesWhatWasRecorded)
         [](char *dest, size_t destMax, size_t, auto... call) { return snprintf_truncated_s(dest, destMax, call...); });
     operations["sscanf_s"] = Scan;
     operations["strtok_s"] = Tokens;
-    Replay("platform/securec.txt", 369, operations);
-    Replay("desk/securec.txt", 52, operations);
+    Replay("recorded/securec.txt", 369, operations);
+    Replay("handwritten/securec.txt", 52, operations);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "../protocol/crc16.h"
+#include "../../protocol/crc16.h"
 
 #include <gtest/gtest.h>
 

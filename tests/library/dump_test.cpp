@@ -13,7 +13,7 @@
 #include "support/session.h"
 
 const char *const SESSIONS =
-#include "sessions/dump_test.txt"
+#include "dump_test.txt"
     ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {

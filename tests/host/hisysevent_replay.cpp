@@ -207,7 +207,7 @@ TEST(HostPlatformReplay, HiSysEvent)
     operations["sent"] = [](const Fields &) -> Fields {
         return {Show(g_sentCount)};
     };
-    Replay("platform/hisysevent.txt", 228, operations, begin);
-    Replay("desk/hisysevent.txt", 6, operations, begin);
+    Replay("recorded/hisysevent.txt", 228, operations, begin);
+    Replay("handwritten/hisysevent.txt", 6, operations, begin);
     EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
 }
