@@ -9,11 +9,12 @@
 #include "dh_utils_tools.h"
 #include "message_parcel.h"
 #include "ostra_adapter_log.h"
-#include "ostra_constants.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
+// Not SEPARATOR: the process destroys that before its last calls.
+constexpr char KEY_END = '#';
 constexpr uint32_t MAX_ENTRIES = 10000;
 constexpr size_t LONGEST_INT32_TEXT = 11;
 
@@ -26,7 +27,7 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
     std::string entry;                   // one for all, so that it allocates at most a few times
     for (const auto &[key, value] : params) {
         char *end = std::to_chars(std::begin(start), std::end(start) - 1, key).ptr;
-        *end++ = SEPARATOR.front();
+        *end++ = KEY_END;
         entry.assign(start, end).append(value);
         if (!parcel.WriteString(entry)) {
             return false;
@@ -66,7 +67,6 @@ bool IpcUtils::UnMarshalling(MessageParcel &parcel, std::map<int32_t, std::strin
         OSTRA_LOGE("Params size is invalid!size : %u", count);
         return false;
     }
-    const char separator = SEPARATOR.front();
     std::string entry;
     std::string keyText;
     for (uint32_t i = 0; i < count; ++i) {
@@ -74,7 +74,7 @@ bool IpcUtils::UnMarshalling(MessageParcel &parcel, std::map<int32_t, std::strin
             OSTRA_LOGE("read value failed!");
             return false;
         }
-        const size_t keyLength = entry.find(separator);
+        const size_t keyLength = entry.find(KEY_END);
         if (keyLength == std::string::npos) {
             OSTRA_LOGE("Not found the separator!");
             continue;

@@ -9,13 +9,14 @@
 #include <random>
 
 #include "ostra_adapter_log.h"
-#include "ostra_constants.h"
 #include "securec.h"
 #include "softbus_bus_center.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
+// Not OSTRA_PKG_NAME: the process destroys that before its last calls.
+constexpr char PACKAGE_NAME[] = "ohos.dhardware.osatraadapter";
 constexpr char ANONYMOUS_MIDDLE[] = "******";
 constexpr size_t SHORTEST_WITH_ENDS = 3;
 constexpr size_t SHORTEST_WITH_LONG_ENDS = 21;
@@ -43,7 +44,7 @@ void AppendHex(std::string &text, uint64_t value, int width)
 
 std::string GetRandomID()
 {
-    static auto &device = *new std::random_device("/dev/urandom");  // leaks on purpose: used until the very end
+    static auto &device = *new std::random_device("/dev/urandom");  // never destroyed
     static std::uniform_int_distribution<uint64_t> distribution;
     const uint64_t a = distribution(device);
     const uint64_t b = distribution(device);
@@ -85,7 +86,7 @@ std::string GetAnonyInt32(int32_t value)
 int32_t GetLocalDeviceNetworkId(std::string &networkId)
 {
     NodeBasicInfo info = {};
-    const int32_t ret = GetLocalNodeDeviceInfo(OSTRA_PKG_NAME.c_str(), &info);
+    const int32_t ret = GetLocalNodeDeviceInfo(PACKAGE_NAME, &info);
     if (ret != 0) {
         OSTRA_LOGE("GetLocalNodeDeviceInfo failed ret: %d", ret);
         return ret;

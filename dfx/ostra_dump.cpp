@@ -10,6 +10,9 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
+// Not DUMP_WRITE_ENABLE_KEY and DUMP_PATH_PREFIX: the process destroys those before its last calls.
+constexpr char SWITCH_PARAMETER[] = "sys.ostra.audio.dump.write.enable";
+constexpr char PATH_PREFIX[] = "/data/local/tmp/";
 constexpr char UNSET_MARKER[] = "-1";
 constexpr uint32_t PARAMETER_BUFFER_SIZE = 30;
 constexpr size_t LONGEST_PATH = 50;
@@ -26,7 +29,7 @@ void OstraDump::Init()
 {
     OSTRA_LOGI("Dump init");
     std::string value;
-    if (GetSysPara(DUMP_WRITE_ENABLE_KEY.c_str(), value) && !value.empty()) {
+    if (GetSysPara(SWITCH_PARAMETER, value) && !value.empty()) {
         dumpMode_ = value;
         enable_.exchange(true);
         return;
@@ -69,7 +72,7 @@ void OstraDump::DumpStreamData(const std::string &fileName, const unsigned char 
         OSTRA_LOGD("Dump is not enable.");
         return;
     }
-    FILE *const file = OpenDumpFile(DUMP_PATH_PREFIX + fileName);
+    FILE *const file = OpenDumpFile(PATH_PREFIX + fileName);
     if (file == nullptr) {
         return;
     }

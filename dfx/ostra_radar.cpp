@@ -12,6 +12,11 @@ namespace {
 
 using HiviewDFX::HiSysEvent;
 
+// Not the constants of the header: the process destroys those before its last calls.
+constexpr char DOMAIN[] = "OSTRAADAPTER";
+constexpr char EVENT_NAME[] = "OSTRA_ADAPTER_BEHAVIOR";
+constexpr char REPORTING_PACKAGE[] = "ostra_adapter";
+
 constexpr int32_t RESULT_SUCCESS = 1;
 constexpr int32_t RESULT_FAILURE = 2;
 
@@ -69,8 +74,9 @@ int32_t LineOf(const Step &step, bool isSuccess)
 int WriteEvent(const Step &step, const Report &report)
 {
     const bool isSuccess = report.errorCode == 0;
+    const std::string reportingPackage = REPORTING_PACKAGE;
     const auto write = [&](const auto &...keyValues) {
-        return HiSysEvent::Write(step.method, LineOf(step, isSuccess), OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT,
+        return HiSysEvent::Write(step.method, LineOf(step, isSuccess), DOMAIN, EVENT_NAME,
                                  HiSysEvent::BEHAVIOR, keyValues...);
     };
     const auto writeWithError = [&](const auto &...keyValues) {
@@ -85,8 +91,8 @@ int WriteEvent(const Step &step, const Report &report)
                               "STAGE_RES", isSuccess ? RESULT_SUCCESS : RESULT_FAILURE);
     };
     return report.calledPackage == nullptr
-               ? writeWithRest("ORG_PKG", ORG_PKG_NAME, "FUNC", report.function)
-               : writeWithRest("ORG_PKG", ORG_PKG_NAME, "FUNC", report.function, "TO_CALL_PKG", *report.calledPackage);
+               ? writeWithRest("ORG_PKG", reportingPackage, "FUNC", report.function)
+               : writeWithRest("ORG_PKG", reportingPackage, "FUNC", report.function, "TO_CALL_PKG", *report.calledPackage);
 }
 
 bool Write(const Step &step, const Report &report)

@@ -31,47 +31,47 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 
 // Names of the histogram channels.
-inline const std::string &HISTM_VID_ENC = *new std::string("histmVidEnc");
-inline const std::string &HISTM_VID_DEC = *new std::string("histmVidDec");
-inline const std::string &HISTM_AUD_ENC = *new std::string("histmAudEnc");
-inline const std::string &HISTM_AUD_DEC = *new std::string("histmAudDec");
+inline const std::string HISTM_VID_ENC = "histmVidEnc";
+inline const std::string HISTM_VID_DEC = "histmVidDec";
+inline const std::string HISTM_AUD_ENC = "histmAudEnc";
+inline const std::string HISTM_AUD_DEC = "histmAudDec";
 
 // Service names.
-inline const std::string &DCAMERA_SERVICE_NAME = *new std::string("ohos.dhardware.dcamera");
-inline const std::string &DSCREEN_SERVICE_NAME = *new std::string("ohos.dhardware.dscreen");
-inline const std::string &DAUDIO_DMIC_SERVICE_NAME = *new std::string("ohos.dhardware.daudio.dmic");
-inline const std::string &DAUDIO_DSPEAKER_SERVICE_NAME = *new std::string("ohos.dhardware.daudio.dspeaker");
-inline const std::string &DCALL_DMIC_SERVICE_NAME = *new std::string("ohos.dhardware.dcall.dmic");
-inline const std::string &DCALL_DSPEAKER_SERVICE_NAME = *new std::string("ohos.dhardware.dcall.dspeaker");
+inline const std::string DCAMERA_SERVICE_NAME = "ohos.dhardware.dcamera";
+inline const std::string DSCREEN_SERVICE_NAME = "ohos.dhardware.dscreen";
+inline const std::string DAUDIO_DMIC_SERVICE_NAME = "ohos.dhardware.daudio.dmic";
+inline const std::string DAUDIO_DSPEAKER_SERVICE_NAME = "ohos.dhardware.daudio.dspeaker";
+inline const std::string DCALL_DMIC_SERVICE_NAME = "ohos.dhardware.dcall.dmic";
+inline const std::string DCALL_DSPEAKER_SERVICE_NAME = "ohos.dhardware.dcall.dspeaker";
 
 // Stream names.
-inline const std::string &DMIC_STREAM = *new std::string("dmic_stream");
-inline const std::string &DSCREEN_STREAM = *new std::string("dscreen_stream");
-inline const std::string &DSPEAKER_STREAM = *new std::string("dspeaker_stream");
-inline const std::string &DCAMERA_STREAM = *new std::string("dcamera_stream");
-inline const std::string &DCAMERA_PICTURE = *new std::string("dcamera_picture");
+inline const std::string DMIC_STREAM = "dmic_stream";
+inline const std::string DSCREEN_STREAM = "dscreen_stream";
+inline const std::string DSPEAKER_STREAM = "dspeaker_stream";
+inline const std::string DCAMERA_STREAM = "dcamera_stream";
+inline const std::string DCAMERA_PICTURE = "dcamera_picture";
 
 // Package names. Camera and screen have a service and a package of the same name.
-inline const std::string &DHARDWARE_PREFIX = *new std::string("ohos.dhardware");
-inline const std::string &DAUDIO_PKG_NAME = *new std::string("ohos.dhardware.daudio");
-inline const std::string &DCALL_PKG_NAME = *new std::string("ohos.dhardware.dcall");
-inline const std::string &DCAMERA_PKG_NAME = *new std::string("ohos.dhardware.dcamera");
-inline const std::string &DSCREEN_PKG_NAME = *new std::string("ohos.dhardware.dscreen");
+inline const std::string DHARDWARE_PREFIX = "ohos.dhardware";
+inline const std::string DAUDIO_PKG_NAME = "ohos.dhardware.daudio";
+inline const std::string DCALL_PKG_NAME = "ohos.dhardware.dcall";
+inline const std::string DCAMERA_PKG_NAME = "ohos.dhardware.dcamera";
+inline const std::string DSCREEN_PKG_NAME = "ohos.dhardware.dscreen";
 
 // Formats of video and pictures.
-inline const std::string &MIME_VIDEO_RAW = *new std::string("video/raw");
-inline const std::string &MIME_VIDEO_AVC = *new std::string("video/avc");
-inline const std::string &MIME_VIDEO_HEVC = *new std::string("video/hevc");
-inline const std::string &PIXEL_FORMAT_NV12 = *new std::string("nv12");
-inline const std::string &PIXEL_FORMAT_NV21 = *new std::string("nv21");
-inline const std::string &PIXEL_FORMAT_JPEG = *new std::string("jpeg");
-inline const std::string &PIXEL_FORMAT_YUVI420 = *new std::string("yuvi420");
-inline const std::string &PIXEL_FORMAT_RGBA8888 = *new std::string("rgba8888");
+inline const std::string MIME_VIDEO_RAW = "video/raw";
+inline const std::string MIME_VIDEO_AVC = "video/avc";
+inline const std::string MIME_VIDEO_HEVC = "video/hevc";
+inline const std::string PIXEL_FORMAT_NV12 = "nv12";
+inline const std::string PIXEL_FORMAT_NV21 = "nv21";
+inline const std::string PIXEL_FORMAT_JPEG = "jpeg";
+inline const std::string PIXEL_FORMAT_YUVI420 = "yuvi420";
+inline const std::string PIXEL_FORMAT_RGBA8888 = "rgba8888";
 
 // Names of device types. Not every release of the framework names all of them, so they are written by value.
 using DHTypeNames = std::unordered_map<DHType, std::string>;
 // The names in capitals.
-inline const DHTypeNames &DHTYPE_NAME_MAP = *new DHTypeNames{
+inline const DHTypeNames DHTYPE_NAME_MAP = {
     {static_cast<DHType>(0x1), "CAMERA"},  {static_cast<DHType>(0x2), "AUDIO"},
     {static_cast<DHType>(0x8), "SCREEN"},  {static_cast<DHType>(0x10), "GPS"},
     {static_cast<DHType>(0x20), "INPUT"},  {static_cast<DHType>(0x40), "HFP"},
@@ -79,7 +79,7 @@ inline const DHTypeNames &DHTYPE_NAME_MAP = *new DHTypeNames{
     {static_cast<DHType>(0x200), "MODEM"},
 };
 // The names as people read them, for the types that are shown.
-inline const DHTypeNames &DHTYPE_DISPLAY_NAME_MAP = *new DHTypeNames{
+inline const DHTypeNames DHTYPE_DISPLAY_NAME_MAP = {
     {static_cast<DHType>(0x1), "Camera"},
     {static_cast<DHType>(0x8), "Screen"},
     {static_cast<DHType>(0x20), "Input"},

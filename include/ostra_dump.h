@@ -26,11 +26,11 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 
 // The system parameter that switches dumping on and gives the write mode.
-inline const std::string &DUMP_WRITE_ENABLE_KEY = *new std::string("sys.ostra.audio.dump.write.enable");
+inline const std::string DUMP_WRITE_ENABLE_KEY = "sys.ostra.audio.dump.write.enable";
 // The folder of the dumps.
-inline const std::string &DUMP_DIR = *new std::string("/data/local/tmp");
+inline const std::string DUMP_DIR = "/data/local/tmp";
 // What stands before the name of a dump.
-inline const std::string &DUMP_PATH_PREFIX = *new std::string("/data/local/tmp/");
+inline const std::string DUMP_PATH_PREFIX = "/data/local/tmp/";
 
 // The switch of the dumps, their write mode, and the writing.
 class OstraDump {

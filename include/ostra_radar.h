@@ -27,13 +27,13 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 
 // Domain of every event.
-inline const std::string &OSTRA_DOMAIN = *new std::string("OSTRAADAPTER");
+inline const std::string OSTRA_DOMAIN = "OSTRAADAPTER";
 // Name of every event.
-inline const std::string &ADAPTER_BEHAVIOR_EVENT = *new std::string("OSTRA_ADAPTER_BEHAVIOR");
+inline const std::string ADAPTER_BEHAVIOR_EVENT = "OSTRA_ADAPTER_BEHAVIOR";
 // The package that reports, in every event.
-inline const std::string &ORG_PKG_NAME = *new std::string("ostra_adapter");
+inline const std::string ORG_PKG_NAME = "ostra_adapter";
 // Package name of the platform's soft bus, for callers that name it as the called package.
-inline const std::string &SOFTBUS_PKG_NAME = *new std::string("dsoftbus");
+inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 
 // Reports the steps of the adapter's work, one event each, and holds what all of them share: the business and the name
 // of the host process. Of the arguments of a step, funcName is the function that took it, errCode 0 for success or any

@@ -2,7 +2,7 @@
 
 #include "dh_device_json.h"
 
-#include "json_reading.h"
+#include "json_object.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 
@@ -81,8 +81,7 @@ int32_t DHOSTRADeviceJson::Marshal(std::string &out)
     document.AddBool("tavoniTv", tavoniTv_);
     if (!document.IsNull()) {
         JsonTree properties(cJSON_Parse(properties_.c_str()));
-        // A text whose braces are closed, as AddProperties writes it, parses unless memory runs out.
-        if (properties == nullptr && NestingOf(properties_.c_str()) != JsonNesting::CLOSED) {
+        if (properties == nullptr) {
             OSTRA_LOGE("cJSON_Parse failed");
             properties.reset(cJSON_CreateStringReference(properties_.c_str()));
         }

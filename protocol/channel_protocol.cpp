@@ -69,11 +69,11 @@ bool ChannelProtocol::Create(int eaValue, int contentSize)
     }
     EncodedEA ea{};
     const int eaLength = EncodeEA(static_cast<uint32_t>(eaValue), ea);
+    protocolBuffer_ = nullptr;
     if (contentSize > INT_MAX - eaLength) {
         return false;
     }
     const int size = contentSize + eaLength;
-    protocolBuffer_ = nullptr;
     std::unique_ptr<unsigned char[]> frame(new (std::nothrow) unsigned char[static_cast<size_t>(size)]);
     if (frame == nullptr) {
         return false;

@@ -25,8 +25,8 @@ static void Check(int isTrue, const char *what)
 int main(void)
 {
     const int32_t tid = (int32_t)getpid(); /* that of the main thread */
-    const int32_t utility = 2;
-    Check(SetQos(utility, tid) == 0, "a level for this thread");
+    const int32_t defaultLevel = 2;
+    Check(SetQos(defaultLevel, tid) == 0, "a level for this thread");
     Check(SetQos(99, tid) == -1, "a level that the platform does not have");
     Check(ResetQos(tid) == 0, "reset of this thread");
     Check(ResetQos(-1) == -1, "reset of no thread");
