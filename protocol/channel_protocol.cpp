@@ -153,7 +153,7 @@ bool ChannelProtocol::HasEA(unsigned char byte)
 uint32_t ChannelProtocol::GetCrc(unsigned char *data, int length) const
 {
     const bool isEmpty = data == nullptr || length < 1;
-    const uint32_t crc = isEmpty ? 0 : Crc16(0, data, static_cast<size_t>(length));
+    const uint32_t crc = isEmpty ? 0 : Crc16(data, static_cast<size_t>(length));
     OSTRA_LOGI("ChannelProtocol::GetCrc: getCrc16:%s", GetAnonyString(std::to_string(crc)).c_str());
     return crc;
 }
