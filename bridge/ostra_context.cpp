@@ -18,7 +18,7 @@ constexpr char EVENT_KEY[] = "isomerism_event";
 
 OstraContext &OstraContext::GetInstance()
 {
-    static auto *const instance = new OstraContext();  // leaks on purpose: no order of destruction
+    static auto *const instance = new OstraContext();  // never destroyed: usable until the process ends
     return *instance;
 }
 
@@ -46,7 +46,7 @@ void OstraContext::PublishMessage()
                 OSTRA_LOGE("PublishMessage, cJSON jsonObj is nullptr");
                 return;
             }
-            const JsonText text = notification.PrintUnformatted();
+            const JsonString text = notification.PrintUnformatted();
             if (text == nullptr) {
                 OSTRA_LOGE("PublishMessage, cJSON_PrintUnformatted failed");
                 return;

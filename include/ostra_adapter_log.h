@@ -22,7 +22,7 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 /// Severity of a message. Any other value is logged like DH_LOG_INFO.
 enum DHLogLevel : int32_t {
-    DH_LOG_DEBUG = 0,  ///< Not delivered by the platform unless it is told to.
+    DH_LOG_DEBUG = 0,  ///< Not delivered by default.
     DH_LOG_INFO = 1,
     DH_LOG_WARN = 2,
     DH_LOG_ERROR = 3,
