@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0
  *
- * The plain-name entries, seen by a C compiler and called from C. Ends with the number of checks that failed. */
+ * Calls the six C entry points from a C source file, which also checks that a C compiler accepts their headers. */
 
 #define _POSIX_C_SOURCE 200112L
 #include <stdio.h>
@@ -10,33 +10,38 @@
 #include "ostra_qos_adapter.h"
 #include "ostra_radar_adapter.h"
 #include "ostra_version.h"
-#include "support/quiet.h"
 
-static int failures = 0;
-
-static void Check(int isTrue, const char *what)
+/* Returns what failed, or a null pointer. */
+const char *CallFromC(void)
 {
-    if (!isTrue) {
-        printf("failed: %s\n", what);
-        ++failures;
+    const int32_t tid = (int32_t)getpid(); /* of the main thread */
+    const int32_t level = 2;
+    if (SetQos(level, tid) != 0) {
+        return "SetQos refuses a valid level";
     }
-}
-
-int main(void)
-{
-    const int32_t tid = (int32_t)getpid(); /* that of the main thread */
-    const int32_t utility = 2;
-    Check(SetQos(utility, tid) == 0, "a level for this thread");
-    Check(SetQos(99, tid) == -1, "a level that the platform does not have");
-    Check(ResetQos(tid) == 0, "reset of this thread");
-    Check(ResetQos(-1) == -1, "reset of no thread");
-    RequestAuth("4711"); /* it and the reports have no result: they link, and come back */
+    if (SetQos(99, tid) != -1) {
+        return "SetQos accepts a level that the platform does not have";
+    }
+    if (ResetQos(tid) != 0) {
+        return "ResetQos refuses this thread";
+    }
+    if (ResetQos(-1) != -1) {
+        return "ResetQos accepts an invalid thread id";
+    }
+    RequestAuth("4711"); /* no result: the call links and returns */
     DumpStreamData("never_written", (const unsigned char *)"x", 1);
-    Check(access("/data/local/tmp/never_written", F_OK) != 0, "no dump while it is off");
+    if (access("/data/local/tmp/never_written", F_OK) == 0) {
+        return "DumpStreamData writes a file while dumps are off";
+    }
     RadarWrite("main", 0, "dsoftbus");
     UpdateRes("main", 1, "dsoftbus");
-    int major = 0, minor = 0, patch = 0;
-    sscanf(OSTRA_VERSION, "%d.%d.%d", &major, &minor, &patch);
-    Check(OSTRA_VERSION_NUMBER == major * 10000 + minor * 100 + patch, "one version as text and as number");
-    return failures;
+
+    int major = 0;
+    int minor = 0;
+    int patch = 0;
+    if (sscanf(OSTRA_VERSION, "%d.%d.%d", &major, &minor, &patch) != 3 ||
+        OSTRA_VERSION_NUMBER != major * 10000 + minor * 100 + patch) {
+        return "OSTRA_VERSION and OSTRA_VERSION_NUMBER differ";
+    }
+    return NULL;
 }
