@@ -3,6 +3,7 @@
 #include "ipc_utils.h"
 
 #include <charconv>
+#include <cstdlib>
 #include <iterator>
 #include <optional>
 
@@ -36,13 +37,15 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
     return true;
 }
 
-// The value of a text that CheckIsNum accepts; none when it does not fit.
-std::optional<int32_t> ToInt32(const std::string &text)
+// Returns the value of a string that CheckIsNum accepts; nullopt if it is out of range.
+// Not std::from_chars: its inline code may rely on unsigned overflow ("-0"), which ends the process on a device.
+std::optional<int32_t> ToInt32(const std::string &number)
 {
-    const char *begin = text.data() + (text.front() == '+' ? 1 : 0);
-    int32_t value = 0;
-    const std::from_chars_result result = std::from_chars(begin, text.data() + text.size(), value);
-    return result.ec == std::errc() ? std::optional<int32_t>(value) : std::nullopt;
+    const long long value = std::strtoll(number.c_str(), nullptr, 10);  // saturates, far beyond the range
+    if (value < INT32_MIN || value > INT32_MAX) {
+        return std::nullopt;
+    }
+    return static_cast<int32_t>(value);
 }
 
 }  // namespace

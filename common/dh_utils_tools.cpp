@@ -45,9 +45,9 @@ void AppendHex(std::string &output, uint64_t value, int width)
 std::string GetRandomID()
 {
     static auto &device = *new std::random_device("/dev/urandom");  // never destroyed
-    static std::uniform_int_distribution<uint64_t> distribution;
-    const uint64_t a = distribution(device);
-    const uint64_t b = distribution(device);
+    const auto draw = [] { return uint64_t{device()} << 32 | device(); };
+    const uint64_t a = draw();
+    const uint64_t b = draw();
 
     std::string id;
     AppendHex(id, a >> 32, 8);

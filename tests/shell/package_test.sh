@@ -48,7 +48,15 @@ promised=$(sed -n 's/^ *\/\/ Prints: //p' "$folder/outside/first_frame.cpp")
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
 # The program itself needs only the one library, which must find the other beside it. The flags are words to be split.
 # shellcheck disable=SC2086
-"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/../library/plain_names_test.c" "-I$here/.." -Wl,--as-needed $flags \
-    -Wl,--enable-new-dtags,-rpath,"$libraries" \
-    -o "$folder/plain_names"
-$EMULATOR "$folder/plain_names"
+"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror -x c "$here/../library/c_interface.c" - \
+    -Wl,--as-needed $flags -Wl,--enable-new-dtags,-rpath,"$libraries" -o "$folder/c_interface" <<'C'
+#include <stdio.h>
+const char *CallFromC(void);
+int main(void)
+{
+    const char *failure = CallFromC();
+    puts(failure ? failure : "the C entry points work");
+    return failure != NULL;
+}
+C
+OSTRA_HOST_LOG_LEVEL=off $EMULATOR "$folder/c_interface"
