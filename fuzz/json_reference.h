@@ -5,6 +5,7 @@
 #ifndef FUZZ_JSON_REFERENCE_H
 #define FUZZ_JSON_REFERENCE_H
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -18,12 +19,16 @@ constexpr int MOST_LEVELS = 100;
 
 using JsonTree = std::unique_ptr<cJSON, decltype(&cJSON_Delete)>;
 
-// Whether too many brackets and braces are open at once before the first is closed; those in strings do not count.
+// Returns whether too many arrays and objects are open at once within the first value. Brackets in strings do not
+// count.
 inline bool IsTooDeep(const char *text)
 {
     int levels = 0;
     bool isInString = false;
-    for (const char *at = text; *at != '\0' && levels <= MOST_LEVELS; ++at) {
+    const char *at = std::strncmp(text, "\xEF\xBB\xBF", 3) == 0 ? text + 3 : text;
+    for (; static_cast<unsigned char>(*at - 1) < ' '; ++at) {
+    }
+    for (at = *at == '[' || *at == '{' ? at : ""; *at != '\0' && levels <= MOST_LEVELS; ++at) {
         if (*at == '"') {
             isInString = !isInString;
         } else if (isInString) {
