@@ -33,7 +33,7 @@ interface=${version%%.*} # while it is 0, each minor version may change the inte
 
 mkdir "$folder/outside"
 sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$here/../../README.md" >"$folder/outside/CMakeLists.txt"
-sed -n '/^## A first program/,/^## /s/^    //p' "$here/../../README.md" >"$folder/outside/first_frame.cpp"
+sed -n '/^## A first program/,/^## /{/^```cpp$/,/^```$/{/^```/!p;}}' "$here/../../README.md" >"$folder/outside/first_frame.cpp"
 diff -B <(sed -n '/^#include/,$p' "$here/../../examples/first_frame.cpp") "$folder/outside/first_frame.cpp" ||
     { echo "README.md does not show examples/first_frame.cpp"; exit 1; }
 "$CMAKE" -G Ninja -S "$folder/outside" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
