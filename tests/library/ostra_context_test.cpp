@@ -5,7 +5,6 @@
 #include <chrono>
 #include <future>
 #include <stdexcept>
-#include <thread>
 
 #include "ostra_constants.h"
 #include "support/golden_test.h"
@@ -105,32 +104,6 @@ TEST_F(OstraContextTest, PublishesWhatIsQueuedMeanwhileWithTheNextCall)
     CALL(context_.PublishMessage());
     queuing.get();
     EXPECT_EQ(Published(), std::vector<std::string>{R"({"dev_id":"later","isomerism_event":"event"})"});
-}
-
-TEST_F(OstraContextTest, PublishesEachDeviceOnceFromSeveralThreads)
-{
-    std::map<std::string, int> published;
-    g_onPublish = [&](const std::string &message) {
-        ++published[message];
-    };
-    const auto queue = [this](const std::string &prefix) {
-        for (int i = 0; i < 200; ++i) {
-            context_.AddWaitNotify(prefix + std::to_string(i), "event");
-            if (i % 7 == 0) {
-                context_.PublishMessage();
-            }
-        }
-    };
-    Unrecorded([&] {
-        std::thread other(queue, "other");
-        queue("own");
-        other.join();
-        context_.PublishMessage();
-    });
-    EXPECT_EQ(published.size(), 400U);
-    for (const auto &[message, count] : published) {
-        EXPECT_EQ(count, 1) << message;
-    }
 }
 
 // A lock that is still held makes the test time out.

@@ -6,7 +6,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <thread>
 
 #include "ostra_dump_adapter.h"
 #include "parameter.h"
@@ -165,21 +164,6 @@ TEST_F(OstraDumpTest, LogsWhatTheDiskDoesNotAccept)
         CALL(Write(name_, "x"));
         CALL(Write(name_, std::string(100000, 'x')));
     }
-}
-
-TEST_F(OstraDumpTest, DumpsToDifferentFilesFromSeveralThreads)
-{
-    InitWith("a");
-    const auto dumpMany = [this](const std::string &name) {
-        for (int i = 0; i < 50; ++i) {
-            Write(name, "xy");
-        }
-    };
-    std::thread other(dumpMany, name_ + "_other");
-    dumpMany(name_);
-    other.join();
-    EXPECT_EQ(TakeFile(name_).size(), 100u);
-    EXPECT_EQ(TakeFile(name_ + "_other").size(), 100u);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include "support/golden_test.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -42,25 +41,21 @@ bool IsDebugDelivered()
     return isDelivered;
 }
 
-// Shows bytes that are not printable, and a space at the end, as <E9>, and long runs of one byte as <4095 x 78>.
-// Further lines begin with a bar.
+// Shows bytes that are not printable, and a space at the end, as <E9>, and long messages by their length. Further lines
+// begin with a bar.
 std::string Printable(const std::string &message)
 {
-    constexpr size_t minRun = 20;
+    constexpr size_t maxLength = 2000;
+    if (message.size() > maxLength) {
+        return "<" + std::to_string(message.size()) + " bytes>";
+    }
     std::string printable;
-    char shown[32];
-    for (size_t i = 0; i < message.size();) {
-        const size_t run = std::min(message.find_first_not_of(message[i], i), message.size()) - i;
-        const unsigned byte = static_cast<unsigned char>(message[i]);
-        const bool isBlankInside = (message[i] == ' ' || message[i] == '\t') && i + 1 < message.size();
-        const bool isPlain = (byte > ' ' && byte < 0x7F) || isBlankInside;
-        if (run >= minRun) {
-            std::snprintf(shown, sizeof(shown), "<%zu x %02X>", run, byte);
-        } else {
-            std::snprintf(shown, sizeof(shown), isPlain ? "%c" : "<%02X>", byte);
-        }
-        printable += message[i] == '\n' ? "\n    |" : shown;
-        i += run >= minRun ? run : 1;
+    for (const char &character : message) {
+        const bool isLastSpace = character == ' ' && &character == &message.back();
+        const bool isPlain = (character >= ' ' && character <= '~' && !isLastSpace) || character == '\t';
+        char shown[8];
+        std::snprintf(shown, sizeof(shown), isPlain ? "%c" : "<%02X>", static_cast<unsigned char>(character));
+        printable += character == '\n' ? "\n    |" : shown;
     }
     return printable;
 }
