@@ -7,7 +7,7 @@
 #include "ostra_dump.h"
 #include "ostra_radar.h"
 
-extern "C" __attribute__((visibility("default"))) const std::u16string &Permission()
+extern "C" __attribute__((visibility("default"))) const char16_t *Permission()
 {
-    return OHOS::DistributedHardware::OstraAdapter::DH_ACCESS_TOKEN_PERMISSION;
+    return OHOS::DistributedHardware::OstraAdapter::DH_ACCESS_TOKEN_PERMISSION.c_str();
 }

@@ -74,8 +74,8 @@ TEST_F(AudioPropertiesTest, LimitsTheNestingOfTheFirstValue)
         {"\"x\"" + brackets, OSTRA_JSON_SUCCESS},
         {"true" + brackets, OSTRA_JSON_SUCCESS},
         {nested(50, R"("\\")") + brackets, OSTRA_JSON_SUCCESS},
-        {brackets.substr(1) + "\"\\", OSTRA_JSON_INPUT_INVALID},  // nothing may be read past the backslash
-        {brackets.substr(1) + "\"", OSTRA_JSON_INPUT_INVALID},
+        {brackets.substr(1) + "\"[\",\"\\", OSTRA_JSON_INPUT_INVALID},  // nothing may be read past the backslash
+        {brackets.substr(1) + "\"[", OSTRA_JSON_INPUT_INVALID},
     };
     DHOSTRAAudioProperties audio;
     Unrecorded([&] {
