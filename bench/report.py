@@ -68,8 +68,9 @@ def print_table(paths, is_strict):
             sys.exit(f"{name}: the filter excludes its baseline, {name + BASELINE}")
         ratios = [time / base for time, base in zip(*both)]
         results.append(judge(ratios, bar))
-        print(f"| {name} | {baseline} | {' / '.join(format_time(statistics.median(each)) for each in both)} "
-              f"| {statistics.median(ratios):.3f} | {min(ratios):.3f} to {max(ratios):.3f} | {bar:.2g} | {results[-1]} |")
+        medians = " / ".join(format_time(statistics.median(each)) for each in both)
+        print(f"| {name} | {baseline} | {medians} | {statistics.median(ratios):.3f} "
+              f"| {min(ratios):.3f} to {max(ratios):.3f} | {bar:.2g} | {results[-1]} |")
     if "unstable" in results:
         print("unstable: the range is wider than the distance from the bar; measure again on a quieter machine",
               file=sys.stderr)
