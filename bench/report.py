@@ -34,7 +34,7 @@ def read_runs(path):
 
 def format_time(seconds):
     unit = next(unit for unit in ("s", "ms", "us", "ns") if seconds >= SECONDS[unit] or unit == "ns")
-    return f"{seconds / SECONDS[unit]:.3g} {unit.replace('u', 'µ')}"
+    return f"{seconds / SECONDS[unit]:.3g}\N{NO-BREAK SPACE}{unit.replace('u', 'µ')}"
 
 
 def judge(ratios, bar):
