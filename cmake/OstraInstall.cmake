@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# Installs the headers, the library, the host platform, a CMake package, a pkg-config file, documentation and examples. The
-# installed tree may be moved as a whole.
+# Installs the headers, the library, the host platform, a CMake package, a pkg-config file, documentation and examples.
+# The installed tree may be moved as a whole.
 include(CMakePackageConfigHelpers)
 
 set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/ostra_adapter_utils)
