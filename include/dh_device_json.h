@@ -9,8 +9,11 @@
 ///         service.audioProperties_.Unmarshal(service.properties_);
 ///     }
 ///
-/// **A device document is written only:** DHOSTRADeviceJson::Unmarshal reads nothing. A receiver parses it with cJSON:
-/// `cJSON_GetStringValue(cJSON_GetObjectItem(cJSON_Parse(json), "deviceId"))`.
+/// **A device document is written only:** DHOSTRADeviceJson::Unmarshal reads nothing. A receiver uses cJSON:
+///
+///     cJSON *root = cJSON_Parse(json);     // release it with cJSON_Delete
+///     const char *deviceId = cJSON_GetStringValue(cJSON_GetObjectItem(root, "deviceId"));
+///
 /// Operations return the OSTRA_JSON_ codes of ostra_constants.h and log each failure as an error.
 /// Not thread-safe: callers must synchronize access to an object.
 

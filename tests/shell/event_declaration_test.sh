@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Holds the events that the component declares to the platform against those of the reviewed texts of the reports: the
-# same keys with the same types, and descriptions of 3 to 128 characters.
-# Usage: event_declaration_test.sh DECLARATION REPORTS
+# Compares the events that the component declares to the platform with those in the golden file of the reports: the same
+# keys with the same types, and descriptions of 3 to 128 characters.
+# Usage: event_declaration_test.sh DECLARATION GOLDEN_FILE
 set -euo pipefail
 
 declared=$(sed -En 's/^  ([A-Z]\w*): \{type: (\w+), desc: .{3,128}\}$/\1 \2/p' "$1" | sort)

@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Reads the examples of the page on wire formats strictly: its fenced blocks, of which the word behind the fence is the
-# kind. Those of the computed kinds, one "input => output" each, are for inspect_test.sh to recompute; a block of
-# another kind is what leaves the library, and must stand word for word in the reviewed texts of the sessions.
-# Usage: wire_formats_test.sh PAGE SESSIONS
+# Checks the examples of the page on wire formats: its fenced blocks, whose info string is their kind. Those of the
+# computed kinds, one "input => output" each, are recomputed by inspect_test.sh; a block of another kind is output of the
+# library, and must occur word for word in a golden file.
+# Usage: wire_formats_test.sh PAGE GOLDEN_DIRECTORY
 set -euo pipefail
 
 page=$1
-# A text of several lines is indented in the sessions.
-reviewed=$(cat "$2"/*.txt | sed -e ':a' -e 'N;$!ba' -e 's/\n    |/\n/g')
+# Messages of several lines are indented in golden files.
+golden=$(cat "$2"/*.txt | sed -e ':a' -e 'N;$!ba' -e 's/\n    |/\n/g')
 declare -A kinds=([frame]=computed [header]=computed [crc]=computed [audio]=computed [parcel]=computed
-    [device]=reviewed [service]=reviewed [unset-service]=reviewed [message]=reviewed [request]=reviewed
-    [event]=reviewed)
+    [device]=golden [service]=golden [unset-service]=golden [message]=golden [request]=golden
+    [event]=golden)
 declare -A found=()
 
 fail() {
@@ -28,8 +28,8 @@ check() {
         while IFS= read -r line; do
             [[ $line == *"=>"* ]] || fail "no example of the kind $1: $line"
         done <<<"$text"
-    elif [[ $reviewed != *"$text"* ]]; then
-        fail "in no reviewed text: $text"
+    elif [[ $golden != *"$text"* ]]; then
+        fail "in no golden file: $text"
     fi
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Hands each event to a function.
+// An event listener that passes each event to a function.
 
 #ifndef TESTS_EVENT_LISTENER_H
 #define TESTS_EVENT_LISTENER_H

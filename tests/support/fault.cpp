@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Replaces the allocation of a program and of the library in it. All forms that are not here lead to these.
+// Replaces the allocation functions of a program and its libraries. The forms that are missing call these.
 
 #include "support/fault.h"
 
@@ -28,9 +28,9 @@ void Free(void *block)
     std::free(block);
 }
 
-void *OrThrow(void *memory)
+void *OrThrow(void *block)
 {
-    return memory != nullptr ? memory : throw std::bad_alloc();
+    return block != nullptr ? block : throw std::bad_alloc();
 }
 
 }  // namespace
@@ -40,9 +40,9 @@ int64_t LiveBlocks()
     return g_liveBlocks;
 }
 
-AllocationFault::AllocationFault(uint64_t failing)
+AllocationFault::AllocationFault(uint64_t ordinal)
 {
-    g_failing = g_count + failing;
+    g_failing = g_count + ordinal;
 }
 
 AllocationFault::~AllocationFault()
@@ -65,22 +65,22 @@ void *operator new[](size_t size)
     return OrThrow(Allocate(Fault::Strikes(), size));
 }
 
-void operator delete(void *memory) noexcept
+void operator delete(void *block) noexcept
 {
-    Free(memory);
+    Free(block);
 }
 
-void operator delete(void *memory, size_t) noexcept
+void operator delete(void *block, size_t) noexcept
 {
-    Free(memory);
+    Free(block);
 }
 
-void operator delete[](void *memory) noexcept
+void operator delete[](void *block) noexcept
 {
-    Free(memory);
+    Free(block);
 }
 
-void operator delete[](void *memory, size_t) noexcept
+void operator delete[](void *block, size_t) noexcept
 {
-    Free(memory);
+    Free(block);
 }

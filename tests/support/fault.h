@@ -1,23 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One failure at a time: whatever a test lets fail (a copy, an allocation of cJSON) asks Strikes() whether it is its
-// turn. In a program that links fault.cpp each allocation of an array asks, too; those of the log and of the tests
-// themselves are no arrays. AllocationFault fails the others there.
+// Fault injection, one failure at a time. In a program that links fault.cpp each allocation can fail: that of an array
+// by Fault, any other by AllocationFault. The log and the tests themselves allocate no arrays.
 
 #ifndef TESTS_FAULT_H
 #define TESTS_FAULT_H
 
 #include <cstdint>
+#include <new>
 
+// Whatever a test lets fail asks Strikes() whether it is its turn.
 class Fault {
 public:
-    // The call of Strikes() with this number, from 0, will give true; the others false.
+    // Lets call number `ordinal` of Strikes(), counted from 0, return true.
     static void Arm(int ordinal)
     {
         countdown_ = ordinal;
     }
 
-    // True when the armed call came.
+    // Returns true if that call was made.
     static bool Disarm()
     {
         const bool hasStruck = countdown_ < 0;
@@ -34,14 +35,30 @@ private:
     inline static thread_local int countdown_ = -1;
 };
 
-// While it lives, the allocation of this thread with number `failing` (from 0) fails; those of arrays do not count.
+// While it exists, allocation number `ordinal` of this thread, counted from 0 without arrays, fails.
 class AllocationFault {
 public:
-    explicit AllocationFault(uint64_t failing);
+    explicit AllocationFault(uint64_t ordinal);
     ~AllocationFault();
 };
 
-// The number of allocations of the program and its libraries that are not freed yet.
+// Repeats `operation`, letting the next allocation fail, until none does. Calls `check` after each std::bad_alloc.
+// Returns the number of allocations that failed.
+template <typename Operation, typename Check>
+uint64_t FailEachAllocation(Operation operation, Check check)
+{
+    for (uint64_t ordinal = 0;; ++ordinal) {
+        try {
+            const AllocationFault fault(ordinal);
+            operation();
+            return ordinal;
+        } catch (const std::bad_alloc &) {
+        }
+        check();
+    }
+}
+
+// Returns the number of allocations of the program and its libraries that are not freed.
 int64_t LiveBlocks();
 
 #endif  // TESTS_FAULT_H

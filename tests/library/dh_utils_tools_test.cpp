@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// What all parts of the library use: tools, connections and the log.
+
+#include "dh_utils_tools.h"
 
 #include <unistd.h>
 
@@ -13,19 +13,17 @@
 #include <regex>
 #include <set>
 
-#include "dh_utils_tools.h"
-#include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 #include "securec.h"
 #include "softbus_bus_center.h"
 #include "support/fault.h"
-#include "support/session.h"
+#include "support/golden_test.h"
 
-const char *const SESSIONS =
-#include "common_test.txt"
+const char *const GOLDEN_FILE =
+#include "dh_utils_tools_test.txt"
     ;
 
-// Fails only for numbers on their own: the platform's log prints, too.
+// Fails only for single numbers: the platform's log prints, too.
 int sprintf_s(char *destination, size_t size, const char *format, ...)
 {
     if (std::strcmp(format, "%d") == 0 && Fault::Strikes()) {
@@ -41,14 +39,14 @@ int sprintf_s(char *destination, size_t size, const char *format, ...)
 namespace {
 
 int32_t g_softBusResult = 0;
-size_t g_networkIdLength = NETWORK_ID_BUF_LEN;  // all of it, without an end
+size_t g_networkIdLength = NETWORK_ID_BUF_LEN;  // not null-terminated
 
 }  // namespace
 
 int32_t GetLocalNodeDeviceInfo(const char *package, NodeBasicInfo *info)
 {
     const bool isZero = std::all_of(info->networkId, std::end(info->networkId), [](char c) { return c == 0; });
-    Session::Left(std::string("GetLocalNodeDeviceInfo ") + package + (isZero ? ", zeroed" : ", not zeroed"));
+    GoldenTest::Record(std::string("GetLocalNodeDeviceInfo ") + package + (isZero ? ", zeroed" : ", not zeroed"));
     std::fill_n(info->networkId, g_networkIdLength, 'a');
     return g_softBusResult;
 }
@@ -59,12 +57,11 @@ namespace {
 static_assert(!std::is_copy_constructible_v<DHData> && !std::is_copy_assignable_v<DHData>);
 static_assert(sizeof(DHBusinessId) == 4 && sizeof(DHChannelType) == 4);
 
-using Utils = Session;
-using Data = Session;
-using Connection = Session;
-using Log = Session;
+using UtilsTest = GoldenTest;
+using DataTest = GoldenTest;
+using ConnectInfoTest = GoldenTest;
 
-TEST_F(Utils, MasksTexts)
+TEST_F(UtilsTest, MasksStrings)
 {
     std::string value;
     for (size_t length = 0; length <= 70; value += static_cast<char>('A' + length), ++length) {
@@ -73,16 +70,22 @@ TEST_F(Utils, MasksTexts)
     }
 }
 
-TEST_F(Utils, MasksNumbers)
+TEST_F(UtilsTest, MasksNumbers)
 {
-    SHOW(GetAnonyInt32(0), GetAnonyInt32(7), GetAnonyInt32(-5), GetAnonyInt32(10), GetAnonyInt32(INT32_MIN));
-    EachFault([this] { SHOW(GetAnonyInt32(8080)); });
+    EXPECT_EQ(GetAnonyInt32(0), "*");
+    EXPECT_EQ(GetAnonyInt32(7), "*");
+    EXPECT_EQ(GetAnonyInt32(-5), "-*");
+    EXPECT_EQ(GetAnonyInt32(10), "1*");
+    EXPECT_EQ(GetAnonyInt32(INT32_MIN), "-**********");
+    Fault::Arm(0);
+    EXPECT_EQ(GetAnonyInt32(8080), "");
+    EXPECT_TRUE(Fault::Disarm());
 }
 
-TEST_F(Utils, MakesRandomIdentifiers)
+TEST_F(UtilsTest, ReturnsRandomIdentifiers)
 {
     const std::regex pattern("[0-9a-f]{12}4[0-9a-f]{3}[89ab][0-9a-f]{15}");
-    std::vector<std::string> columns(128);  // each bit of all identifiers
+    std::vector<std::string> columns(128);  // one bit of all identifiers each
     for (int count = 0; count < 400; ++count) {
         const std::string id = GetRandomID();
         ASSERT_TRUE(std::regex_match(id, pattern)) << id;
@@ -91,7 +94,7 @@ TEST_F(Utils, MakesRandomIdentifiers)
             columns[bit] += static_cast<char>(digit >> (bit % 4) & 1);
         }
     }
-    // Six bits never change. Each other is set half the time, and tells nothing of those before it.
+    // Six bits are constant. Each other is set half the time, and differs from all before it.
     std::set<std::string> distinct;
     for (std::string &column : columns) {
         const auto ones = std::count(column.begin(), column.end(), 1);
@@ -103,21 +106,21 @@ TEST_F(Utils, MakesRandomIdentifiers)
     EXPECT_EQ(distinct.size(), 128U - 6 + 1);
 }
 
-TEST_F(Utils, AsksTheSoftBusForTheNetworkId)
+TEST_F(UtilsTest, FetchesTheNetworkIdFromTheSoftBus)
 {
     std::string networkId = "before";
     g_softBusResult = -426;
-    CALL(GetLocalDeviceNetworkId(networkId));
-    SHOW(networkId);
+    EXPECT_EQ(CALL(GetLocalDeviceNetworkId(networkId)), -426);
+    EXPECT_EQ(networkId, "before");
     g_softBusResult = 0;
     for (const size_t length : {size_t{NETWORK_ID_BUF_LEN}, size_t{5}}) {
         g_networkIdLength = length;
-        CALL(GetLocalDeviceNetworkId(networkId));
-        SHOW(networkId);
+        EXPECT_EQ(CALL(GetLocalDeviceNetworkId(networkId)), 0);
+        EXPECT_EQ(networkId, std::string(length, 'a'));
     }
 }
 
-TEST_F(Utils, TellsTheWallClock)
+TEST_F(UtilsTest, ReadsTheWallClock)
 {
     using namespace std::chrono;
     const auto before = system_clock::now();
@@ -128,32 +131,32 @@ TEST_F(Utils, TellsTheWallClock)
     EXPECT_LE(ms, system_clock::now());
 }
 
-TEST_F(Utils, WritesBigEndianBytes)
+TEST_F(UtilsTest, WritesFourBigEndianBytes)
 {
-    std::vector<uint8_t> bytes(8, '.');
+    std::vector<uint8_t> bytes(8, 0xEE);
     CALL(OSTRAIntToByte(0x12345678, bytes.data(), 8));
     CALL(OSTRAIntToByte(0x12345678, bytes.data(), 3));
     CALL(OSTRAIntToByte(0x12345678, nullptr, 4));
-    SHOW(bytes);
-    CALL(OSTRAIntToByte(0x12F486F8, bytes.data(), 4));
-    SHOW(bytes);
+    EXPECT_EQ(bytes, std::vector<uint8_t>(8, 0xEE));
+    OSTRAIntToByte(0x12F486F8, bytes.data(), 4);
+    EXPECT_EQ(bytes, (std::vector<uint8_t>{0x12, 0xF4, 0x86, 0xF8, 0xEE, 0xEE, 0xEE, 0xEE}));
 }
 
-TEST_F(Utils, AcceptsExactlyTheNumbersOfThePattern)
+TEST_F(UtilsTest, AcceptsTheNumbersOfThePatternOnly)
 {
     const std::regex pattern(NUMBER_PATTERN);
     for (int byte = 0; byte < 256; ++byte) {
         const std::string character(1, static_cast<char>(byte));
-        for (const std::string &text : {character, character + "1", "1" + character, "-" + character + "2"}) {
-            EXPECT_EQ(CheckIsNum(text), std::regex_match(text, pattern)) << ::testing::PrintToString(text);
+        for (const std::string &value : {character, character + "1", "1" + character, "-" + character + "2"}) {
+            EXPECT_EQ(CheckIsNum(value), std::regex_match(value, pattern)) << ::testing::PrintToString(value);
         }
     }
-    CALL(CheckIsNum(std::string(100, '7')));
-    CALL(CheckIsNum(std::string(101, '7')));
-    CALL(CheckIsNum(""));
+    EXPECT_TRUE(CheckIsNum(std::string(100, '7')));
+    EXPECT_FALSE(CALL(CheckIsNum(std::string(101, '7'))));
+    EXPECT_FALSE(CALL(CheckIsNum("")));
 }
 
-TEST_F(Utils, SavesByAppendingAndRefusesBadInput)
+TEST_F(UtilsTest, AppendsToFilesAndRejectsInvalidArguments)
 {
     const std::string path = "/data/local/tmp/save_file_" + std::to_string(getpid());
     Hide(path, "PATH");
@@ -164,30 +167,33 @@ TEST_F(Utils, SavesByAppendingAndRefusesBadInput)
     uint8_t data[] = {'a', '\r', 0, 0xFF};
     CALL(SaveFile(path, data, -1));
     CALL(SaveFile(path, nullptr, 1));
-    SHOW(content());
-    CALL(SaveFile(path, nullptr, 0));
-    SHOW(content());
-    CALL(SaveFile(path + "/no/such/folder", data, 1));
-    CALL(SaveFile(path, data, 3));
-    CALL(SaveFile(path, data + 3, 1));
-    CALL(SaveFile(path, nullptr, 0));
-    SHOW(content());
+    EXPECT_EQ(content(), "no file");
+    SaveFile(path, nullptr, 0);
+    EXPECT_EQ(content(), "");
+    CALL(SaveFile(path + "/no/such/directory", data, 1));
+    SaveFile(path, data, 3);
+    SaveFile(path, data + 3, 1);
+    SaveFile(path, nullptr, 0);
+    EXPECT_EQ(content(), std::string("a\r\0\xFF", 4));
     CALL(SaveFile("/dev/full", data, 3));
     unlink(path.c_str());
 }
 
-TEST_F(Data, StartsZeroedWithAZeroBehindIt)
+TEST_F(DataTest, StartsZeroedAndNullTerminated)
 {
     const DHData data(30);
-    const std::string bytes = {data.Data(), data.Data() + 31};
-    SHOW(data.Capacity(), data.Offset(), data.Size(), bytes);
+    EXPECT_EQ(data.Capacity(), 30u);
+    EXPECT_EQ(data.Offset(), 0u);
+    EXPECT_EQ(data.Size(), 30u);
+    EXPECT_EQ(std::count(data.Data(), data.Data() + 31, 0), 31);
     DHData empty(0);
-    SHOW(empty.Capacity(), empty.Offset(), empty.Size(), empty.Data());
-    CALL(empty.SetRange(0, 0));
-    CALL(empty.SetRange(1, 0));
+    EXPECT_EQ(empty.Capacity() + empty.Size(), 0u);
+    EXPECT_EQ(empty.Data(), nullptr);
+    EXPECT_EQ(empty.SetRange(0, 0), 0);
+    EXPECT_EQ(empty.SetRange(1, 0), -1);
 }
 
-TEST_F(Data, TakesExactlyTheRangesInsideTheCapacity)
+TEST_F(DataTest, AcceptsRangesInsideTheCapacityOnly)
 {
     DHData data(10);
     const uint8_t *begin = data.Data();
@@ -201,12 +207,13 @@ TEST_F(Data, TakesExactlyTheRangesInsideTheCapacity)
             ASSERT_EQ(data.Data(), begin + data.Offset());
         }
     }
-    CALL(data.SetRange(SIZE_MAX, 1));
-    CALL(data.SetRange(1, SIZE_MAX));  // the sum wraps around to 0
-    SHOW(data.Capacity(), data.Offset());
+    EXPECT_EQ(data.SetRange(SIZE_MAX, 1), -1);
+    EXPECT_EQ(data.SetRange(1, SIZE_MAX), 0) << "the sum wraps around to 0";
+    EXPECT_EQ(data.Capacity(), 10u);
+    EXPECT_EQ(data.Offset(), 1u);
 }
 
-TEST_F(Data, RaisesOutOfMemoryForWhatCannotBeHad)
+TEST_F(DataTest, ThrowsBadAlloc)
 {
     EXPECT_THROW(DHData{SIZE_MAX}, std::bad_alloc);
     EXPECT_THROW(DHData{SIZE_MAX - 1}, std::bad_alloc);
@@ -220,24 +227,24 @@ DHConnectInfo MakeConnection()
     return {"source-network-id-0001", "sink", "10.0.0.1", "192.168.1.10", "AA:BB", "info", {1, 2}, 8080, "param"};
 }
 
-TEST_F(Connection, IsPrintedMasked)
+TEST_F(ConnectInfoTest, IsPrintedMasked)
 {
-    CALL(DHConnectInfo().String());
-    CALL(MakeConnection().String());
+    Record(DHConnectInfo().String());
+    Record(MakeConnection().String());
 }
 
-TEST_F(Connection, IsKnownByItsAddressesAndPortAlone)
+TEST_F(ConnectInfoTest, IsIdentifiedByAddressesAndPort)
 {
     const DHConnectInfo info = MakeConnection();
     DHConnectInfo other = info;
     other.extraInfo = other.extraParam = "other";
     other.extraData.clear();
-    SHOW(info == other, info < other, other < info);
-    other.sourceNetworkId += std::exchange(other.sinkNetworkId, "");  // the same text cut elsewhere
-    SHOW(info == other, info < other, other < info);
+    EXPECT_TRUE(info == other && !(info < other) && !(other < info));
+    other.sourceNetworkId += std::exchange(other.sinkNetworkId, "");  // the same key, split differently
+    EXPECT_TRUE(!(info == other) && !(info < other) && !(other < info));
 }
 
-TEST_F(Connection, OrdersByTheBytesOfItsKey)
+TEST_F(ConnectInfoTest, OrdersByTheBytesOfItsKey)
 {
     // sourceNetworkId, sinkNetworkId, sourceIp, sinkIp, sinkBrMac, extraInfo, extraData, port, extraParam
     const DHConnectInfo ascending[] = {
@@ -254,56 +261,20 @@ TEST_F(Connection, OrdersByTheBytesOfItsKey)
     }
 }
 
-TEST_F(Connection, IsCopiedWholeIntoADevice)
+TEST_F(ConnectInfoTest, IsCopiedWholeIntoADevice)
 {
     DHConnectInfo info = MakeConnection();
-    const DHConnectDevice device(-7, static_cast<DHBusinessId>(0xFFFFFFFF), static_cast<DHChannelType>(0xFFFFFFFE),
-                                 info);
+    const auto business = static_cast<DHBusinessId>(0xFFFFFFFF);
+    const auto channel = static_cast<DHChannelType>(0xFFFFFFFE);
+    const DHConnectDevice device(-7, business, channel, info);
     info = {};
-    SHOW(info.port);
-    SHOW(device.sessionId, static_cast<uint32_t>(device.businessId), static_cast<uint32_t>(device.channelType));
+    EXPECT_EQ(device.sessionId, -7);
+    EXPECT_EQ(device.businessId, business);
+    EXPECT_EQ(device.channelType, channel);
     const DHConnectInfo &copy = device.connectInfo;
-    SHOW(copy == MakeConnection(), copy.extraInfo, copy.extraParam, copy.extraData);
-}
-
-TEST_F(Log, PassesEachLevelOn)
-{
-    for (int level = -1; level <= 4; ++level) {
-        CALL(DHLog(static_cast<DHLogLevel>(level), "level %d of %s", level, "%{private}s"));
-    }
-}
-
-TEST_F(Log, ReplacesWhatIsTooLongAsAWhole)
-{
-    const char *const noFormat = nullptr;
-    CALL(DHLog(DH_LOG_ERROR, noFormat));
-    CALL(DHLog(DH_LOG_WARN, "%s", std::string(4095, 'x').c_str()));
-    CALL(DHLog(DH_LOG_WARN, "%s", std::string(4096, 'x').c_str()));
-}
-
-class Device {
-public:
-    Device()
-    {
-        OSTRA_LOGI("create ");
-    }
-
-    ~Device()
-    {
-        OSTRA_LOGW("delete");
-    }
-
-    template <typename Port>
-    void Open(Port port)
-    {
-        OSTRA_LOGE("100%% of port %d, %s", port, "%s");
-        OSTRA_LOGD("open");
-    }
-};
-
-TEST_F(Log, NamesTheCallingFunction)
-{
-    CALL(Device().Open(5));
+    EXPECT_TRUE(copy == MakeConnection());
+    EXPECT_EQ(copy.extraInfo + copy.extraParam, "infoparam");
+    EXPECT_EQ(copy.extraData, (std::vector<uint8_t>{1, 2}));
 }
 
 }  // namespace

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ostra_adapter_log.h"
+
+#include "support/golden_test.h"
+
+const char *const GOLDEN_FILE =
+#include "ostra_adapter_log_test.txt"
+    ;
+
+namespace OHOS::DistributedHardware::OstraAdapter {
+namespace {
+
+using OstraAdapterLogTest = GoldenTest;
+
+TEST_F(OstraAdapterLogTest, PassesEachLevelOn)
+{
+    for (int level = -1; level <= 4; ++level) {
+        DHLog(static_cast<DHLogLevel>(level), "level %d of %s", level, "%{private}s");
+    }
+}
+
+TEST_F(OstraAdapterLogTest, ReplacesOverlongMessages)
+{
+    const char *const noFormat = nullptr;
+    CALL(DHLog(DH_LOG_ERROR, noFormat));
+    CALL(DHLog(DH_LOG_WARN, "%s", std::string(4095, 'x').c_str()));
+    CALL(DHLog(DH_LOG_WARN, "%s", std::string(4096, 'x').c_str()));
+}
+
+class Device {
+public:
+    Device()
+    {
+        OSTRA_LOGI("create ");
+    }
+
+    ~Device()
+    {
+        OSTRA_LOGW("delete");
+    }
+
+    template <typename Port>
+    void Open(Port port)
+    {
+        OSTRA_LOGE("100%% of port %d, %s", port, "%s");
+        OSTRA_LOGD("open");
+    }
+};
+
+TEST_F(OstraAdapterLogTest, NamesTheCallingFunction)
+{
+    Device().Open(5);
+}
+
+}  // namespace
+}  // namespace OHOS::DistributedHardware::OstraAdapter
