@@ -19,8 +19,8 @@
 #include <string>
 #include <vector>
 
-#include "../examples/channel_link.h"
-#include "../examples/unique_fd.h"
+#include "../examples/channel_pair/transport.h"
+#include "../examples/channel_pair/unique_fd.h"
 #include "ratio_table.h"
 
 namespace {

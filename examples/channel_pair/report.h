@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <string>
 
-#include "channel_link.h"
+#include "transport.h"
 
 // Rows of a name and a value.
 class Summary {

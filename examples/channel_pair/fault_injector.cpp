@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "faults.h"
+#include "fault_injector.h"
 
 #include <algorithm>
 #include <cerrno>

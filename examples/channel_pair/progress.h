@@ -5,8 +5,8 @@
 #ifndef EXAMPLES_PROGRESS_H
 #define EXAMPLES_PROGRESS_H
 
-#include "faults.h"
-#include "summary.h"
+#include "fault_injector.h"
+#include "report.h"
 
 // One line on standard error, renewed several times a second while a terminal watches.
 class Progress {

@@ -18,7 +18,7 @@
 #include <string>
 
 #include "dh_utils_tools.h"
-#include "stream_pair.h"
+#include "pair.h"
 
 namespace Adapter = OHOS::DistributedHardware::OstraAdapter;
 

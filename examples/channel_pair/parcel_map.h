@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "channel_link.h"
+#include "transport.h"
 
 using ParcelMap = std::map<int32_t, std::string>;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "side_process.h"
+#include "process.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-#include "summary.h"
+#include "report.h"
 
 namespace {
 

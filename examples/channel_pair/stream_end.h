@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "channel_link.h"
 #include "damage.h"
+#include "transport.h"
 
 struct StreamEnd {
     LinkTotals sent;

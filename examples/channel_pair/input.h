@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "faults.h"
+#include "fault_injector.h"
 #include "options.h"
 #include "unique_fd.h"
 

@@ -12,7 +12,7 @@
 #include <random>
 #include <vector>
 
-#include "channel_link.h"
+#include "transport.h"
 
 // How long a stream is: in pieces, in seconds, or not known.
 struct StreamLength {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "stream_input.h"
+#include "input.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "summary.h"
+#include "report.h"
 
 class FlowReport {
 public:

@@ -9,10 +9,10 @@
 #include <string>
 
 #include "dh_utils_tools.h"
+#include "input.h"
 #include "offer.h"
 #include "options.h"
-#include "side_process.h"
-#include "stream_input.h"
+#include "process.h"
 #include "unique_fd.h"
 
 // Keys of the settings map that the source hands to the sink.

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "faults.h"
+#include "fault_injector.h"
 
 struct PairOptions {
     std::string inputPath;          // a file, a pipe, or "-" for standard input; empty for a tone

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "channel_link.h"
+#include "transport.h"
 
 #include <linux/sockios.h>
 #include <poll.h>

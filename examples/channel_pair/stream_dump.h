@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <string>
 
-#include "channel_link.h"
-#include "summary.h"
+#include "report.h"
+#include "transport.h"
 
 class StreamDump {
 public:

@@ -10,11 +10,11 @@
 #include "flow_report.h"
 #include "ostra_constants.h"
 #include "ostra_context.h"
+#include "pair.h"
 #include "parcel_map.h"
+#include "report.h"
 #include "stream_dump.h"
 #include "stream_end.h"
-#include "stream_pair.h"
-#include "summary.h"
 
 using namespace OHOS::DistributedHardware::OstraAdapter;
 

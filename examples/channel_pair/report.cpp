@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "summary.h"
+#include "report.h"
 
 #include <unistd.h>
 

@@ -9,12 +9,12 @@
 
 #include "flow_report.h"
 #include "ostra_constants.h"
+#include "pair.h"
 #include "parcel_map.h"
 #include "progress.h"
+#include "report.h"
 #include "stream_end.h"
-#include "stream_pair.h"
 #include "stream_qos.h"
-#include "summary.h"
 
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
