@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Faults on the way from the source to the sink, in every way that Damage names, at random places that a seed repeats.
-// The faults are told at the end of the stream, so that the sink can hold what it found against them.
+// Fault injection between the source and the sink: each kind of fault equally often, at random positions in the stream,
+// reproducible by a seed.
 
-#ifndef EXAMPLES_FAULTS_H
-#define EXAMPLES_FAULTS_H
+#ifndef EXAMPLES_CHANNEL_PAIR_FAULT_INJECTOR_H
+#define EXAMPLES_CHANNEL_PAIR_FAULT_INJECTOR_H
 
 #include <chrono>
 #include <cstdint>
@@ -12,79 +12,64 @@
 #include <random>
 #include <vector>
 
+#include "input.h"
+#include "pair.h"
 #include "transport.h"
 
-// How long a stream is: in pieces, in seconds, or not known.
-struct StreamLength {
-    std::optional<uint64_t> pieces;
-    std::optional<double> seconds;
-};
+// The maximum number of faults in a stream of `chunks`: a delayed chunk needs an intact one after it.
+constexpr uint64_t MaxFaults(uint64_t chunks)
+{
+    return chunks / 2;
+}
 
-struct FaultOptions {
-    uint64_t count = 0;
-    uint64_t seed = 1;
-    std::optional<uint64_t> flippedFrame;  // gets one bit flipped, which nobody tells the sink
-};
-
-// The most faults that fit into a stream of so many pieces: two in a row would not stay apart.
-uint64_t MostFaults(uint64_t pieces);
-
-// Where and how pieces of the stream are damaged. In a stream of known length the places are spread over all of it:
-// over its pieces, or over its time. In any other, up to 20 whole pieces lie between two of them.
-class FaultPlan {
+class FaultInjector {
 public:
-    FaultPlan(const FaultOptions &options, const StreamLength &length);
+    FaultInjector(const FaultOptions &options, const StreamLength &length);
 
-    // Counts a piece, and tells how it is to be damaged, if at all; a fault that is due waits for a free piece.
-    std::optional<Damage> NextPiece(bool isFree);
-
-    // How many faults are still to come.
-    uint64_t Left() const;
-
-    // A number below `bound` for the details of a damage.
-    size_t Random(size_t bound);
-
-private:
-    struct Fault {
-        double place;  // in pieces or in seconds
-        Damage damage;
+    struct Output {
+        std::vector<Message> messages;  // to send instead of the original
+        bool isDropped = false;         // the receiver has to drop the content
     };
 
-    std::mt19937_64 random_;
-    bool isTimed_;
-    std::chrono::steady_clock::time_point start_;  // of the first piece
-    uint64_t pieces_ = 0;
-    std::vector<Fault> faults_;
-    size_t next_ = 0;
-};
+    // Returns the message, or what becomes of it if a fault is due. Only chunks of the stream get announced faults.
+    Output Inject(FrameKind kind, uint64_t frameNumber, Message message);
 
-// A road that damages what the plan names. Settings, documents and the end of the stream pass whole.
-class FaultyRoad : public Road {
-public:
-    // Keeps a reference to the road that it makes use of.
-    FaultyRoad(Road &road, const FaultOptions &options, const StreamLength &length);
+    // Returns true while a delayed chunk waits for the next message to overtake it.
+    bool IsDelaying() const
+    {
+        return !delayed_.empty();
+    }
 
-    Carried Carry(FrameKind kind, ByteView prefix, ByteView frame) override;
+    const FaultCounts &Injected() const
+    {
+        return injected_;
+    }
 
-    // True when a frame was held back, to go behind the next one.
-    bool IsHolding() const;
-
-    // The faults so far, and those of the options that found no frame yet.
-    const DamageCount &Done() const;
-    uint64_t Left() const;
+    // Faults that have not been injected.
+    uint64_t Remaining() const
+    {
+        return faults_.size() - next_ + (flippedFrame_ ? 1 : 0);
+    }
 
 private:
-    Carried Inflict(Damage damage, ByteView prefix, ByteView frame);
-    Carried CarryHeld();
-    Carried CarryForeign();
+    struct PlannedFault {
+        double position;  // in chunks or in seconds
+        Fault fault;
+    };
 
-    Road &road_;
-    FaultPlan plan_;
+    bool IsDue();
+    Output Apply(Fault fault, uint64_t frameNumber, Message message);
+    size_t Random(size_t bound);
+
+    std::mt19937_64 random_;
     std::optional<uint64_t> flippedFrame_;
-    uint64_t frames_ = 0;
-    DamageCount done_;
-    std::vector<uint8_t> tooLong_;
-    std::vector<uint8_t> held_;  // a prefix and a frame; empty for none
+    bool isTimed_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    uint64_t chunks_ = 0;
+    std::vector<PlannedFault> faults_;
+    size_t next_ = 0;
+    Message delayed_;
+    FaultCounts injected_{};
 };
 
-#endif  // EXAMPLES_FAULTS_H
+#endif  // EXAMPLES_CHANNEL_PAIR_FAULT_INJECTOR_H

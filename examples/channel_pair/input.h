@@ -1,63 +1,70 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Where the source's stream comes from: a generated tone, or a file, a pipe or a device that is read once, piece by
-// piece, into a buffer that is kept.
+// Where the stream comes from: a generated tone, a file, a pipe or a device.
 
-#ifndef EXAMPLES_STREAM_INPUT_H
-#define EXAMPLES_STREAM_INPUT_H
+#ifndef EXAMPLES_CHANNEL_PAIR_INPUT_H
+#define EXAMPLES_CHANNEL_PAIR_INPUT_H
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "fault_injector.h"
-#include "options.h"
-#include "unique_fd.h"
+#include "pair.h"
+#include "transport.h"
 
-// The stream's format: 48 kHz, 16 bits, stereo, sent in pieces of 20 ms.
-constexpr uint32_t SAMPLE_RATE = 48000;
-constexpr uint32_t CHANNELS = 2;
-constexpr uint32_t BYTES_PER_SAMPLE = 2;
-constexpr uint32_t PIECE_MS = 20;
-constexpr uint32_t PIECE_BYTES = SAMPLE_RATE / 1000 * PIECE_MS * CHANNELS * BYTES_PER_SAMPLE;
+// Known in chunks, in seconds, or unknown.
+struct StreamLength {
+    std::optional<uint64_t> chunks;
+    std::optional<double> seconds;
+};
 
-class StreamInput {
+class Input {
 public:
     enum class Result {
-        PIECE,
-        QUIET,  // nothing to read as yet, or a signal came
+        CHUNK,
+        IDLE,  // nothing to read yet, or interrupted by a signal
         END,
-        FAILED,  // errno says why
+        FAILED,  // errno is set
     };
 
-    // Opens what the options name. Returns false with the reason in errno; a directory is no stream.
+    // Opens the input that the options name. Returns false, with errno set, if that fails.
     bool Open(const PairOptions &options);
 
-    // The next piece, whole but for the last one; it stays as it is until the next call. Waits at most `quietMs` for a
-    // pipe, and no longer than until the other end of `link` has gone.
-    Result Next(ByteView &piece, int link, int quietMs);
+    // Reads the next chunk. Only the last one may be shorter than CHUNK_BYTES. It is valid until the next call. Waits
+    // for a pipe or a device for at most `idleMs`.
+    Result Next(ByteView &chunk, int idleMs);
 
-    const StreamLength &Length() const;
-    // "a tone of 5 s", or the path.
-    const std::string &Name() const;
-    int Descriptor() const;
+    const StreamLength &Length() const
+    {
+        return length_;
+    }
+
+    // "5 s of a generated tone", or the path.
+    const std::string &Name() const
+    {
+        return name_;
+    }
+
+    // -1 for a tone.
+    int Descriptor() const
+    {
+        return fd_;
+    }
 
 private:
-    void MakeTone();
-    Result NextOfTone(ByteView &piece);
-    Result Fill();
-    bool IsReadable(int link, int quietMs) const;
+    void GenerateTone();
+    Result NextOfTone(ByteView &chunk);
 
     std::string name_;
     StreamLength length_;
-    UniqueFd file_;  // closed for a tone
+    int fd_ = -1;  // closed when the process ends
     bool isPolled_ = false;
-    std::vector<uint8_t> buffer_;
-    size_t begin_ = 0;  // of the unread bytes in the buffer
-    size_t end_ = 0;
-    uint64_t pieces_ = 0;
-    std::chrono::steady_clock::time_point start_;  // of the tone
+    std::vector<uint8_t> buffer_;  // a second of the tone, or a chunk of the file
+    size_t filled_ = 0;
+    uint64_t chunks_ = 0;
+    std::chrono::steady_clock::time_point start_;
 };
 
-#endif  // EXAMPLES_STREAM_INPUT_H
+#endif  // EXAMPLES_CHANNEL_PAIR_INPUT_H

@@ -2,86 +2,95 @@
 
 #include "report.h"
 
-#include <unistd.h>
-
 #include <cstdio>
-#include <fstream>
+#include <utility>
+
+#include "hisysevent_manager.h"
+#include "ostra_radar.h"
+
+using namespace OHOS::HiviewDFX;
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
-constexpr size_t NAME_WIDTH = 12;
-constexpr double BYTES_PER_MB = 1e6;
+constexpr int COLLABORATION = 2;  // business id
 
-uint64_t ResidentKilobytes()
+int32_t ErrorCode(bool isSuccess)
 {
-    uint64_t all = 0;
-    uint64_t resident = 0;
-    std::ifstream("/proc/self/statm") >> all >> resident;
-    return resident * static_cast<uint64_t>(sysconf(_SC_PAGESIZE)) / 1024;
+    return isSuccess ? 0 : -1;
 }
 
 }  // namespace
 
-Summary::Summary(const std::string &title) : text_(title + "\n")
+std::string Row(const std::string &name, const std::string &value)
 {
+    constexpr size_t nameWidth = 12;
+    std::string row = "  " + name;
+    row.resize(2 + nameWidth, ' ');
+    return row + value + "\n";
 }
 
-void Summary::Row(const std::string &name, const std::string &value)
+std::string FormatSeconds(double seconds)
 {
-    text_ += "  " + name + std::string(name.size() < NAME_WIDTH ? NAME_WIDTH - name.size() : 1, ' ') + value + "\n";
+    char buffer[32];
+    std::snprintf(buffer, sizeof(buffer), "%g s", seconds);
+    return buffer;
 }
 
-void Summary::Row(const std::string &name, uint64_t value)
+std::string TotalRows(const Totals &totals, std::chrono::steady_clock::time_point start)
 {
-    Row(name, std::to_string(value));
+    const std::chrono::duration<double, std::micro> elapsed = std::chrono::steady_clock::now() - start;
+    char throughput[32];
+    std::snprintf(throughput, sizeof(throughput), "%.1f MB/s", static_cast<double>(totals.bytes) / elapsed.count());
+    return Row("chunks", std::to_string(totals.chunks)) + Row("bytes", std::to_string(totals.bytes)) +
+           Row("throughput", throughput);
 }
 
-const std::string &Summary::Text() const
-{
-    return text_;
-}
-
-double Stopwatch::Seconds() const
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-}
-
-std::string Megabytes(double bytes)
-{
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.1f MB", bytes / BYTES_PER_MB);
-    return text;
-}
-
-std::string SecondsText(double seconds)
-{
-    char text[32];
-    std::snprintf(text, sizeof(text), "%g s", seconds);
-    return text;
-}
-
-void AddLinkRows(Summary &summary, const LinkTotals &totals, double seconds)
-{
-    summary.Row("frames", totals.frames);
-    summary.Row("bytes", totals.bytes);
-    summary.Row("throughput", Megabytes(static_cast<double>(totals.bytes) / seconds) + "/s");
-}
-
-void MemoryWatch::Frame()
-{
-    if (++frames_ == WARM_UP_FRAMES) {
-        kilobytesAtStart_ = ResidentKilobytes();
+struct Session::Listener : HiSysEventListener {
+    void OnEvent(std::shared_ptr<HiSysEventRecord> event) override
+    {
+        constexpr int64_t stageFailed = 2;
+        int64_t result = 0;
+        event->GetParamValue("STAGE_RES", result);
+        ++count;
+        failures += result == stageFailed ? 1 : 0;
+        rows += Row("event", event->AsJson());
     }
+
+    void OnServiceDied() override
+    {
+    }
+
+    uint64_t count = 0;
+    uint64_t failures = 0;
+    std::string rows;
+};
+
+Session::Session(std::string side) : side_(std::move(side)), listener_(std::make_shared<Listener>())
+{
+    std::vector<ListenerRule> rules = {ListenerRule(OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT)};
+    HiSysEventManager::AddListener(listener_, rules);
+    OstraRadar::GetInstance().SetCurBusinessId(COLLABORATION);
+    OstraRadar::GetInstance().ServiceStartRes(side_, COLLABORATION, "", 0);
 }
 
-void MemoryWatch::Stop()
+void Session::ReportStart(bool isSuccess)
 {
-    kilobytesAtEnd_ = ResidentKilobytes();
+    OstraRadar::GetInstance().ConnectDeviceRes(side_, ErrorCode(isSuccess), SOFTBUS_PKG_NAME);
+    OstraRadar::GetInstance().AudioOpenRes(side_, ErrorCode(isSuccess));
 }
 
-void MemoryWatch::AddRow(Summary &summary) const
+void Session::ReportEnd(bool isSuccess)
 {
-    const std::string atStart =
-        frames_ < WARM_UP_FRAMES ? "" : std::to_string(kilobytesAtStart_) + " KiB at the start, ";
-    summary.Row("memory", atStart + std::to_string(kilobytesAtEnd_) + " KiB at the end");
+    OstraRadar::GetInstance().AudioCloseRes(side_, ErrorCode(isSuccess));
+    OstraRadar::GetInstance().DisconnectDeviceRes(side_, ErrorCode(isSuccess), SOFTBUS_PKG_NAME);
+    OstraRadar::GetInstance().ServiceStopRes(side_, ErrorCode(isSuccess));
+}
+
+std::string Session::Rows(bool isVerbose) const
+{
+    const uint64_t failures = listener_->failures;
+    return Row("events", std::to_string(listener_->count) + " session steps reported, " +
+                             (failures == 0 ? "none" : std::to_string(failures)) + " failed") +
+           (isVerbose ? listener_->rows : "");
 }

@@ -1,256 +1,302 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <cJSON.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
-#include <optional>
-#include <string>
-#include <vector>
+#include <memory>
+#include <utility>
 
-#include "flow_report.h"
+#include "dh_device_json.h"
+#include "ipc_utils.h"
+#include "message_parcel.h"
 #include "ostra_constants.h"
 #include "ostra_context.h"
+#include "ostra_dump.h"
+#include "ostra_dump_adapter.h"
 #include "pair.h"
-#include "parcel_map.h"
+#include "parameter.h"
+#include "process.h"
 #include "report.h"
-#include "stream_dump.h"
-#include "stream_end.h"
+#include "transport.h"
 
+using namespace OHOS::DistributedHardware;
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
-// What the context publishes about the source, as another part of the host process would see it.
-class NotificationLog : public OHOS::DistributedHardware::IPublisherListener {
-public:
-    void OnMessage(const OHOS::DistributedHardware::DHTopic /* topic */, const std::string &message) override
-    {
-        text_ += (text_.empty() ? "" : ", ") + TextMember(message, "isomerism_event") + " of " +
-                 GetAnonyString(TextMember(message, "dev_id"));
-    }
+constexpr char MISSING[] = "missing";
 
-    const std::string &Text() const
-    {
-        return text_;
-    }
-
-private:
-    std::string text_;
-};
-
-void Notify(const std::string &deviceId, const std::string &event)
+bool WriteAll(int fd, ByteView bytes)
 {
-    OstraContext::GetInstance().AddWaitNotify(deviceId, event);
-    OstraContext::GetInstance().PublishMessage();
+    while (bytes.size > 0) {
+        const ssize_t written = write(fd, bytes.data, bytes.size);
+        if (written < 0 && errno != EINTR) {
+            return false;
+        }
+        const auto count = static_cast<size_t>(written < 0 ? 0 : written);
+        bytes = {bytes.data + count, bytes.size - count};
+    }
+    return true;
 }
 
-// What the source says of itself and of the stream, as far as it arrived and agrees with what it was to offer.
-class Introduction {
-public:
-    explicit Introduction(const Offer &expected) : expected_(expected)
+std::string AsString(ByteView bytes)
+{
+    return {bytes.data, bytes.data + bytes.size};
+}
+
+// Returns an empty map if the parcel is not valid.
+ParcelMap ReadMap(ByteView content)
+{
+    OHOS::MessageParcel parcel;
+    ParcelMap map;
+    const bool isRead = parcel.WriteBuffer(content.data, content.size) && IpcUtils::UnMarshalling(parcel, map);
+    return isRead ? map : ParcelMap();
+}
+
+// Returns a description of the service, or MISSING if the document cannot be read.
+std::string DescribeService(const std::string &document)
+{
+    DHOSTRADeviceServiceJson service;
+    DHOSTRAAudioProperties &audio = service.audioProperties_;
+    if (service.Unmarshal(document) != OSTRA_JSON_SUCCESS ||
+        audio.Unmarshal(service.properties_) != OSTRA_JSON_SUCCESS) {
+        return MISSING;
+    }
+    return GetAnonyString(service.serviceId_) + " of type " + GetAnonyInt32(service.serviceType_) + ", codec bits " +
+           std::to_string(audio.audioCodecType_) + ", profiles " + audio.audioProfiles_;
+}
+
+// Receives what the context publishes, as another part of the host process would.
+struct Notifications : IPublisherListener {
+    void OnMessage(const DHTopic /* topic */, const std::string &message) override
     {
+        const std::unique_ptr<cJSON, decltype(&cJSON_Delete)> json(cJSON_Parse(message.c_str()), cJSON_Delete);
+        const auto member = [&json](const std::string &key) {
+            const char *value = cJSON_GetStringValue(cJSON_GetObjectItem(json.get(), key.c_str()));
+            return std::string(value == nullptr ? "" : value);
+        };
+        received +=
+            (received.empty() ? "" : ", ") + member(ISOMERISM_EVENT) + " of " + GetAnonyString(member(DEV_ID_KEY));
     }
 
-    void TakeDevice(ByteView content)
-    {
-        device_.assign(content.data, content.data + content.size);
-        std::string expected;
-        DHOSTRADeviceJson device = expected_.device;
-        isDeviceRight_ = device.Marshal(expected) == OSTRA_JSON_SUCCESS && device_ == expected;
-    }
-
-    void TakeService(ByteView content)
-    {
-        isServiceRight_ = service_.Unmarshal({content.data, content.data + content.size}) == OSTRA_JSON_SUCCESS &&
-                          SaysTheSame(service_, expected_.service) &&
-                          service_.audioProperties_.Unmarshal(service_.properties_) == OSTRA_JSON_SUCCESS;
-    }
-
-    void TakeSettings(ByteView content)
-    {
-        ParcelMap settings = ReadMap(content).value_or(ParcelMap());
-        settings_ = settings[SETTING_SAMPLE_RATE] + " Hz, " + settings[SETTING_CHANNELS] + " channels, pieces of " +
-                    settings[SETTING_PIECE_MS] + " ms";
-        areSettingsRight_ = settings[SETTING_SAMPLE_RATE] == std::to_string(SAMPLE_RATE) &&
-                            settings[SETTING_CHANNELS] == std::to_string(CHANNELS) &&
-                            settings[SETTING_PIECE_MS] == std::to_string(PIECE_MS);
-    }
-
-    // What did not come, or not as it was offered; each with a comma behind it.
-    std::string Missing() const
-    {
-        return std::string(isDeviceRight_ ? "" : "the device document is missing or not as offered, ") +
-               (isServiceRight_ ? "" : "the service document is missing or not as offered, ") +
-               (areSettingsRight_ ? "" : "the settings are missing or not as offered, ");
-    }
-
-    void AddRows(Summary &summary) const
-    {
-        const std::string missing = "missing";
-        summary.Row("device", isDeviceRight_ ? GetAnonyString(TextMember(device_, "deviceId")) + " " +
-                                                   TextMember(device_, "deviceName")
-                                             : missing);
-        const auto &audio = service_.audioProperties_;
-        summary.Row("service", isServiceRight_
-                                   ? GetAnonyString(service_.serviceId_) + " of type " +
-                                         GetAnonyInt32(service_.serviceType_) + ", codec bits " +
-                                         std::to_string(audio.audioCodecType_) + ", profiles " + audio.audioProfiles_
-                                   : missing);
-        summary.Row("settings", areSettingsRight_ ? settings_ : missing);
-    }
-
-private:
-    const Offer &expected_;
-    std::string device_;
-    DHOSTRADeviceServiceJson service_;
-    std::string settings_;
-    bool isDeviceRight_ = false;
-    bool isServiceRight_ = false;
-    bool areSettingsRight_ = false;
+    std::string received;
 };
 
 class Sink {
 public:
-    Sink(const PairLink &link, const PairOptions &options, UniqueFd output)
-        : options_(options),
-          output_(std::move(output)),
-          receiver_(link.socket),
-          introduction_(link.offer),
-          dump_(options.isDumped)
+    Sink(int socket, const Offer &offer, const PairOptions &options, int output)
+        : offer_(offer), options_(options), output_(output), receiver_(socket)
     {
+        if (options_.isDumped) {
+            SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), "a");
+        }
+        OstraDump::GetInstance().Init();  // the parameter may also be set from outside
     }
 
-    // Returns false, with the reason in the report, when not all arrived that was sent.
+    // Returns false, with the reason in the report, if not everything arrived.
     bool ReceiveStream()
     {
-        ReceivedFrame frame;
-        while (!end_) {
+        while (end_.empty()) {
+            ReceivedFrame frame;
             const ReceiveResult result = receiver_.Receive(frame);
-            memory_.Frame();
             if (result == ReceiveResult::CLOSED || result == ReceiveResult::FAILED) {
                 return FailWithoutEnd(result == ReceiveResult::CLOSED ? 0 : errno);
             }
-            if (result == ReceiveResult::FRAME && !Take(frame)) {
+            if (result == ReceiveResult::FRAME && !Handle(frame)) {
                 return false;
             }
         }
-        if (!output_.Close()) {
+        if (output_ >= 0 && close(output_) != 0) {
             return Fail(options_.outputPath + ": " + std::strerror(errno));
         }
-        const std::string shortfall = introduction_.Missing() + Shortfall(*end_, receiver_.Arrived(), Damaged());
-        return shortfall.empty() || Fail(shortfall.substr(0, shortfall.find_last_not_of(", ") + 1));
+        CheckOffer();
+        CompareWithEnd();
+        if (!report_.failure.empty() && receiver_.Status().firstMissing) {
+            Fail("the first missing frame is frame " + std::to_string(*receiver_.Status().firstMissing));
+        }
+        return report_.failure.empty();
     }
 
-    SideReport Report(const FlowReport &flow, const std::string &notified) const
+    SideReport Report(const Session &session, const std::string &notified)
     {
-        Summary summary("sink");
-        AddLinkRows(summary, receiver_.Arrived(), watch_.Seconds());
-        summary.Row("lost", end_ ? std::to_string(end_->sent.frames - receiver_.Arrived().frames)
-                                 : "unknown: the end of the stream is missing");
-        summary.Row("damaged", Damaged().String());
-        introduction_.AddRows(summary);
-        summary.Row("notified", notified);
-        flow.AddRows(summary, options_.isVerbose);
-        dump_.AddRows(summary);
-        if (!options_.outputPath.empty()) {
-            summary.Row("output", options_.outputPath);
+        const std::string lost = end_.empty()
+                                     ? "unknown: the end of the stream is missing"
+                                     : std::to_string(Lost()) + " of " + std::to_string(end_[SENT_CHUNKS]) + " chunks";
+        report_.summary = "sink\n" + TotalRows(received_, start_) + Row("lost", lost) +
+                          Row("detected", ToString(receiver_.Status().detected)) + Row("device", device_) +
+                          Row("service", service_) + Row("settings", settings_) + Row("notified", notified) +
+                          session.Rows(options_.isVerbose);
+        if (options_.isDumped && report_.failure.empty()) {
+            const std::string bytes = std::to_string(received_.bytes);
+            report_.summary += Row("dump", dumpPath_ + ", " + bytes + " bytes; delete it with: rm " + dumpPath_);
         }
-        if (options_.isVerbose) {
-            memory_.AddRow(summary);
-        }
-        SideReport report = report_;
-        report.summary = summary.Text();
-        report.verdict = Damaged().Sum() == 0 ? "every byte arrived"
-                                              : "frames damaged on the way: " + Damaged().String() +
-                                                    "; each was caught and every other frame arrived";
-        return report;
+        report_.result = end_.empty() ? "" : Result();
+        return report_;
     }
 
 private:
-    const DamageCount &Damaged() const
+    bool Handle(const ReceivedFrame &frame)
     {
-        return receiver_.Damaged();
-    }
-
-    bool Take(const ReceivedFrame &frame)
-    {
+        const ByteView content = frame.content;
         switch (frame.kind) {
             case FrameKind::STREAM:
-                return TakePiece(frame.content);
+                received_.Add(frame.number, content);
+                return HandleChunk(content);
             case FrameKind::DEVICE:
-                introduction_.TakeDevice(frame.content);
-                break;
+                if (AsString(content) == offer_.device) {
+                    device_ = GetAnonyString(offer_.connection.sourceNetworkId) + " " + DEVICE_NAME;
+                }
+                return true;
             case FrameKind::SERVICE:
-                introduction_.TakeService(frame.content);
-                break;
+                service_ = AsString(content) == offer_.service ? DescribeService(offer_.service) : MISSING;
+                return true;
             case FrameKind::SETTINGS:
-                introduction_.TakeSettings(frame.content);
-                break;
+                if (const ParcelMap map = ReadMap(content); map == offer_.settings) {
+                    settings_ = map.at(1) + " Hz, " + map.at(2) + " channels, chunks of " + map.at(3) + " ms";
+                }
+                return true;
             case FrameKind::END:
-                memory_.Stop();
-                end_ = ReadEnd(frame.content);
-                return end_ || Fail("the frame at the end of the stream is not understood");
-            case FrameKind::ALIVE:
-                break;
+                for (const auto &[key, value] : ReadMap(content)) {
+                    end_.push_back(std::strtoull(value.c_str(), nullptr, 10));
+                }
+                return end_.size() == FIRST_FAULT + FAULTS || Fail("the frame that ends the stream is not valid");
+            case FrameKind::KEEP_ALIVE:
+                return true;
         }
         return true;
     }
 
-    bool TakePiece(ByteView piece)
+    bool HandleChunk(ByteView chunk)
     {
-        if (output_.IsOpen() && !WriteAll(output_.Get(), piece.data, piece.size)) {
+        if (output_ >= 0 && !WriteAll(output_, chunk)) {
             return Fail(options_.outputPath + ": " + std::strerror(errno));
         }
-        return dump_.Write(piece) || Fail(dump_.Failure());
+        DumpStreamData(dumpName_.c_str(), chunk.data, static_cast<int>(chunk.size));
+        return !options_.isDumped || CheckDump(chunk);
+    }
+
+    // Checks the size of the dump, since the library only logs failures.
+    bool CheckDump(ByteView chunk)
+    {
+        struct stat status {};
+        if (lstat(dumpPath_.c_str(), &status) == 0 && static_cast<uint64_t>(status.st_size) == received_.bytes) {
+            return true;
+        }
+        // Repeats the write to get its error. Others can create files in the directory: do not follow their links, and
+        // do not wait for the reader of a FIFO.
+        constexpr int flags = O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+        const int fd = open(dumpPath_.c_str(), flags, 0600);
+        const bool isWritten = fd >= 0 && WriteAll(fd, chunk);
+        return Fail(dumpPath_ +
+                    ": the dump is incomplete: " + (isWritten ? "not all was written" : std::strerror(errno)));
+    }
+
+    uint64_t Lost() const
+    {
+        return end_[SENT_CHUNKS] - received_.chunks;
+    }
+
+    void CheckOffer()
+    {
+        for (const auto &[value, name] : {std::pair(device_, "the device document is"),
+                                          {service_, "the service document is"},
+                                          {settings_, "the settings are"}}) {
+            if (value == MISSING) {
+                Fail(std::string(name) + " missing or not as offered");
+            }
+        }
+    }
+
+    // Compares what arrived with what the end of the stream announces.
+    void CompareWithEnd()
+    {
+        FaultCounts injected{};
+        std::copy_n(end_.begin() + FIRST_FAULT, FAULTS, injected.begin());
+        const std::string detected = "faults detected: " + ToString(receiver_.Status().detected);
+        const uint64_t intact = end_[INTACT_CHUNKS];
+        if (received_.chunks < intact) {
+            Fail(std::to_string(intact - received_.chunks) + " of " + std::to_string(intact) + " chunks are missing; " +
+                 detected);
+        } else if (receiver_.Status().detected != injected) {
+            Fail(detected + "; faults injected: " + ToString(injected));
+        } else if (received_.chunks != intact || received_.bytes != end_[INTACT_BYTES] ||
+                   received_.digest != end_[INTACT_DIGEST]) {
+            Fail("the stream received differs from the stream sent");
+        }
+    }
+
+    std::string Result() const
+    {
+        const uint64_t faults = Sum(receiver_.Status().detected);
+        if (faults == 0) {
+            return received_.chunks == 0 ? "nothing was sent: the input is empty" : "every byte arrived";
+        }
+        const std::string all = std::to_string(faults);
+        return all + " faults injected, " + all + " detected. The sink drops what is not intact and in order:\n  " +
+               std::to_string(Lost()) + " chunks were corrupted, truncated, delayed, emptied or oversized and are " +
+               "lost; the other faults\n  only added frames. Every other chunk arrived";
     }
 
     bool FailWithoutEnd(int error)
     {
-        const std::string after = " after frame " + std::to_string(receiver_.Arrived().frames);
-        report_.isCaused = error == 0 || error == EAGAIN;
-        if (error == EAGAIN) {
-            return Fail(introduction_.Missing() + "the source sent nothing for " + SecondsText(options_.timeout) +
-                        after);
+        const std::string expected = ", expected frame " + std::to_string(receiver_.Status().nextFrame);
+        if (error == 0 || error == EAGAIN) {
+            const std::string silence = "the source sent nothing for " + FormatSeconds(options_.timeout);
+            report_.consequence = (error == 0 ? "the end of the stream is missing" : silence) + expected;
+            return false;
         }
-        return Fail(introduction_.Missing() + "the end of the stream is missing" + after +
-                    (error == 0 ? "" : std::string(": ") + std::strerror(error)));
+        return Fail(std::string("receiving failed: ") + std::strerror(error) + expected);
     }
 
     bool Fail(const std::string &reason)
     {
-        report_.failure = reason;
+        report_.failure += (report_.failure.empty() ? "" : "; ") + reason;
         return false;
     }
 
+    const Offer &offer_;
     const PairOptions &options_;
-    UniqueFd output_;
+    int output_;
     FrameReceiver receiver_;
-    Introduction introduction_;
-    StreamDump dump_;
-    std::optional<StreamEnd> end_;
-    Stopwatch watch_;
-    MemoryWatch memory_;
+    // Random, so that others cannot create the file first. A longer name would not fit into the path of a dump.
+    const std::string dumpName_ = "channel_pair_" + GetRandomID().substr(16) + ".pcm";
+    const std::string dumpPath_ = DUMP_PATH_PREFIX + dumpName_;
+    std::string device_ = MISSING;
+    std::string service_ = MISSING;
+    std::string settings_ = MISSING;
+    Totals received_;
+    std::vector<uint64_t> end_;  // by EndKey; empty before the end of the stream
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     SideReport report_;
 };
 
 }  // namespace
 
-SideReport RunSink(const PairLink &link, const PairOptions &options, UniqueFd output)
+SideReport RunSink(int socket, const Offer &offer, const PairOptions &options, int output)
 {
-    UnblockSideSignals(SIG_IGN);  // the source hears an interrupt, and ends the stream
-    constexpr auto notificationTopic = static_cast<OHOS::DistributedHardware::DHTopic>(8);
-    const OHOS::sptr<NotificationLog> notifications = new NotificationLog();
-    OstraContext::GetInstance().GetDHFwkKit()->RegisterPublisherListener(notificationTopic, notifications);
-    Notify(link.connection.sourceNetworkId, ISOMERISM_CONNECT);
+    HandleInterrupts(SIG_IGN);  // the source ends the stream
+    constexpr auto topic = static_cast<DHTopic>(8);
+    const OHOS::sptr<Notifications> notifications = new Notifications();
+    OstraContext &context = OstraContext::GetInstance();
+    context.GetDHFwkKit()->RegisterPublisherListener(topic, notifications);
+    context.AddWaitNotify(offer.connection.sourceNetworkId, ISOMERISM_CONNECT);
+    context.PublishMessage();
 
-    FlowReport flow("sink");
-    Sink sink(link, options, std::move(output));
-    flow.Connected(true);
-    flow.AudioOpened(true);
-    const bool isWhole = sink.ReceiveStream();
-    flow.AudioClosed(isWhole);
-    flow.Ended(isWhole);
-    Notify(link.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
-    OstraContext::GetInstance().GetDHFwkKit()->UnregisterPublisherListener(notificationTopic, notifications);
-    return sink.Report(flow, notifications->Text());
+    Session session("sink");
+    session.ReportStart(true);
+    Sink sink(socket, offer, options, output);
+    const bool isReceived = sink.ReceiveStream();
+    session.ReportEnd(isReceived);
+
+    context.AddWaitNotify(offer.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
+    context.PublishMessage();
+    context.GetDHFwkKit()->UnregisterPublisherListener(topic, notifications);
+    return sink.Report(session, notifications->received);
 }

@@ -1,137 +1,172 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
+#include <cstdio>
 #include <cstring>
-#include <string>
-#include <vector>
+#include <utility>
 
-#include "flow_report.h"
-#include "ostra_constants.h"
+#include "fault_injector.h"
+#include "input.h"
+#include "ipc_utils.h"
+#include "message_parcel.h"
+#include "ostra_qos_adapter.h"
 #include "pair.h"
-#include "parcel_map.h"
-#include "progress.h"
+#include "process.h"
+#include "qos.h"
 #include "report.h"
-#include "stream_end.h"
-#include "stream_qos.h"
 
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
-volatile std::sig_atomic_t g_isInterrupted = 0;
-
-void Interrupt(int /* signal */)
+ByteView View(const std::string &document)
 {
-    g_isInterrupted = 1;
+    return {reinterpret_cast<uint8_t *>(const_cast<char *>(document.data())), document.size()};
 }
 
 class Source {
 public:
-    Source(const PairLink &link, const PairOptions &options, StreamInput &input)
-        : link_(link),
+    Source(int socket, const Offer &offer, const PairOptions &options, Input &input)
+        : socket_(socket),
+          offer_(offer),
           options_(options),
           input_(input),
-          socketRoad_(link.socket),
-          road_(socketRoad_, options.faults, input.Length()),
-          sender_(road_)
+          trace_(nullptr, std::fclose),
+          injector_(options.faults, input.Length())
     {
+    }
+
+    bool OpenTrace()
+    {
+        if (options_.tracePath.empty()) {
+            return true;
+        }
+        trace_.reset(std::fopen(options_.tracePath.c_str(), "we"));
+        return trace_ != nullptr || Fail(options_.tracePath + ": " + std::strerror(errno));
     }
 
     bool SendOffer()
     {
-        DHOSTRADeviceJson device = link_.offer.device;
-        OSTRADeviceService service = link_.offer.service;
-        std::string deviceText;
-        std::vector<uint8_t> serviceBytes;
-        if (device.Marshal(deviceText) != OSTRA_JSON_SUCCESS ||
-            service.PackServiceData(serviceBytes) != OSTRA_JSON_SUCCESS) {
-            return Fail("the documents cannot be written");
-        }
-        const ParcelMap settings = {{SETTING_SAMPLE_RATE, std::to_string(SAMPLE_RATE)},
-                                    {SETTING_CHANNELS, std::to_string(CHANNELS)},
-                                    {SETTING_PIECE_MS, std::to_string(PIECE_MS)}};
-        return Send(FrameKind::DEVICE, {reinterpret_cast<uint8_t *>(deviceText.data()), deviceText.size()}) &&
-               Send(FrameKind::SERVICE, {serviceBytes.data(), serviceBytes.size()}) &&
-               (SendMap(sender_, FrameKind::SETTINGS, settings) || FailToSend());
+        return Send(FrameKind::DEVICE, View(offer_.device)) && Send(FrameKind::SERVICE, View(offer_.service)) &&
+               SendMap(FrameKind::SETTINGS, offer_.settings);
     }
 
     bool SendStream()
     {
-        constexpr double longestQuiet = 1;
-        const auto quietMs = static_cast<int>(std::min(longestQuiet, options_.timeout / 4) * 1000);
-        Progress progress(input_.Length());
-        uint64_t pieces = 0;
-        while (g_isInterrupted == 0) {
-            ByteView piece;
-            const StreamInput::Result result = input_.Next(piece, link_.socket, quietMs);
-            if (result == StreamInput::Result::END) {
+        const int idleMs = static_cast<int>(std::min(1.0, options_.timeout / 4) * 1000);
+        while (Interrupts() == 0) {
+            ByteView chunk;
+            const Input::Result result = input_.Next(chunk, idleMs);
+            if (result == Input::Result::END) {
                 return true;
             }
-            if (result == StreamInput::Result::FAILED) {
+            if (result == Input::Result::FAILED) {
                 return Fail(input_.Name() + ": " + std::strerror(errno));
             }
-            if (!Send(result == StreamInput::Result::QUIET ? FrameKind::ALIVE : FrameKind::STREAM, piece)) {
+            if (!Send(result == Input::Result::IDLE ? FrameKind::KEEP_ALIVE : FrameKind::STREAM, chunk)) {
                 return false;
             }
-            progress.Show(++pieces, sender_.Sent().bytes);
-            memory_.Frame();
         }
-        report_.isInterrupted = true;
+        report_.result = "interrupted; of what was sent so far, ";
         return true;
     }
 
-    // A frame that was held back goes behind the one here.
-    bool Finish()
+    bool SendEnd()
     {
-        memory_.Stop();
-        if (road_.IsHolding() && !Send(FrameKind::ALIVE, {})) {
+        if (injector_.IsDelaying() && !Send(FrameKind::KEEP_ALIVE, {})) {
             return false;
         }
-        if (!SendEnd(sender_, road_.Done())) {
-            return FailToSend();
+        ParcelMap end = {{SENT_CHUNKS, std::to_string(sent_.chunks)},
+                         {INTACT_CHUNKS, std::to_string(sent_.chunks - dropped_.chunks)},
+                         {INTACT_BYTES, std::to_string(sent_.bytes - dropped_.bytes)},
+                         {INTACT_DIGEST, std::to_string(sent_.digest - dropped_.digest)}};
+        for (uint32_t fault = 0; fault < FAULTS; ++fault) {
+            end[static_cast<int32_t>(FIRST_FAULT + fault)] = std::to_string(injector_.Injected()[fault]);
         }
-        if (road_.Left() > 0 && !report_.isInterrupted) {
-            return Fail("the stream is too short: faults left over: " + std::to_string(road_.Left()));
+        if (!SendMap(FrameKind::END, end)) {
+            return false;
+        }
+        if (injector_.Remaining() > 0 && report_.result.empty()) {
+            return Fail("the stream is too short: " + std::to_string(injector_.Remaining()) + " faults not injected");
+        }
+        if (trace_ != nullptr && std::fflush(trace_.get()) != 0) {
+            return Fail(options_.tracePath + ": " + std::strerror(errno));
         }
         return true;
     }
 
-    SideReport Report(const FlowReport &flow, const std::string &qos) const
+    SideReport Report(const Session &session, const std::string &qos)
     {
-        Summary summary("source");
-        AddLinkRows(summary, sender_.Sent(), watch_.Seconds());
+        report_.summary = "source\n" + TotalRows(sent_, start_);
         if (options_.faults.count > 0) {
-            summary.Row("damaged", road_.Done().String());
+            report_.summary += Row("injected", ToString(injector_.Injected()));
         }
-        summary.Row("QoS", qos);
-        flow.AddRows(summary, options_.isVerbose);
+        report_.summary += Row("QoS", qos) + session.Rows(options_.isVerbose);
         if (options_.isVerbose) {
-            summary.Row("connection", link_.connection.String());
-            memory_.AddRow(summary);
+            report_.summary += Row("connection", offer_.connection.String());
         }
-        SideReport report = report_;
-        report.summary = summary.Text();
-        return report;
+        return report_;
     }
 
 private:
-    bool Send(FrameKind kind, ByteView content)
+    bool SendMap(FrameKind kind, const ParcelMap &map)
     {
-        return sender_.Send(kind, content) || FailToSend();
+        OHOS::MessageParcel parcel;
+        if (!IpcUtils::Marshalling(parcel, map)) {
+            return Fail("a parcel cannot be written");
+        }
+        auto *data = reinterpret_cast<uint8_t *>(parcel.GetData());  // NOLINT(performance-no-int-to-ptr)
+        return Send(kind, {data, parcel.GetDataSize()});
     }
 
-    bool FailToSend()
+    bool Send(FrameKind kind, ByteView content)
+    {
+        const uint64_t number = nextFrame_++;
+        Message message = PackMessage(kind, number, content);
+        if (message.empty()) {
+            return FailToSend(number);
+        }
+        const FaultInjector::Output output = injector_.Inject(kind, number, std::move(message));
+        for (const Message &injected : output.messages) {
+            Trace(injected);
+            if (!SendMessage(socket_, injected)) {
+                return FailToSend(number);
+            }
+        }
+        if (kind == FrameKind::STREAM) {
+            sent_.Add(number, content);
+        }
+        if (output.isDropped) {
+            dropped_.Add(number, content);
+        }
+        return true;
+    }
+
+    void Trace(const Message &message) const
+    {
+        if (trace_ == nullptr) {
+            return;
+        }
+        for (const uint8_t byte : message) {
+            std::fprintf(trace_.get(), "%02X ", byte);
+        }
+        std::fputc('\n', trace_.get());
+    }
+
+    bool FailToSend(uint64_t number)
     {
         const int error = errno;
-        const std::string frame = " at frame " + std::to_string(sender_.Sent().frames);
-        report_.isCaused = error == EAGAIN || error == EPIPE || error == ECONNRESET;
-        if (error == EAGAIN) {
-            return Fail("the sink took nothing for " + SecondsText(options_.timeout) + frame);
+        const std::string frame = " at frame " + std::to_string(number);
+        if (error == EAGAIN || error == EPIPE || error == ECONNRESET) {
+            const std::string silence = "the sink received nothing for " + FormatSeconds(options_.timeout);
+            report_.consequence = (error == EAGAIN ? silence : "the sink closed the connection") + frame;
+            return false;
         }
-        return Fail(report_.isCaused ? "the sink closed the link" + frame
-                                     : "sending failed" + frame + ": " + std::strerror(error));
+        return Fail("sending failed" + frame + ": " + std::strerror(error));
     }
 
     bool Fail(const std::string &reason)
@@ -140,31 +175,38 @@ private:
         return false;
     }
 
-    const PairLink &link_;
+    int socket_;
+    const Offer &offer_;
     const PairOptions &options_;
-    StreamInput &input_;
-    SocketRoad socketRoad_;
-    FaultyRoad road_;
-    FrameSender sender_;
-    Stopwatch watch_;
-    MemoryWatch memory_;
+    Input &input_;
+    std::unique_ptr<std::FILE, int (*)(std::FILE *)> trace_;
+    FaultInjector injector_;
+    uint64_t nextFrame_ = 0;
+    Totals sent_;
+    Totals dropped_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     SideReport report_;
 };
 
 }  // namespace
 
-SideReport RunSource(const PairLink &link, const PairOptions &options, StreamInput &input)
+SideReport RunSource(int socket, const Offer &offer, const PairOptions &options, Input &input)
 {
-    UnblockSideSignals(Interrupt);
-    FlowReport flow("source");
-    Source source(link, options, input);
-    const bool isOffered = source.SendOffer();
-    flow.Connected(isOffered);
-    const StreamQos qos;
-    flow.AudioOpened(isOffered);
-    const bool isSent = isOffered && source.SendStream() && source.Finish();
-    flow.AudioClosed(isSent);
-    const std::string qosResults = qos.Reset();
-    flow.Ended(isSent);
-    return source.Report(flow, qosResults);
+    Session session("source");
+    Source source(socket, offer, options, input);
+    const bool isOffered = source.OpenTrace() && source.SendOffer();
+    session.ReportStart(isOffered);
+
+    constexpr auto level = static_cast<int32_t>(OHOS::QOS::QosLevel::QOS_USER_INTERACTIVE);
+    const auto thread = static_cast<int32_t>(syscall(SYS_gettid));
+    RequestAuth(std::to_string(getpid()).c_str());
+    const bool isGranted = SetQos(level, thread) == 0;
+    const bool isSent = isOffered && source.SendStream() && source.SendEnd();
+    const bool isReset = isGranted && ResetQos(thread) == 0;
+
+    session.ReportEnd(isSent);
+    return source.Report(session, "level " + std::to_string(level) +
+                                      (isReset     ? " granted, reset at the end"
+                                       : isGranted ? " granted, not reset"
+                                                   : " refused: needs privileges"));
 }
