@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../protocol/crc16.h"
+#include "../protocol/crc16_internal.h"
 #include "channel_protocol.h"
 #include "dh_utils_tools.h"
 #include "ostra_adapter_log.h"
@@ -94,7 +95,7 @@ void CrcOfMebibyteByTables(benchmark::State &state)
 {
     const unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        const uint16_t crc = Crc16ByTables(0, bytes, MEBIBYTE);
+        const uint16_t crc = ExtendCrc16ByTables(0, bytes, MEBIBYTE);
         LogAsGetCrcDoes(crc);
         benchmark::DoNotOptimize(crc);
     }
@@ -122,7 +123,7 @@ void ByteWiseLoopAndLog(benchmark::State &state)
 {
     const unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        const uint16_t crc = Crc16ByBytes(0, bytes, SMALL_MESSAGE);
+        const uint16_t crc = ExtendCrc16ByByte(0, bytes, SMALL_MESSAGE);
         LogAsGetCrcDoes(crc);
         benchmark::DoNotOptimize(crc);
     }
@@ -145,9 +146,9 @@ int AddCrcCurve(const char *label, const char *name, benchmark::internal::Functi
 }
 
 const int BOOST_CURVE = AddCrcCurve("boost::crc_16_type", "GrowCrcByBoost", GrowCrc<CrcByBoost>);
-const int BYTES_CURVE = AddCrcCurve("by bytes", "GrowCrcByBytes", GrowCrc<Crc16ByBytes>);
-const int TABLES_CURVE = AddCrcCurve("by tables", "GrowCrcByTables", GrowCrc<Crc16ByTables>);
-const int CHOSEN_CURVE = AddCrcCurve("as chosen", "GrowCrcAsChosen", GrowCrc<Crc16>);
+const int BYTES_CURVE = AddCrcCurve("by bytes", "GrowCrcByBytes", GrowCrc<ExtendCrc16ByByte>);
+const int TABLES_CURVE = AddCrcCurve("by tables", "GrowCrcByTables", GrowCrc<ExtendCrc16ByTables>);
+const int CHOSEN_CURVE = AddCrcCurve("as chosen", "GrowCrcAsChosen", GrowCrc<ExtendCrc16>);
 const int READ_CURVE = AddCrcCurve("floor: reading the bytes", "GrowReading", GrowCrc<ReadOnly>);
 
 // Copies of a kilobyte are as fast as their addresses happen to be aligned to each other, so each repetition runs on

@@ -3,30 +3,32 @@
 #include "ipc_utils.h"
 
 #include <charconv>
+#include <cstdlib>
 #include <iterator>
 #include <optional>
 
 #include "dh_utils_tools.h"
 #include "message_parcel.h"
 #include "ostra_adapter_log.h"
-#include "ostra_constants.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
+// Not SEPARATOR: the process destroys that before its last calls.
+constexpr char KEY_END = '#';
 constexpr uint32_t MAX_ENTRIES = 10000;
-constexpr size_t LONGEST_INT32_TEXT = 11;
+constexpr size_t MAX_INT32_LENGTH = 11;
 
 bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &params)
 {
     if (!parcel.WriteUint32(static_cast<uint32_t>(params.size()))) {
         return false;
     }
-    char start[LONGEST_INT32_TEXT + 1];  // key and separator
-    std::string entry;                   // one for all, so that it allocates at most a few times
+    char start[MAX_INT32_LENGTH + 1];  // key and separator
+    std::string entry;                 // reused, so that it allocates at most a few times
     for (const auto &[key, value] : params) {
         char *end = std::to_chars(std::begin(start), std::end(start) - 1, key).ptr;
-        *end++ = SEPARATOR.front();
+        *end++ = KEY_END;
         entry.assign(start, end).append(value);
         if (!parcel.WriteString(entry)) {
             return false;
@@ -35,13 +37,15 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
     return true;
 }
 
-// The value of a text that CheckIsNum accepts; none when it does not fit.
-std::optional<int32_t> ToInt32(const std::string &text)
+// Returns the value of a string that CheckIsNum accepts; nullopt if it is out of range.
+// Not std::from_chars: its inline code may rely on unsigned overflow ("-0"), which ends the process on a device.
+std::optional<int32_t> ToInt32(const std::string &number)
 {
-    const char *begin = text.data() + (text.front() == '+' ? 1 : 0);
-    int32_t value = 0;
-    const std::from_chars_result result = std::from_chars(begin, text.data() + text.size(), value);
-    return result.ec == std::errc() ? std::optional<int32_t>(value) : std::nullopt;
+    const long long value = std::strtoll(number.c_str(), nullptr, 10);  // saturates, far beyond the range
+    if (value < INT32_MIN || value > INT32_MAX) {
+        return std::nullopt;
+    }
+    return static_cast<int32_t>(value);
 }
 
 }  // namespace
@@ -66,32 +70,31 @@ bool IpcUtils::UnMarshalling(MessageParcel &parcel, std::map<int32_t, std::strin
         OSTRA_LOGE("Params size is invalid!size : %u", count);
         return false;
     }
-    const char separator = SEPARATOR.front();
     std::string entry;
-    std::string keyText;
+    std::string keyString;
     for (uint32_t i = 0; i < count; ++i) {
         if (!parcel.ReadString(entry)) {
             OSTRA_LOGE("read value failed!");
             return false;
         }
-        const size_t keyLength = entry.find(separator);
+        const size_t keyLength = entry.find(KEY_END);
         if (keyLength == std::string::npos) {
             OSTRA_LOGE("Not found the separator!");
             continue;
         }
-        keyText.assign(entry, 0, keyLength);
-        if (!CheckIsNum(keyText)) {
+        keyString.assign(entry, 0, keyLength);
+        if (!CheckIsNum(keyString)) {
             OSTRA_LOGE("key_str is not Num");
             continue;
         }
-        const std::optional<int32_t> key = ToInt32(keyText);
+        const std::optional<int32_t> key = ToInt32(keyString);
         if (!key) {
             OSTRA_LOGE("key_str is out of range");
             continue;
         }
         const size_t valueBegin = keyLength + 1;
         OSTRA_LOGI("the key is %d, value is %s", *key, entry.c_str() + valueBegin);
-        params.insert_or_assign(params.end(), *key, entry.substr(valueBegin));  // keys mostly ascend
+        params.insert_or_assign(params.end(), *key, entry.substr(valueBegin));  // peers write ascending keys
     }
     return true;
 }

@@ -4,18 +4,21 @@
 
 #include "json_object.h"
 #include "ostra_adapter_log.h"
-#include "ostra_constants.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
 constexpr DHTopic NOTIFICATION_TOPIC = static_cast<DHTopic>(8);
 
+// Not DEV_ID_KEY and ISOMERISM_EVENT: the process destroys those before its last calls.
+constexpr char DEVICE_KEY[] = "dev_id";
+constexpr char EVENT_KEY[] = "isomerism_event";
+
 }  // namespace
 
 OstraContext &OstraContext::GetInstance()
 {
-    static auto *const instance = new OstraContext();  // leaks on purpose: no order of destruction
+    static auto *const instance = new OstraContext();  // never destroyed: usable until the process ends
     return *instance;
 }
 
@@ -35,24 +38,26 @@ void OstraContext::PublishMessage()
     OSTRA_LOGI("Source device PublishMessage, waitNotify num %zu", waitNotifyMap_.size());
     std::string message;
     for (const auto &[devId, event] : waitNotifyMap_) {
-        JsonObject notification;
-        notification.AddString(DEV_ID_KEY.c_str(), devId);
-        notification.AddString(ISOMERISM_EVENT.c_str(), event);
-        if (notification.IsNull()) {
-            OSTRA_LOGE("PublishMessage, cJSON jsonObj is nullptr");
-            return;
-        }
-        const JsonText text = notification.PrintUnformatted();
-        if (text == nullptr) {
-            OSTRA_LOGE("PublishMessage, cJSON_PrintUnformatted failed");
-            return;
+        {
+            JsonObject notification;
+            notification.AddString(DEVICE_KEY, devId);
+            notification.AddString(EVENT_KEY, event);
+            if (notification.IsNull()) {
+                OSTRA_LOGE("PublishMessage, cJSON jsonObj is nullptr");
+                return;
+            }
+            const JsonString text = notification.PrintUnformatted();
+            if (text == nullptr) {
+                OSTRA_LOGE("PublishMessage, cJSON_PrintUnformatted failed");
+                return;
+            }
+            message = text.get();
         }
         if (dhFwkKit_ == nullptr) {
             OSTRA_LOGE("PublishMessage FwkKit is nullptr");
             return;
         }
         OSTRA_LOGI("PublishMessage.");
-        message = text.get();
         dhFwkKit_->PublishMessage(NOTIFICATION_TOPIC, message);
     }
     waitNotifyMap_.clear();

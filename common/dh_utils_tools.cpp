@@ -9,20 +9,21 @@
 #include <random>
 
 #include "ostra_adapter_log.h"
-#include "ostra_constants.h"
 #include "securec.h"
 #include "softbus_bus_center.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
+// Not OSTRA_PKG_NAME: the process destroys that before its last calls.
+constexpr char PACKAGE_NAME[] = "ohos.dhardware.osatraadapter";
 constexpr char ANONYMOUS_MIDDLE[] = "******";
-constexpr size_t SHORTEST_WITH_ENDS = 3;
-constexpr size_t SHORTEST_WITH_LONG_ENDS = 21;
-constexpr size_t LONG_END = 4;
-constexpr size_t INT32_TEXT_SIZE = 40;
+constexpr size_t MIN_LENGTH_WITH_ENDS = 3;
+constexpr size_t MIN_LENGTH_WITH_LONG_ENDS = 21;
+constexpr size_t LONG_END_LENGTH = 4;
+constexpr size_t INT32_BUFFER_SIZE = 40;
 constexpr uint32_t INT32_BYTES = 4;
-constexpr size_t LONGEST_NUMBER_TEXT = 100;
+constexpr size_t MAX_NUMBER_LENGTH = 100;
 constexpr int64_t US_PER_MS = 1000;
 
 bool IsDigit(char character)
@@ -30,12 +31,12 @@ bool IsDigit(char character)
     return character >= '0' && character <= '9';
 }
 
-void AppendHex(std::string &text, uint64_t value, int width)
+void AppendHex(std::string &output, uint64_t value, int width)
 {
     constexpr char digits[] = "0123456789abcdef";
     constexpr int bitsPerDigit = 4;
     for (int shift = (width - 1) * bitsPerDigit; shift >= 0; shift -= bitsPerDigit) {
-        text += digits[(value >> shift) & 0xF];
+        output += digits[(value >> shift) & 0xF];
     }
 }
 
@@ -43,10 +44,10 @@ void AppendHex(std::string &text, uint64_t value, int width)
 
 std::string GetRandomID()
 {
-    static auto &device = *new std::random_device("/dev/urandom");  // leaks on purpose: used until the very end
-    static std::uniform_int_distribution<uint64_t> distribution;
-    const uint64_t a = distribution(device);
-    const uint64_t b = distribution(device);
+    static auto &device = *new std::random_device("/dev/urandom");  // never destroyed
+    const auto draw = [] { return uint64_t{device()} << 32 | device(); };
+    const uint64_t a = draw();
+    const uint64_t b = draw();
 
     std::string id;
     AppendHex(id, a >> 32, 8);
@@ -60,10 +61,10 @@ std::string GetRandomID()
 
 std::string GetAnonyString(const std::string &value)
 {
-    if (value.size() < SHORTEST_WITH_ENDS) {
+    if (value.size() < MIN_LENGTH_WITH_ENDS) {
         return ANONYMOUS_MIDDLE;
     }
-    const size_t end = value.size() < SHORTEST_WITH_LONG_ENDS ? 1 : LONG_END;
+    const size_t end = value.size() < MIN_LENGTH_WITH_LONG_ENDS ? 1 : LONG_END_LENGTH;
     std::string masked(value, 0, end);
     masked += ANONYMOUS_MIDDLE;
     masked.append(value, value.size() - end, end);
@@ -72,7 +73,7 @@ std::string GetAnonyString(const std::string &value)
 
 std::string GetAnonyInt32(int32_t value)
 {
-    char buffer[INT32_TEXT_SIZE] = {0};
+    char buffer[INT32_BUFFER_SIZE] = {0};
     if (sprintf_s(buffer, sizeof(buffer), "%d", value) <= 0) {
         return "";
     }
@@ -85,7 +86,7 @@ std::string GetAnonyInt32(int32_t value)
 int32_t GetLocalDeviceNetworkId(std::string &networkId)
 {
     NodeBasicInfo info = {};
-    const int32_t ret = GetLocalNodeDeviceInfo(OSTRA_PKG_NAME.c_str(), &info);
+    const int32_t ret = GetLocalNodeDeviceInfo(PACKAGE_NAME, &info);
     if (ret != 0) {
         OSTRA_LOGE("GetLocalNodeDeviceInfo failed ret: %d", ret);
         return ret;
@@ -118,10 +119,10 @@ void OSTRAIntToByte(uint32_t value, uint8_t *byteArray, uint32_t byteSize)
     byteArray[3] = static_cast<uint8_t>(value);
 }
 
-// Matches NUMBER_PATTERN by hand: building a std::regex for each call costs some ten thousand times as much.
+// Matches NUMBER_PATTERN without std::regex, which takes about ten thousand times as long to construct.
 bool CheckIsNum(const std::string &value)
 {
-    if (value.empty() || value.size() > LONGEST_NUMBER_TEXT) {
+    if (value.empty() || value.size() > MAX_NUMBER_LENGTH) {
         OSTRA_LOGE("Value string size %zu is zero or too long.", value.size());
         return false;
     }

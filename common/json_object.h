@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Owners for what cJSON hands out, so that each tree and each printed text is released on every path.
+// Owners of what cJSON returns: trees, printed strings, and objects under construction.
 
 #ifndef COMMON_JSON_OBJECT_H
 #define COMMON_JSON_OBJECT_H
@@ -21,17 +21,17 @@ struct DeleteJsonTree {
 };
 using JsonTree = std::unique_ptr<cJSON, DeleteJsonTree>;
 
-struct FreeJsonText {
-    void operator()(char *text) const
+struct FreeJsonString {
+    void operator()(char *string) const
     {
-        cJSON_free(text);
+        cJSON_free(string);
     }
 };
-using JsonText = std::unique_ptr<char, FreeJsonText>;
+using JsonString = std::unique_ptr<char, FreeJsonString>;
 
-// A JSON object under construction. It refers to the keys and texts that it is given instead of copying them, which
-// halves the allocations of a document: all must outlive it. When memory runs out it becomes null, so that it is either
-// whole or not there at all; adding to a null object does nothing.
+// A JSON object under construction. It refers to the keys and strings that are added instead of copying them, which
+// halves the allocations of a document: they must outlive it. It becomes null if an allocation fails, and adding to a
+// null object does nothing, so that only the result must be checked.
 class JsonObject {
 public:
     JsonObject() : tree_(cJSON_CreateObject())
@@ -43,17 +43,17 @@ public:
         return tree_ == nullptr;
     }
 
-    void AddString(const char *key, const char *text)
+    void AddString(const char *key, const char *value)
     {
-        Add(key, JsonTree(cJSON_CreateStringReference(text)));
+        Add(key, JsonTree(cJSON_CreateStringReference(value)));
     }
 
-    void AddString(const char *key, const std::string &text)
+    void AddString(const char *key, const std::string &value)
     {
-        AddString(key, text.c_str());
+        AddString(key, value.c_str());
     }
 
-    void AddString(const char *key, std::string &&text) = delete;  // would not outlive the object
+    void AddString(const char *key, std::string &&value) = delete;  // would not outlive the object
 
     void AddNumber(const char *key, double value)
     {
@@ -79,16 +79,16 @@ public:
         static_cast<void>(item.release());  // the tree owns it now
     }
 
-    // One member a line, indented; null when memory runs out.
-    JsonText Print() const
+    // Returns the object with one member per line, indented; null if allocation fails.
+    JsonString Print() const
     {
-        return JsonText(cJSON_Print(tree_.get()));
+        return JsonString(cJSON_Print(tree_.get()));
     }
 
-    // Without white space; null when memory runs out.
-    JsonText PrintUnformatted() const
+    // Returns the object without white space; null if allocation fails.
+    JsonString PrintUnformatted() const
     {
-        return JsonText(cJSON_PrintUnformatted(tree_.get()));
+        return JsonString(cJSON_PrintUnformatted(tree_.get()));
     }
 
 private:

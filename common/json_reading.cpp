@@ -2,10 +2,24 @@
 
 #include "json_reading.h"
 
+#include <cstring>
+
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// The quotation mark that closes the string begun at `quote`, or the end of the text.
+// Skips what cJSON skips before the first value: a byte order mark and control characters and spaces.
+const char *FirstValue(const char *json)
+{
+    constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
+    constexpr size_t markLength = sizeof(byteOrderMark) - 1;
+    const char *at = std::strncmp(json, byteOrderMark, markLength) == 0 ? json + markLength : json;
+    while (*at > '\0' && *at <= ' ') {
+        ++at;
+    }
+    return at;
+}
+
+// Returns the quotation mark that closes the string begun at `quote`, or the NUL if none does.
 const char *EndOfString(const char *quote)
 {
     const char *at = quote + 1;
@@ -15,54 +29,57 @@ const char *EndOfString(const char *quote)
     return at;
 }
 
-// How often a character stands in a text, counted up to one more than nesting may have.
-int CountToLimit(const std::string &text, char character)
+// Counts the occurrences of `character`, up to one more than the nesting limit.
+int CountToLimit(const std::string &json, char character)
 {
     int count = 0;
-    for (size_t at = text.find(character); at != std::string::npos && count <= DEEPEST_NESTING; ++count) {
-        at = text.find(character, at + 1);
+    for (size_t at = json.find(character); at != std::string::npos && count <= MAX_JSON_NESTING; ++count) {
+        at = json.find(character, at + 1);
     }
     return count;
 }
 
 }  // namespace
 
-JsonNesting NestingOf(const char *text)
+bool IsNestedTooDeep(const char *json)
 {
-    int depth = 0;
-    for (const char *at = text; *at != '\0'; ++at) {
+    const char *at = FirstValue(json);
+    if (*at != '[' && *at != '{') {
+        return false;
+    }
+    for (int depth = 0; *at != '\0'; ++at) {
         switch (*at) {
             case '[':
             case '{':
-                if (++depth > DEEPEST_NESTING) {
-                    return JsonNesting::TOO_DEEP;
+                if (++depth > MAX_JSON_NESTING) {
+                    return true;
                 }
                 break;
             case ']':
             case '}':
-                if (--depth <= 0) {
-                    return depth == 0 ? JsonNesting::CLOSED : JsonNesting::OPEN;
+                if (--depth == 0) {
+                    return false;
                 }
                 break;
             case '"':
                 at = EndOfString(at);
                 if (*at == '\0') {
-                    return JsonNesting::OPEN;
+                    return false;
                 }
                 break;
             default:
                 break;
         }
     }
-    return JsonNesting::OPEN;
+    return false;
 }
 
-JsonTree ParseJson(const std::string &text)
+JsonTree ParseJson(const std::string &json)
 {
-    // Most texts open too few to be nested too deep; that is found much faster than how they nest.
-    const bool mayBeTooDeep = CountToLimit(text, '[') + CountToLimit(text, '{') > DEEPEST_NESTING;
-    const bool isTooDeep = mayBeTooDeep && NestingOf(text.c_str()) == JsonNesting::TOO_DEEP;
-    return JsonTree(isTooDeep ? nullptr : cJSON_Parse(text.c_str()));
+    // Most documents open too few arrays and objects to exceed the limit; counting is much faster than scanning.
+    const bool mayBeTooDeep = CountToLimit(json, '[') + CountToLimit(json, '{') > MAX_JSON_NESTING;
+    const bool isTooDeep = mayBeTooDeep && IsNestedTooDeep(json.c_str());
+    return JsonTree(isTooDeep ? nullptr : cJSON_Parse(json.c_str()));
 }
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What stands before cJSON where a text comes from a peer.
+// Parsing of JSON that a peer sent, with a limit on its nesting.
 
 #ifndef COMMON_JSON_READING_H
 #define COMMON_JSON_READING_H
@@ -11,19 +11,15 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-constexpr int DEEPEST_NESTING = 100;
+constexpr int MAX_JSON_NESTING = 100;
 
-// How brackets and braces nest in a text, up to the one that closes the first; those inside strings do not count.
-enum class JsonNesting {
-    CLOSED,    // the first is closed
-    OPEN,      // there is none, or the text ends before it is closed
-    TOO_DEEP,  // more than DEEPEST_NESTING of them are open at once
-};
-JsonNesting NestingOf(const char *text);
+// Returns true if more than MAX_JSON_NESTING arrays and objects are open at once within the first value of `json`, the
+// only one that cJSON parses. Brackets and braces inside strings do not count.
+bool IsNestedTooDeep(const char *json);
 
-// Parses a text up to its first zero byte. Returns null for one that is no JSON or nested too deep, and when memory
-// runs out. cJSON takes stack for each level and allows a thousand, which is more than a small thread has.
-JsonTree ParseJson(const std::string &text);
+// Parses `json` up to its first NUL. Returns null if it is not valid JSON, is nested too deep, or allocation fails.
+// cJSON recurses for each level and allows 1000 of them, which is more than the stack of a small thread holds.
+JsonTree ParseJson(const std::string &json);
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 

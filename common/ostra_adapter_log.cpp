@@ -10,9 +10,9 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-constexpr unsigned int LOG_DOMAIN_ID = 0xD004160;
-constexpr char LOG_TAG_TEXT[] = "OSTRA_ADAPTER";
-constexpr size_t LOG_MAX_LENGTH = 4096;
+constexpr unsigned int DOMAIN = 0xD004160;
+constexpr char TAG[] = "OSTRA_ADAPTER";
+constexpr size_t MESSAGE_BUFFER_SIZE = 4096;
 
 LogLevel ToHiLogLevel(DHLogLevel level)
 {
@@ -32,15 +32,15 @@ LogLevel ToHiLogLevel(DHLogLevel level)
 
 void DHLog(DHLogLevel level, const char *format, ...)
 {
-    // Not cleared: what is read of it below is what was written, up to the zero that ends it.
-    char message[LOG_MAX_LENGTH];
+    // Not cleared: only what is written here is read, up to its NUL.
+    char message[MESSAGE_BUFFER_SIZE];
     va_list arguments;
     va_start(arguments, format);
     const int length = vsprintf_s(message, sizeof(message), format, arguments);
     va_end(arguments);
 
-    const char *text = length < 0 ? "DH log length error." : message;
-    HiLogPrint(LOG_CORE, ToHiLogLevel(level), LOG_DOMAIN_ID, LOG_TAG_TEXT, "%{public}s", text);
+    const char *output = length < 0 ? "DH log length error." : message;
+    HiLogPrint(LOG_CORE, ToHiLogLevel(level), DOMAIN, TAG, "%{public}s", output);
 }
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -10,15 +10,18 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
+// Not DUMP_WRITE_ENABLE_KEY and DUMP_PATH_PREFIX: the process destroys those before its last calls.
+constexpr char SWITCH_PARAMETER[] = "sys.ostra.audio.dump.write.enable";
+constexpr char PATH_PREFIX[] = "/data/local/tmp/";
 constexpr char UNSET_MARKER[] = "-1";
 constexpr uint32_t PARAMETER_BUFFER_SIZE = 30;
-constexpr size_t LONGEST_PATH = 50;
+constexpr size_t MAX_PATH_LENGTH = 50;
 
 }  // namespace
 
 OstraDump &OstraDump::GetInstance()
 {
-    static auto *const instance = new OstraDump();  // leaks on purpose: no order of destruction
+    static auto *const instance = new OstraDump();  // never destroyed: usable until the process ends
     return *instance;
 }
 
@@ -26,7 +29,7 @@ void OstraDump::Init()
 {
     OSTRA_LOGI("Dump init");
     std::string value;
-    if (GetSysPara(DUMP_WRITE_ENABLE_KEY.c_str(), value) && !value.empty()) {
+    if (GetSysPara(SWITCH_PARAMETER, value) && !value.empty()) {
         dumpMode_ = value;
         enable_.exchange(true);
         return;
@@ -69,21 +72,21 @@ void OstraDump::DumpStreamData(const std::string &fileName, const unsigned char 
         OSTRA_LOGD("Dump is not enable.");
         return;
     }
-    FILE *const file = OpenDumpFile(DUMP_PATH_PREFIX + fileName);
+    FILE *const file = OpenDumpFile(PATH_PREFIX + fileName);
     if (file == nullptr) {
         return;
     }
     const auto count = static_cast<size_t>(size);
-    const bool isTaken = fwrite(data, 1, count, file) == count;
-    const bool isClosed = fclose(file) == 0;  // what the buffer of the file still holds is written here
-    if (!isTaken || !isClosed) {
+    const bool isWritten = fwrite(data, 1, count, file) == count;
+    const bool isClosed = fclose(file) == 0;  // writes what is still buffered
+    if (!isWritten || !isClosed) {
         OSTRA_LOGE("Failed to write the file");
     }
 }
 
 FILE *OstraDump::OpenDumpFile(const std::string &path)
 {
-    if (path.size() > LONGEST_PATH) {
+    if (path.size() > MAX_PATH_LENGTH) {
         return nullptr;
     }
     FILE *file = nullptr;

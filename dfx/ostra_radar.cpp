@@ -12,10 +12,15 @@ namespace {
 
 using HiviewDFX::HiSysEvent;
 
+// Not the constants of the header: the process destroys those before its last calls.
+constexpr char DOMAIN[] = "OSTRAADAPTER";
+constexpr char EVENT_NAME[] = "OSTRA_ADAPTER_BEHAVIOR";
+constexpr char REPORTING_PACKAGE[] = "ostra_adapter";
+
 constexpr int32_t RESULT_SUCCESS = 1;
 constexpr int32_t RESULT_FAILURE = 2;
 
-constexpr int32_t FAILURE_LINES = 100;  // above the line of any success
+constexpr int32_t FAILURE_LINES = 100;  // greater than the line of any success
 
 constexpr int32_t NO_STATE = 0;
 constexpr int32_t STATE_START = 1;
@@ -49,7 +54,7 @@ constexpr HostPackage HOST_PACKAGES[] = {{1, "car_distributed_engine"},
                                          {3, "collaboration_service"},
                                          {10, "CollaborationFwk"}};
 
-// What the caller says of a step.
+// What the caller reports about a step.
 struct Report {
     const std::string &function;
     std::string host;
@@ -58,20 +63,21 @@ struct Report {
     const std::string *calledPackage = nullptr;
 };
 
-// The line by which the platform's write limiter counts. Failures of a method have a budget of their own: however many
-// successes there are, they hide none.
+// Returns the line number by which the platform's write limiter counts. Failures have their own, so that no number of
+// successes suppresses them.
 int32_t LineOf(const Step &step, bool isSuccess)
 {
     return isSuccess ? step.stage : FAILURE_LINES + step.stage;
 }
 
-// The platform takes the keys of an event as arguments, so each choice adds arguments to those before it.
+// The platform takes the keys of an event as arguments, so each lambda adds arguments to those of its caller.
 int WriteEvent(const Step &step, const Report &report)
 {
     const bool isSuccess = report.errorCode == 0;
+    const std::string reportingPackage = REPORTING_PACKAGE;
     const auto write = [&](const auto &...keyValues) {
-        return HiSysEvent::Write(step.method, LineOf(step, isSuccess), OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT,
-                                 HiSysEvent::BEHAVIOR, keyValues...);
+        return HiSysEvent::Write(step.method, LineOf(step, isSuccess), DOMAIN, EVENT_NAME, HiSysEvent::BEHAVIOR,
+                                 keyValues...);
     };
     const auto writeWithError = [&](const auto &...keyValues) {
         return isSuccess ? write(keyValues...) : write(keyValues..., "ERROR_CODE", report.errorCode);
@@ -84,9 +90,9 @@ int WriteEvent(const Step &step, const Report &report)
         return writeWithState(keyValues..., "HOST_PKG", report.host, "BIZ_SCENE", report.scene, "BIZ_STAGE", step.stage,
                               "STAGE_RES", isSuccess ? RESULT_SUCCESS : RESULT_FAILURE);
     };
-    return report.calledPackage == nullptr
-               ? writeWithRest("ORG_PKG", ORG_PKG_NAME, "FUNC", report.function)
-               : writeWithRest("ORG_PKG", ORG_PKG_NAME, "FUNC", report.function, "TO_CALL_PKG", *report.calledPackage);
+    return report.calledPackage == nullptr ? writeWithRest("ORG_PKG", reportingPackage, "FUNC", report.function)
+                                           : writeWithRest("ORG_PKG", reportingPackage, "FUNC", report.function,
+                                                           "TO_CALL_PKG", *report.calledPackage);
 }
 
 bool Write(const Step &step, const Report &report)
@@ -102,7 +108,7 @@ bool Write(const Step &step, const Report &report)
 
 OstraRadar &OstraRadar::GetInstance()
 {
-    static auto *const instance = new OstraRadar();  // leaks on purpose: no order of destruction
+    static auto *const instance = new OstraRadar();  // never destroyed: usable until the process ends
     return *instance;
 }
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What every fuzzer is made of: pieces that are taken off the front of an input, and the comparison of what a naive
-// reference gives with what the library gave. The first difference is printed with the input and ends the program.
+// Helpers of the fuzzers: values taken from the front of an input, and the comparison of a naive reference with the
+// library. The first difference is printed together with the input, and aborts the program.
 //
 //     int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 //     {
 //         std::string input = Begin(data, size);
 //         const int32_t number = TakeNumber(input);
-//         Hold("text", NaiveText(number), Text(number));
+//         ExpectEqual("hex digits", NaiveHex(number), Hex(number));
 //         return 0;
 //     }
 
@@ -20,19 +20,19 @@
 #include <cstdlib>
 #include <string>
 
-// Runs the fuzzed code on one input and always returns 0.
+// Runs the fuzzed code on one input. Always returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
 namespace Fuzz {
 
-inline std::string currentInput;  // for the report of a difference
+inline std::string currentInput;  // printed with a difference
 
 inline std::string Begin(const uint8_t *data, size_t size)
 {
     return currentInput = {data, data + size};
 }
 
-// Where the input has come to its end, texts are empty and numbers 0.
+// At the end of the input, strings are empty and numbers 0.
 inline std::string Take(std::string &input, size_t length)
 {
     const std::string taken = input.substr(0, length);
@@ -45,7 +45,7 @@ inline uint8_t TakeByte(std::string &input)
     return input.empty() ? 0 : static_cast<uint8_t>(Take(input, 1)[0]);
 }
 
-// A number of any magnitude: a byte tells by how many bits the four that follow are shifted down.
+// A number of any magnitude: the first byte is the number of bits by which the next four are shifted right.
 inline int32_t TakeNumber(std::string &input)
 {
     const int shift = TakeByte(input) % 32;
@@ -56,8 +56,8 @@ inline int32_t TakeNumber(std::string &input)
     return static_cast<int32_t>(number >> shift);
 }
 
-// A byte tells the length, which is below 64.
-inline std::string TakeText(std::string &input)
+// The first byte is the length, modulo 64.
+inline std::string TakeString(std::string &input)
 {
     return Take(input, TakeByte(input) % 64U);
 }
@@ -75,7 +75,7 @@ std::string Show(Number number)
     return std::to_string(number);
 }
 
-// What is not printed is in hexadecimal.
+// Escapes unprintable bytes as \xNN.
 inline std::string Show(const std::string &text)
 {
     std::string shown;
@@ -88,9 +88,9 @@ inline std::string Show(const std::string &text)
     return '"' + shown + '"';
 }
 
-// Ends the program, so that the input is kept, when the library gave something else.
+// Aborts, so that the fuzzer keeps the input, if the library returned another value.
 template <typename Value>
-void Hold(const char *field, const Value &expected, const Value &got)
+void ExpectEqual(const char *field, const Value &expected, const Value &got)
 {
     if (got != expected) {
         std::fprintf(stderr, "differs: %s\nexpected: %s\ngot: %s\ninput: %s\n", field, Show(expected).c_str(),

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the references of documents share.
+// Helpers of the references that read or write JSON.
 
 #ifndef FUZZ_JSON_REFERENCE_H
 #define FUZZ_JSON_REFERENCE_H
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -13,17 +14,21 @@
 namespace Fuzz {
 
 constexpr int32_t INPUT_INVALID = -70005;
-constexpr int MOST_LINES = 8;  // documents of one input: what is read adds up
-constexpr int MOST_LEVELS = 100;
+constexpr int MAX_LINES = 8;  // documents per input: objects accumulate what they read
+constexpr int MAX_NESTING = 100;
 
 using JsonTree = std::unique_ptr<cJSON, decltype(&cJSON_Delete)>;
 
-// Whether too many brackets and braces are open at once before the first is closed; those in strings do not count.
+// Returns whether too many arrays and objects are open at once within the first value. Brackets in strings do not
+// count.
 inline bool IsTooDeep(const char *text)
 {
     int levels = 0;
     bool isInString = false;
-    for (const char *at = text; *at != '\0' && levels <= MOST_LEVELS; ++at) {
+    const char *at = std::strncmp(text, "\xEF\xBB\xBF", 3) == 0 ? text + 3 : text;
+    for (; static_cast<unsigned char>(*at - 1) < ' '; ++at) {
+    }
+    for (at = *at == '[' || *at == '{' ? at : ""; *at != '\0' && levels <= MAX_NESTING; ++at) {
         if (*at == '"') {
             isInString = !isInString;
         } else if (isInString) {
@@ -34,10 +39,10 @@ inline bool IsTooDeep(const char *text)
             break;
         }
     }
-    return levels > MOST_LEVELS;
+    return levels > MAX_NESTING;
 }
 
-// Null for what is no JSON or nested too deep. A text ends at its first zero byte.
+// Returns null if the string is not valid JSON or nested too deep. The string ends at its first NUL.
 inline JsonTree Parse(const std::string &text)
 {
     return {IsTooDeep(text.c_str()) ? nullptr : cJSON_Parse(text.c_str()), cJSON_Delete};
@@ -49,7 +54,7 @@ inline std::string Printed(const cJSON *item)
     return text.get();
 }
 
-// A text up to its first zero byte, as it stands in a document.
+// Returns the string, up to its first NUL, as a JSON string.
 inline std::string Quote(const std::string &text)
 {
     return Printed(JsonTree(cJSON_CreateString(text.c_str()), cJSON_Delete).get());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Feeds a fuzzer files, and inputs made from pieces of them, the same in every run.
+// Runs a fuzzer on files and on mutations of them, the same in every run.
 // Usage: fuzz_replay_NAME FILE...
 
 #include <stdlib.h>
@@ -16,18 +16,18 @@
 
 namespace {
 
-constexpr int MADE_INPUTS = 4000;
-constexpr size_t FROM_NOTHING = 1000;
+constexpr int GENERATED_INPUTS = 4000;
+constexpr size_t RANDOM_SEED_SIZE = 1000;
 
-std::mt19937 g_random;  // starts the same everywhere
+std::mt19937 g_random;  // default seed: the same inputs everywhere
 
 size_t Below(size_t limit)
 {
     return g_random() % limit;
 }
 
-// The begin of one seed and the end of another, with a few bytes replaced, or made greater or smaller by 1.
-std::string Make(const std::vector<std::string> &seeds)
+// Returns the start of one seed and the end of another, with a few bytes replaced or changed by 1.
+std::string Mutate(const std::vector<std::string> &seeds)
 {
     const std::string &first = seeds[Below(seeds.size())];
     const std::string &second = seeds[Below(seeds.size())];
@@ -48,8 +48,8 @@ void Run(const std::string &input)
 
 int main(int argc, char **argv)
 {
-    setenv("OSTRA_HOST_LOG_LEVEL", "off", 0);  // unless somebody wants to see it
-    std::vector<std::string> seeds = {std::string(FROM_NOTHING, '\0')};
+    setenv("OSTRA_HOST_LOG_LEVEL", "off", 0);  // unless the caller set a level
+    std::vector<std::string> seeds = {std::string(RANDOM_SEED_SIZE, '\0')};
     for (char &byte : seeds[0]) {
         byte = static_cast<char>(Below(256));
     }
@@ -62,9 +62,9 @@ int main(int argc, char **argv)
         seeds.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
         Run(seeds.back());
     }
-    for (int i = 0; i < MADE_INPUTS; ++i) {
-        Run(Make(seeds));
+    for (int i = 0; i < GENERATED_INPUTS; ++i) {
+        Run(Mutate(seeds));
     }
-    std::printf("%d inputs of files and %d made ones\n", argc - 1, MADE_INPUTS);
+    std::printf("%d files and %d mutations\n", argc - 1, GENERATED_INPUTS);
     return 0;
 }

@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Frames for a device-to-device channel: a header value of 1 to 4 bytes, followed by the content. Beside them a CRC-16
-// over any byte range; a frame does not hold it, the services carry it as they agree.
-//
-//     ChannelProtocol out;                                  ChannelProtocol in;
-//     out.Create(headerValue, size);                        in.CreateFromBuffer(bytes, length);
-//     out.WriteContent(content, size);                      UnPackagedEA ea;
-//     Send(out.GetBuffer(), out.GetBufferSize());           in.ReadEA(ea, 0);   // content: ea.offset to the end
-//
-// The header value (EA) is a quantity of 28 bits in groups of 7, least significant first, one group a byte; bit 7 marks
-// the last byte: 5 is 85, 300 is 2C 82. Every failure is logged as an error unless said otherwise. One thread at a time
-// uses an object; GetCrc and HasEA touch no object state and may run on any number of threads at once. Memory that runs
-// out is a false result, never an exception.
+
+/// @file
+/// Frames for a device-to-device channel: a header value of 1 to 4 bytes, followed by the content.
+///
+///     ChannelProtocol out;                              ChannelProtocol in;
+///     out.Create(headerValue, size);                    in.CreateFromBuffer(bytes, length);
+///     out.WriteContent(content, size);                  UnPackagedEA ea;
+///     Send(out.GetBuffer(), out.GetBufferSize());       in.ReadEA(ea, 0);   // content: ea.offset to the end
+///
+/// The header value (EA) is a 28-bit varint: little-endian groups of 7 bits, bit 7 set on the last byte (stop bit). 5
+/// is encoded as 85, 300 as 2C 82. A frame does not contain its CRC; where that travels is up to the services.
 
 #ifndef CHANNEL_PROTOCOL_H
 #define CHANNEL_PROTOCOL_H
@@ -22,15 +20,22 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// A header value that ReadEA found, and the position just behind it.
+/// A header value that ChannelProtocol::ReadEA decoded.
 struct UnPackagedEA {
-    uint32_t value = 0;  // 0 to 0x0FFFFFFF
-    int32_t offset = 0;  // in bytes from the start of the frame; the content begins here
+    uint32_t value = 0;  ///< 0 to 0x0FFFFFFF.
+    int32_t offset = 0;  ///< Where the content begins, in bytes from the start of the frame.
 };
 
-// One frame in a buffer of its own; cannot be copied or assigned. Create and CreateFromBuffer are meant to be called
-// once per object: a buffer that it already holds is replaced, not released. The members are open to be looked at; the
-// operations keep them.
+/// One frame in a buffer that the object owns.
+///
+/// Call Create or CreateFromBuffer once per object: a further call replaces the buffer without releasing it. Callers
+/// may read the members but must not change them.
+///
+/// Every operation that fails logs an error unless its comment says otherwise. Nothing is thrown; a failed allocation
+/// makes the operation return false.
+///
+/// Not thread-safe: callers must synchronize access to an object. GetCrc and HasEA use no object state and are
+/// thread-safe.
 class ChannelProtocol {
 public:
     ChannelProtocol() = default;
@@ -42,48 +47,63 @@ public:
     ChannelProtocol(const ChannelProtocol &) = delete;
     ChannelProtocol &operator=(const ChannelProtocol &) = delete;
 
-    // Prepares a frame to send: writes the header value and makes room for contentSize bytes, which stay undefined
-    // until WriteContent. Returns false for eaValue above 0x0FFFFFFF or a negative contentSize; also false, but without
-    // a log, when the buffer would pass INT_MAX bytes or cannot be allocated. A negative eaValue is taken for its low
-    // 28 bits, written as four bytes without an end mark: -1 is 7F 7F 7F 7F.
+    /// Prepares a frame to send: writes the header value and reserves `contentSize` bytes for the content.
+    ///
+    /// The content is undefined until WriteContent. Only the low 28 bits of a negative `eaValue` are encoded, as four
+    /// bytes without a stop bit: -1 becomes 7F 7F 7F 7F.
+    ///
+    /// Returns false if:
+    /// - `eaValue` is greater than 0x0FFFFFFF or `contentSize` is negative; the object is unchanged.
+    /// - The frame would exceed INT_MAX bytes, or allocation fails; this is not logged. The buffer is then null,
+    ///   bufferSize_ and offset_ are unchanged.
+    /// - The header value cannot be copied; the buffer is then null, bufferSize_ and offset_ are unchanged.
     OSTRA_EXPORT bool Create(int eaValue, int contentSize);
 
-    // Takes a copy of a received frame. Returns false for a null buffer, a size below 1, or when memory runs out or the
-    // copy is refused.
+    /// Copies a received frame of `size` bytes into this object.
+    ///
+    /// Returns false if:
+    /// - `buffer` is null or `size` is less than 1; the object is unchanged.
+    /// - Allocation or copying fails; the buffer is then null, bufferSize_ and offset_ are unchanged.
     OSTRA_EXPORT bool CreateFromBuffer(unsigned char *buffer, int size);
 
-    // Copies `length` bytes of content to offset_, which it does not move: after Create the place just behind the
-    // header (after CreateFromBuffer it is the header itself, and ReadEA moves it). Returns false for null data, a
-    // length below 1, when there is no buffer, or when the content does not fit: the frame then stays as it was.
-    // Content that lies at that very place is copied onto itself, which succeeds; data that overlaps the place in any
-    // other way gives false and leaves the content undefined.
+    /// Copies `length` bytes of content to offset_: behind the header after Create, over it after CreateFromBuffer.
+    ///
+    /// Does not move offset_, so the content must be written in one call. `data` may be the destination itself.
+    ///
+    /// Returns false if:
+    /// - `data` is null, `length` is less than 1, or there is no frame; the frame is unchanged.
+    /// - The content does not fit; the frame is unchanged.
+    /// - `data` partly overlaps the destination; the content is then undefined.
     OSTRA_EXPORT bool WriteContent(unsigned char *data, int length) const;
 
-    // Decodes the header value at `offset` (0 and up) and moves offset_ just behind it. Reads up to the first byte that
-    // carries the end mark, four bytes, or the end of the frame, whichever comes first, and takes the value as it
-    // stands; at or past the end it reads nothing: value 0, position `offset`. Returns false, with `ea` and the object
-    // unchanged, for a negative offset or when there is no frame.
+    /// Decodes the header value at `offset` and moves offset_ to the byte after it.
+    ///
+    /// Reads up to the first byte with a stop bit, four bytes, or the end of the frame, whichever comes first. A value
+    /// that ends without a stop bit is accepted. At or past the end nothing is read: the value is 0 and `ea.offset` is
+    /// `offset`.
+    ///
+    /// Returns false, with `ea` and the object unchanged, if `offset` is negative or there is no frame.
     OSTRA_EXPORT bool ReadEA(UnPackagedEA &ea, int offset);
 
-    // True when `byte` carries the end mark, bit 7.
+    /// Returns true if `byte` has the stop bit set.
     OSTRA_EXPORT static bool HasEA(unsigned char byte);
 
-    // Returns the CRC-16/ARC (reflected polynomial 0xA001, start value 0) of `length` bytes at `data`; "123456789"
-    // gives 0xBB3D. A length below 1 or null data gives 0. Each call logs the masked result at info level.
+    /// Returns the CRC-16/ARC of `length` bytes at `data`, and logs it, masked, at info level.
+    ///
+    /// Reflected polynomial 0xA001, start value 0; "123456789" gives 0xBB3D. Returns 0 if `data` is null or `length` is
+    /// less than 1.
     OSTRA_EXPORT uint32_t GetCrc(unsigned char *data, int length) const;
 
-    // The whole frame; null before one is created. The object keeps the buffer. Where a further Create or
-    // CreateFromBuffer runs out of memory or cannot copy, the buffer is null and the size still that of the earlier
-    // frame; refused arguments, and a size past INT_MAX, change nothing.
+    /// Returns the whole frame, which the object keeps; null if there is none.
     OSTRA_EXPORT unsigned char *GetBuffer() const;
 
-    // The size of the whole frame in bytes; 0 before one is created.
+    /// Returns the size of the whole frame in bytes; 0 before one is created.
     OSTRA_EXPORT int32_t GetBufferSize() const;
 
-    int32_t bufferSize_ = 0;  // in bytes
-    // After Create the first content byte, after CreateFromBuffer 0, after ReadEA the byte behind the header value.
+    int32_t bufferSize_ = 0;  ///< In bytes.
+    /// After Create the first content byte, after CreateFromBuffer 0, after ReadEA the byte after the header value.
     int32_t offset_ = 0;
-    unsigned char *protocolBuffer_ = nullptr;
+    unsigned char *protocolBuffer_ = nullptr;  ///< The whole frame.
 };
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Carries a map from integers to texts across a process border in a parcel: the number of entries as an unsigned 32-bit
-// value, then one string for each entry, made of the key in decimal, "#" and the value.
-//
-//     IpcUtils::Marshalling(parcel, settings);         // here
-//     IpcUtils::UnMarshalling(parcel, settings);       // in the other process
-//
-// The functions hold no state and may be called from any thread, as long as no two share a parcel or a map. Both raise
-// std::bad_alloc when memory for a text or an entry runs out: what was written or accepted before stays. Callers
-// include message_parcel.h beside this header.
+
+/// @file
+/// Maps from integers to strings in IPC parcels: the number of entries as an unsigned 32-bit value, then one string for
+/// each entry, made of the key in decimal, "#" and the value. Include message_parcel.h as well.
+///
+///     IpcUtils::Marshalling(parcel, settings);         // here
+///     IpcUtils::UnMarshalling(parcel, settings);       // in the other process
+///
+/// **UnMarshalling logs each key and value unmasked at info level.** Do not pass secrets in the values, or set the log
+/// level of domain 0xD004160 to warning (on the host, `OSTRA_HOST_LOG_LEVEL=warn`). Thread-safe, unless two calls
+/// share a parcel or a map.
 
 #ifndef IPC_UTILS_H
 #define IPC_UTILS_H
@@ -25,18 +26,27 @@ class MessageParcel;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// The two directions of a map through a parcel.
+/// Writes maps to parcels and reads them back.
+///
+/// Both operations throw std::bad_alloc if a string or an entry cannot be allocated; what was written or read before
+/// stays.
 class IpcUtils {
 public:
-    // Writes the map, in ascending order of keys. Returns false, and logs an error, for more than 10000 entries (the
-    // parcel is untouched) or when the parcel takes no more (what was written before stays in it).
+    /// Writes a map, in ascending order of keys.
+    ///
+    /// Returns false, and logs an error, if:
+    /// - The map has more than 10000 entries; the parcel is unchanged.
+    /// - The parcel is full; what was written before stays in it.
     OSTRA_EXPORT static bool Marshalling(MessageParcel &parcel, const std::map<int32_t, std::string> &params);
 
-    // Reads a map into `params`: an entry replaces what the key held before, and everything else stays. The first "#"
-    // of an entry ends the key. An entry without "#", or whose key is no decimal number of at most 100 characters ("+5"
-    // and "007" are) or does not fit a signed 32-bit value, is logged as an error and skipped. Returns true when every
-    // entry could be read, accepted or not. Returns false, and logs an error, for a count above 10000 (`params` is
-    // untouched) or when an entry cannot be read (those accepted before stay in `params`).
+    /// Reads a map and adds its entries to `params`, replacing the values of keys that are already there.
+    ///
+    /// The first "#" of an entry ends the key. An entry is logged as an error and skipped if it has no "#", or if its
+    /// key is not a decimal number of at most 100 characters ("+5" and "007" are) or not in the range of int32_t.
+    ///
+    /// Returns true if every entry could be read, whether skipped or not. Returns false, and logs an error, if:
+    /// - The number of entries is greater than 10000; `params` is unchanged.
+    /// - An entry cannot be read; `params` keeps the entries before it.
     OSTRA_EXPORT static bool UnMarshalling(MessageParcel &parcel, std::map<int32_t, std::string> &params);
 };
 

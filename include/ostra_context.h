@@ -1,20 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The process-wide context through which the host tells the distributed hardware framework about devices whose state
-// changed, and the names that belong to it.
-//
-//     #include "ostra_constants.h"
-//     #include "ostra_context.h"
-//
-//     OstraContext &context = OstraContext::GetInstance();
-//     context.AddWaitNotify(deviceId, ISOMERISM_CONNECT);
-//     context.PublishMessage();       // {"dev_id":"...","isomerism_event":"isomerism_connect"} on topic 8
-//
-// All operations may be called from any thread at once. AddWaitNotify and PublishMessage wait for each other, also
-// while the framework is called: a listener must not call either from inside OnMessage, nor wait there for a thread
-// that does. What a listener raises comes out of PublishMessage, as does std::bad_alloc when memory for a text runs
-// out; AddWaitNotify and the first GetInstance raise that, too. The context works on afterwards, and its queue is as it
-// was.
+
+/// @file
+/// Notifications to the distributed hardware framework about devices whose state changed, and the names that belong to
+/// them.
+///
+///     #include "ostra_constants.h"
+///     #include "ostra_context.h"
+///
+///     OstraContext &context = OstraContext::GetInstance();
+///     context.AddWaitNotify(deviceId, ISOMERISM_CONNECT);
+///     context.PublishMessage();       // {"dev_id":"...","isomerism_event":"isomerism_connect"} on topic 8
+///
+/// Thread-safe. The strings have the lifetime that ostra_constants.h describes.
 
 #ifndef OSTRA_CONTEXT_H
 #define OSTRA_CONTEXT_H
@@ -30,81 +27,112 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// Names of the histogram channels.
-inline const std::string &HISTM_VID_ENC = *new std::string("histmVidEnc");
-inline const std::string &HISTM_VID_DEC = *new std::string("histmVidDec");
-inline const std::string &HISTM_AUD_ENC = *new std::string("histmAudEnc");
-inline const std::string &HISTM_AUD_DEC = *new std::string("histmAudDec");
+/// Histogram channel of video encoding.
+inline const std::string HISTM_VID_ENC = "histmVidEnc";
+/// Histogram channel of video decoding.
+inline const std::string HISTM_VID_DEC = "histmVidDec";
+/// Histogram channel of audio encoding.
+inline const std::string HISTM_AUD_ENC = "histmAudEnc";
+/// Histogram channel of audio decoding.
+inline const std::string HISTM_AUD_DEC = "histmAudDec";
 
-// Service names.
-inline const std::string &DCAMERA_SERVICE_NAME = *new std::string("ohos.dhardware.dcamera");
-inline const std::string &DSCREEN_SERVICE_NAME = *new std::string("ohos.dhardware.dscreen");
-inline const std::string &DAUDIO_DMIC_SERVICE_NAME = *new std::string("ohos.dhardware.daudio.dmic");
-inline const std::string &DAUDIO_DSPEAKER_SERVICE_NAME = *new std::string("ohos.dhardware.daudio.dspeaker");
-inline const std::string &DCALL_DMIC_SERVICE_NAME = *new std::string("ohos.dhardware.dcall.dmic");
-inline const std::string &DCALL_DSPEAKER_SERVICE_NAME = *new std::string("ohos.dhardware.dcall.dspeaker");
+/// Service name of the camera; its package has the same name.
+inline const std::string DCAMERA_SERVICE_NAME = "ohos.dhardware.dcamera";
+/// Service name of the screen; its package has the same name.
+inline const std::string DSCREEN_SERVICE_NAME = "ohos.dhardware.dscreen";
+/// Service name of the microphone.
+inline const std::string DAUDIO_DMIC_SERVICE_NAME = "ohos.dhardware.daudio.dmic";
+/// Service name of the speaker.
+inline const std::string DAUDIO_DSPEAKER_SERVICE_NAME = "ohos.dhardware.daudio.dspeaker";
+/// Service name of the microphone in calls.
+inline const std::string DCALL_DMIC_SERVICE_NAME = "ohos.dhardware.dcall.dmic";
+/// Service name of the speaker in calls.
+inline const std::string DCALL_DSPEAKER_SERVICE_NAME = "ohos.dhardware.dcall.dspeaker";
 
-// Stream names.
-inline const std::string &DMIC_STREAM = *new std::string("dmic_stream");
-inline const std::string &DSCREEN_STREAM = *new std::string("dscreen_stream");
-inline const std::string &DSPEAKER_STREAM = *new std::string("dspeaker_stream");
-inline const std::string &DCAMERA_STREAM = *new std::string("dcamera_stream");
-inline const std::string &DCAMERA_PICTURE = *new std::string("dcamera_picture");
+/// Stream of the microphone.
+inline const std::string DMIC_STREAM = "dmic_stream";
+/// Stream of the screen.
+inline const std::string DSCREEN_STREAM = "dscreen_stream";
+/// Stream of the speaker.
+inline const std::string DSPEAKER_STREAM = "dspeaker_stream";
+/// Video stream of the camera.
+inline const std::string DCAMERA_STREAM = "dcamera_stream";
+/// Pictures of the camera.
+inline const std::string DCAMERA_PICTURE = "dcamera_picture";
 
-// Package names. Camera and screen have a service and a package of the same name.
-inline const std::string &DHARDWARE_PREFIX = *new std::string("ohos.dhardware");
-inline const std::string &DAUDIO_PKG_NAME = *new std::string("ohos.dhardware.daudio");
-inline const std::string &DCALL_PKG_NAME = *new std::string("ohos.dhardware.dcall");
-inline const std::string &DCAMERA_PKG_NAME = *new std::string("ohos.dhardware.dcamera");
-inline const std::string &DSCREEN_PKG_NAME = *new std::string("ohos.dhardware.dscreen");
+/// Prefix of all package names.
+inline const std::string DHARDWARE_PREFIX = "ohos.dhardware";
+/// Package name of audio.
+inline const std::string DAUDIO_PKG_NAME = "ohos.dhardware.daudio";
+/// Package name of calls.
+inline const std::string DCALL_PKG_NAME = "ohos.dhardware.dcall";
+/// Package name of the camera.
+inline const std::string DCAMERA_PKG_NAME = "ohos.dhardware.dcamera";
+/// Package name of the screen.
+inline const std::string DSCREEN_PKG_NAME = "ohos.dhardware.dscreen";
 
-// Formats of video and pictures.
-inline const std::string &MIME_VIDEO_RAW = *new std::string("video/raw");
-inline const std::string &MIME_VIDEO_AVC = *new std::string("video/avc");
-inline const std::string &MIME_VIDEO_HEVC = *new std::string("video/hevc");
-inline const std::string &PIXEL_FORMAT_NV12 = *new std::string("nv12");
-inline const std::string &PIXEL_FORMAT_NV21 = *new std::string("nv21");
-inline const std::string &PIXEL_FORMAT_JPEG = *new std::string("jpeg");
-inline const std::string &PIXEL_FORMAT_YUVI420 = *new std::string("yuvi420");
-inline const std::string &PIXEL_FORMAT_RGBA8888 = *new std::string("rgba8888");
+/// MIME type of uncompressed video.
+inline const std::string MIME_VIDEO_RAW = "video/raw";
+/// MIME type of H.264 video.
+inline const std::string MIME_VIDEO_AVC = "video/avc";
+/// MIME type of H.265 video.
+inline const std::string MIME_VIDEO_HEVC = "video/hevc";
+/// Pixel format NV12.
+inline const std::string PIXEL_FORMAT_NV12 = "nv12";
+/// Pixel format NV21.
+inline const std::string PIXEL_FORMAT_NV21 = "nv21";
+/// Pixel format JPEG.
+inline const std::string PIXEL_FORMAT_JPEG = "jpeg";
+/// Pixel format I420.
+inline const std::string PIXEL_FORMAT_YUVI420 = "yuvi420";
+/// Pixel format RGBA8888.
+inline const std::string PIXEL_FORMAT_RGBA8888 = "rgba8888";
 
-// Names of device types. Not every release of the framework names all of them, so they are written by value.
+/// Names of device types. Keys are values, since not every release of the framework has an enumerator for each.
 using DHTypeNames = std::unordered_map<DHType, std::string>;
-// The names in capitals.
-inline const DHTypeNames &DHTYPE_NAME_MAP = *new DHTypeNames{
+/// Names in capitals.
+inline const DHTypeNames DHTYPE_NAME_MAP = {
     {static_cast<DHType>(0x1), "CAMERA"},  {static_cast<DHType>(0x2), "AUDIO"},
     {static_cast<DHType>(0x8), "SCREEN"},  {static_cast<DHType>(0x10), "GPS"},
     {static_cast<DHType>(0x20), "INPUT"},  {static_cast<DHType>(0x40), "HFP"},
     {static_cast<DHType>(0x80), "A2D"},    {static_cast<DHType>(0x100), "VIRMODEM_AUDIO"},
     {static_cast<DHType>(0x200), "MODEM"},
 };
-// The names as people read them, for the types that are shown.
-inline const DHTypeNames &DHTYPE_DISPLAY_NAME_MAP = *new DHTypeNames{
+/// Names for display, of the types that are shown.
+inline const DHTypeNames DHTYPE_DISPLAY_NAME_MAP = {
     {static_cast<DHType>(0x1), "Camera"},
     {static_cast<DHType>(0x8), "Screen"},
     {static_cast<DHType>(0x20), "Input"},
 };
 
-// The queue of notifications that wait to be published, and the framework's SDK object.
+/// The process-wide queue of notifications, and the framework's SDK object.
+///
+/// AddWaitNotify and PublishMessage hold a lock, also while the framework is called: a listener must not call either
+/// from OnMessage, nor wait there for a thread that does. GetInstance, AddWaitNotify and PublishMessage throw
+/// std::bad_alloc if a string cannot be allocated; the queue is then unchanged, and the context remains usable.
 class OstraContext {
 public:
-    // The one context, made on the first call and never destroyed.
+    /// Returns the only context, which is created by the first call and never destroyed.
     OSTRA_EXPORT static OstraContext &GetInstance();
 
     OstraContext(const OstraContext &) = delete;
     OstraContext &operator=(const OstraContext &) = delete;
 
-    // Queues `event` for the device, in place of any earlier one that was not published yet. Nothing is validated:
-    // empty texts are queued as well. Texts go into the notification up to their first zero byte.
+    /// Queues `event` for the device `devId`, replacing an earlier one that is not published yet.
+    ///
+    /// Nothing is validated: empty strings are queued as well. The notification contains strings up to their first NUL.
     OSTRA_EXPORT void AddWaitNotify(const std::string &devId, const std::string &event);
 
-    // Publishes the queued notifications on topic 8, in ascending byte order of device id, each as the compact JSON
-    // object {"dev_id":...,"isomerism_event":...}, then empties the queue. When such an object cannot be made for want
-    // of memory, an error is logged and the queue stays as it was, so that the next call publishes all of it, including
-    // what has gone out already. What the framework returns is not looked at.
+    /// Publishes the queued notifications on topic 8 and empties the queue.
+    ///
+    /// Each notification is the compact JSON object {"dev_id":...,"isomerism_event":...}; they are published in
+    /// ascending byte order of device id. The framework's results are ignored.
+    ///
+    /// If cJSON cannot allocate a notification, an error is logged and the queue is unchanged: the next call publishes
+    /// all of it, including what was published already. The same holds if a listener throws; the exception propagates.
     OSTRA_EXPORT void PublishMessage();
 
-    // The framework's SDK object, shared with the context; never null. Takes no lock.
+    /// Returns the framework's SDK object, shared with the context; never null. Takes no lock.
     OSTRA_EXPORT std::shared_ptr<DistributedHardwareFwkKit> GetDHFwkKit();
 
 private:

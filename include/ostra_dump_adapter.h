@@ -1,8 +1,14 @@
 /* SPDX-License-Identifier: Apache-2.0
+ */
+
+/** @file
+ * C function for stream dumps.
  *
- * Plain-name entry to the stream dump, for callers without the class interface. A C compiler accepts this header.
- * OstraDump::Init and UnInit, which the host calls in C++, must not run while a thread is in here. When memory runs
- * out, std::bad_alloc crosses the entry: build C callers with -fexceptions where they must unwind.
+ *     DumpStreamData("mic.pcm", data, size);      // after OstraDump::GetInstance().Init() in C++
+ *
+ * **Needs C++ first:** nothing is written until the host calls OstraDump::Init (ostra_dump.h) in C++. Init and UnInit
+ * must not run during a call. Thread-safe for different files. Throws std::bad_alloc if allocation fails: compile C
+ * callers with -fexceptions if they must unwind. Compiles as C and C++.
  */
 
 #ifndef OSTRA_DUMP_ADAPTER_H
@@ -14,9 +20,10 @@
 extern "C" {
 #endif
 
-/* Dumps `size` bytes to the file `fileName`, a name without a folder, which must not be null: see
- * OstraDump::DumpStreamData. Writes nothing unless the host has switched dumping on with OstraDump::Init. Any thread
- * may call it, each file from one at a time. */
+/** Writes `size` bytes to the dump `fileName`, a name without directory; see OstraDump::DumpStreamData.
+ *
+ * `fileName` must not be null. Writes nothing while dumps are off.
+ */
 OSTRA_EXPORT void DumpStreamData(const char *fileName, const unsigned char *data, int size);
 
 #ifdef __cplusplus

@@ -1,14 +1,16 @@
 /* SPDX-License-Identifier: Apache-2.0
+ */
+
+/** @file
+ * The mark of exported functions. Compiles as C and C++.
  *
- * OSTRA_EXPORT marks what the shared library shows to its users. Everything else is built hidden; the version script
- * libostra_adapter_utils.map holds the exported interface to the library's namespace and its plain-name entries.
- * A C compiler accepts this header.
+ * Everything else has hidden visibility. The version script libostra_adapter_utils.map limits the exports, too.
  */
 
 #ifndef OSTRA_EXPORT_H
 #define OSTRA_EXPORT_H
 
-/* Stands before each function that the library shows. */
+/** Precedes each function that the shared library exports. */
 #define OSTRA_EXPORT __attribute__((visibility("default")))
 
 #endif /* OSTRA_EXPORT_H */

@@ -1,14 +1,15 @@
 /* SPDX-License-Identifier: Apache-2.0
- *
- * Plain-name entries to the platform's thread QoS and authorisation services, for callers without the class interface.
+ */
+
+/** @file
+ * C functions for thread QoS and process authorisation. They need no C++ first.
  *
  *     SetQos(level, tid);      // in C++: (int32_t)OHOS::QOS::QosLevel::QOS_USER_INITIATED, with qos.h
  *     ...
  *     ResetQos(tid);
  *
- * They forward and nothing else: no validation, no log. Any thread may call them at any time. A C compiler accepts this
- * header; qos.h, with the names of the levels, is for C++ alone. When memory runs out in RequestAuth, std::bad_alloc
- * crosses it: build C callers with -fexceptions where they must unwind.
+ * They pass their arguments to the platform, without validation or log. Thread-safe. Compiles as C and C++; qos.h, with
+ * the names of the levels, is C++ only. Compile C callers with -fexceptions if they must unwind exceptions.
  */
 
 #ifndef OSTRA_QOS_ADAPTER_H
@@ -22,14 +23,25 @@
 extern "C" {
 #endif
 
-/* Asks for the QoS level of a thread of this process, by its thread id. The level is the platform's number (QosLevel).
- * Returns the platform's result as it is. */
+/** Sets the QoS level of a thread of this process.
+ *
+ * `level` is the number of an OHOS::QOS::QosLevel, `tid` a thread id. Returns the platform's result: 0 for success. On
+ * the host, throws std::bad_alloc if the level cannot be recorded; the thread may already be scheduled by it.
+ */
 OSTRA_EXPORT int32_t SetQos(int32_t level, int32_t tid);
 
-/* Takes back what SetQos asked for. Returns the platform's result as it is. */
+/** Removes the QoS level of a thread.
+ *
+ * Returns the platform's result: 0 for success. On the host, the first call of SetQos or ResetQos in a process throws
+ * std::bad_alloc if allocation fails.
+ */
 OSTRA_EXPORT int32_t ResetQos(int32_t tid);
 
-/* Asks for authorisation of a process, named by its id as a text; it must not be null and is passed on as it is. */
+/** Requests authorisation of a process.
+ *
+ * `pid` is the process id in decimal; it must not be null and is passed on as it is. Throws std::bad_alloc if
+ * allocation fails.
+ */
 OSTRA_EXPORT void RequestAuth(const char *pid);
 
 #ifdef __cplusplus

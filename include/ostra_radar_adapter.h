@@ -1,9 +1,15 @@
 /* SPDX-License-Identifier: Apache-2.0
+ */
+
+/** @file
+ * C functions for system events about the steps of the adapter's work.
  *
- * Plain-name entries to the business-flow events, for callers without the class interface. Any thread may call them at
- * once, but not while another one is in OstraRadar::SetCurBusinessId or SetProcessName, which the host calls before, in
- * C++. A C compiler accepts this header. When memory runs out, std::bad_alloc crosses the entries: build C callers with
- * -fexceptions where they must unwind.
+ *     RadarWrite(__func__, result, "dsoftbus");
+ *
+ * **Need C++ first:** the events have business id -1 and no host package until the host calls
+ * OstraRadar::SetCurBusinessId or SetProcessName (ostra_radar.h) in C++; neither must run during a call. Otherwise
+ * thread-safe. Throw std::bad_alloc if allocation fails: compile C callers with -fexceptions if they must unwind.
+ * Compiles as C and C++.
  */
 
 #ifndef OSTRA_RADAR_ADAPTER_H
@@ -15,11 +21,14 @@
 extern "C" {
 #endif
 
-/* Reports the connect step (OstraRadar::ConnectDeviceRes): the reporting function, its error code, 0 for success, and
- * the called package. Neither text may be null. */
+/** Reports the connection of a device; see OstraRadar::ConnectDeviceRes.
+ *
+ * `funcName` is the reporting function, `errCode` 0 for success or any other value for failure, `toCallPkg` the called
+ * package. Neither string may be null.
+ */
 OSTRA_EXPORT void RadarWrite(const char *funcName, int errCode, const char *toCallPkg);
 
-/* Reports the update step (OstraRadar::UpdateRes) in the same way. */
+/** Reports the update of a device; see OstraRadar::UpdateRes. The arguments are those of RadarWrite. */
 OSTRA_EXPORT void UpdateRes(const char *funcName, int errCode, const char *toCallPkg);
 
 #ifdef __cplusplus

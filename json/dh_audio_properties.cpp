@@ -10,7 +10,7 @@ namespace {
 
 constexpr char CAPABILITIES_KEY[] = "2102";
 constexpr char DEFAULT_PROFILE[] = "48000,2,16;";
-constexpr size_t MAX_HELD_ENTRIES = 1000;
+constexpr size_t MAX_ENTRIES = 1000;
 constexpr uint32_t KNOWN_CODECS = 3;  // codes 0, 1 and 2; the bit of a code is 1 << code
 
 struct CodeMeaning {
@@ -81,7 +81,7 @@ int32_t DHOSTRAAudioProperties::UnmarshalAudioCapablities(const std::string &tex
         OSTRA_LOGE("DHOSTRAAudioProperties UnmarshalAudioCapablities audioCapablitiesStr is null");
         return OSTRA_JSON_INPUT_INVALID;
     }
-    if (profiles_.size() > MAX_HELD_ENTRIES || codecs_.size() > MAX_HELD_ENTRIES) {
+    if (profiles_.size() > MAX_ENTRIES || codecs_.size() > MAX_ENTRIES) {
         OSTRA_LOGE("profiles_ or codecs_ too large");
         return OSTRA_JSON_INPUT_INVALID;
     }
@@ -166,7 +166,7 @@ void DHOSTRAAudioProperties::UpdataAudioCodec()
 void DHOSTRAAudioProperties::UpdateAudioProfiles()
 {
     if (profiles_.empty()) {
-        OSTRA_LOGE("DHOSTRAAudioProperties UpdataAudioCodec profiles is empty");  // names the codec step: kept
+        OSTRA_LOGE("DHOSTRAAudioProperties UpdataAudioCodec profiles is empty");
         audioProfiles_ += DEFAULT_PROFILE;
         return;
     }
@@ -195,19 +195,19 @@ int32_t DHOSTRAAudioProperties::AudioFormatConvert(int32_t format) const
 
 std::string DHOSTRAAudioProperties::String() const
 {
-    std::string text =
+    std::string description =
         "serviceStatus: " + std::to_string(serviceStatus_) + " audioSampleRates: " + std::to_string(audioSampleRates_) +
         " audioFormat: " + std::to_string(audioFormat_) + " audioChannelMask: " + std::to_string(audioChannelMask_) +
         " audioCapablities: " + audioCapablities_ + " codecs: [";
     for (uint32_t codec : codecs_) {
-        text += std::to_string(codec) + ", ";
+        description += std::to_string(codec) + ", ";
     }
-    text += "] profiles: [";
+    description += "] profiles: [";
     for (const AudioProfile &profile : profiles_) {
-        text += "[" + std::to_string(profile.sampleRate) + ", " + std::to_string(profile.channel) + ", " +
-                std::to_string(profile.format) + "] }";
+        description += "[" + std::to_string(profile.sampleRate) + ", " + std::to_string(profile.channel) + ", " +
+                       std::to_string(profile.format) + "] }";
     }
-    return text;
+    return description;
 }
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

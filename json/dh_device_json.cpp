@@ -2,7 +2,7 @@
 
 #include "dh_device_json.h"
 
-#include "json_reading.h"
+#include "json_object.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
 
@@ -42,15 +42,15 @@ int32_t DHOSTRADeviceJson::AddProperties()
     for (const ServiceType &service : SERVICE_TYPES) {
         versionMapRoot.AddNumber(service.key, GetVersionByService(service.type));
     }
-    const JsonText versionMap = versionMapRoot.Print();
+    const JsonString versionMap = versionMapRoot.Print();
     if (versionMap == nullptr) {
         OSTRA_LOGE("DHOSTRADeviceJson AddProperties failed, cJSON versionMapRoot is nullptr");
         return OSTRA_JSON_CREATE_FAILED;
     }
-    // The peer parses the table a second time: it is a JSON text inside a string, not an object.
+    // The peer parses the table a second time: it is a JSON document inside a string, not an object.
     JsonObject supportVersionRoot;
     supportVersionRoot.AddString(SUPPORTED_VERSIONS_KEY, versionMap.get());
-    const JsonText supportVersion = supportVersionRoot.Print();
+    const JsonString supportVersion = supportVersionRoot.Print();
     if (supportVersion == nullptr) {
         OSTRA_LOGE("DHOSTRADeviceJson AddProperties failed, cJSON supportVersionRoot is nullptr");
         return OSTRA_JSON_CREATE_FAILED;
@@ -81,14 +81,13 @@ int32_t DHOSTRADeviceJson::Marshal(std::string &out)
     document.AddBool("tavoniTv", tavoniTv_);
     if (!document.IsNull()) {
         JsonTree properties(cJSON_Parse(properties_.c_str()));
-        // A text whose braces are closed, as AddProperties writes it, parses unless memory runs out.
-        if (properties == nullptr && NestingOf(properties_.c_str()) != JsonNesting::CLOSED) {
+        if (properties == nullptr) {
             OSTRA_LOGE("cJSON_Parse failed");
             properties.reset(cJSON_CreateStringReference(properties_.c_str()));
         }
         document.Add("properties", std::move(properties));
     }
-    const JsonText text = document.Print();
+    const JsonString text = document.Print();
     if (text == nullptr) {
         OSTRA_LOGE("DHOSTRADeviceJson Marshal failed, cJSON jsonObj is nullptr");
         return OSTRA_JSON_CREATE_FAILED;

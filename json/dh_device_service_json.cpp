@@ -9,7 +9,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-void TakeString(const cJSON *root, const char *key, std::string &member)
+void ReadString(const cJSON *root, const char *key, std::string &member)
 {
     const cJSON *item = cJSON_GetObjectItem(root, key);
     if (cJSON_IsString(item) != 0 && item->valuestring != nullptr) {
@@ -17,14 +17,14 @@ void TakeString(const cJSON *root, const char *key, std::string &member)
     }
 }
 
-// Takes an object as its compact text. Returns false when it cannot be printed.
-bool TakeObject(const cJSON *root, const char *key, std::string &member)
+// Reads an object as compact JSON. Returns false if it cannot be printed.
+bool ReadObject(const cJSON *root, const char *key, std::string &member)
 {
     const cJSON *item = cJSON_GetObjectItem(root, key);
     if (cJSON_IsObject(item) == 0) {
         return true;
     }
-    const JsonText text(cJSON_PrintUnformatted(item));
+    const JsonString text(cJSON_PrintUnformatted(item));
     if (text == nullptr) {
         return false;
     }
@@ -51,14 +51,14 @@ int32_t DHOSTRADeviceServiceJson::Unmarshal(const std::string &in)
         OSTRA_LOGE("Failed to unmarshal DHOSTRADeviceServiceJson.");
         return OSTRA_JSON_INPUT_INVALID;
     }
-    TakeString(root.get(), "deviceId", deviceId_);
-    TakeString(root.get(), "deviceName", deviceName_);
+    ReadString(root.get(), "deviceId", deviceId_);
+    ReadString(root.get(), "deviceName", deviceName_);
     const cJSON *serviceType = cJSON_GetObjectItem(root.get(), "serviceType");
     if (cJSON_IsNumber(serviceType) != 0) {
         serviceType_ = serviceType->valueint;
     }
-    TakeString(root.get(), "serviceId", serviceId_);
-    if (!TakeObject(root.get(), "properties", properties_) || !TakeObject(root.get(), "status", status_)) {
+    ReadString(root.get(), "serviceId", serviceId_);
+    if (!ReadObject(root.get(), "properties", properties_) || !ReadObject(root.get(), "status", status_)) {
         OSTRA_LOGE("DHOSTRADeviceServiceJson Unmarshal failed, cJSON_PrintUnformatted failed");
         return OSTRA_JSON_INPUT_INVALID;
     }

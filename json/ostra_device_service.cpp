@@ -46,13 +46,13 @@ int32_t OSTRADeviceService::PackServiceData(std::vector<uint8_t> &out) const
         return OSTRA_JSON_CREATE_FAILED;
     }
     document.AddObject("status", std::move(status));
-    const JsonText text = document.PrintUnformatted();
+    const JsonString text = document.PrintUnformatted();
     if (text == nullptr) {
         OSTRA_LOGE("OSTRADeviceService PackServiceData failed, cJSON jsonObject is nullptr");
         return OSTRA_JSON_CREATE_FAILED;
     }
     const size_t length = std::strlen(text.get());
-    out.reserve(length);  // assign alone may give up the old bytes before it has room for the new ones
+    out.reserve(length);  // assign may free the old bytes before it allocates the new ones
     out.assign(text.get(), text.get() + length);
     return OSTRA_JSON_SUCCESS;
 }

@@ -20,11 +20,11 @@ constexpr int MAX_EA_VALUE = 0x0FFFFFFF;
 constexpr int MAX_EA_LENGTH = 4;
 constexpr int EA_GROUP_BITS = 7;
 constexpr uint32_t EA_GROUP_MASK = 0x7F;
-constexpr uint8_t EA_END_MARK = 0x80;
+constexpr uint8_t EA_STOP_BIT = 0x80;
 
-constexpr bool HasEndMark(uint8_t byte)
+constexpr bool HasStopBit(uint8_t byte)
 {
-    return (byte & EA_END_MARK) != 0;
+    return (byte & EA_STOP_BIT) != 0;
 }
 
 using EncodedEA = std::array<uint8_t, MAX_EA_LENGTH>;
@@ -36,7 +36,7 @@ int EncodeEA(uint32_t value, EncodedEA &ea)
     while (length < MAX_EA_LENGTH) {
         const auto group = static_cast<uint8_t>(value & EA_GROUP_MASK);
         value >>= EA_GROUP_BITS;
-        ea[static_cast<size_t>(length++)] = value == 0 ? group | EA_END_MARK : group;
+        ea[static_cast<size_t>(length++)] = value == 0 ? group | EA_STOP_BIT : group;
         if (value == 0) {
             break;
         }
@@ -44,7 +44,7 @@ int EncodeEA(uint32_t value, EncodedEA &ea)
     return length;
 }
 
-// Reads the groups of bytes[begin .. end-1]; a field that stops without an end mark ends at `end`.
+// Reads the groups of bytes[begin .. end-1]; a field without a stop bit ends at `end`.
 UnPackagedEA DecodeEA(const uint8_t *bytes, int begin, int end)
 {
     UnPackagedEA ea;
@@ -52,7 +52,7 @@ UnPackagedEA DecodeEA(const uint8_t *bytes, int begin, int end)
     for (int shift = 0; ea.offset < end; shift += EA_GROUP_BITS) {
         const uint8_t group = bytes[ea.offset++];
         ea.value |= (group & EA_GROUP_MASK) << shift;
-        if (HasEndMark(group)) {
+        if (HasStopBit(group)) {
             break;
         }
     }
@@ -69,11 +69,11 @@ bool ChannelProtocol::Create(int eaValue, int contentSize)
     }
     EncodedEA ea{};
     const int eaLength = EncodeEA(static_cast<uint32_t>(eaValue), ea);
+    protocolBuffer_ = nullptr;
     if (contentSize > INT_MAX - eaLength) {
         return false;
     }
     const int size = contentSize + eaLength;
-    protocolBuffer_ = nullptr;
     std::unique_ptr<unsigned char[]> frame(new (std::nothrow) unsigned char[static_cast<size_t>(size)]);
     if (frame == nullptr) {
         return false;
@@ -147,13 +147,13 @@ bool ChannelProtocol::ReadEA(UnPackagedEA &ea, int offset)
 
 bool ChannelProtocol::HasEA(unsigned char byte)
 {
-    return HasEndMark(byte);
+    return HasStopBit(byte);
 }
 
 uint32_t ChannelProtocol::GetCrc(unsigned char *data, int length) const
 {
     const bool isEmpty = data == nullptr || length < 1;
-    const uint32_t crc = isEmpty ? 0 : Crc16(0, data, static_cast<size_t>(length));
+    const uint32_t crc = isEmpty ? 0 : Crc16(data, static_cast<size_t>(length));
     OSTRA_LOGI("ChannelProtocol::GetCrc: getCrc16:%s", GetAnonyString(std::to_string(crc)).c_str());
     return crc;
 }

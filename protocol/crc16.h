@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// CRC-16/ARC (reflected polynomial 0xA001, start value 0) in three methods of equal results, fastest last. Each takes
-// the CRC of the bytes before, 0 for none, and returns that of all, so that a text may be taken in pieces:
+// CRC-16/ARC: reflected polynomial 0xA001, start value 0; "123456789" gives 0xBB3D.
 //
-//     Crc16(Crc16(0, head, headLength), tail, tailLength)
+//     uint16_t crc = Crc16(head, headLength);
+//     crc = ExtendCrc16(crc, tail, tailLength);   // equals Crc16 of head and tail
 //
-// Inside the library only. Any length is fine, null data only with length 0. Everything here may be called from any
-// thread at once.
+// `data` may be null if `length` is 0. Thread-safe.
 
 #ifndef CRC16_H
 #define CRC16_H
@@ -16,21 +15,14 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// By the fastest method that this processor has for `length` bytes.
-uint16_t Crc16(uint16_t crc, const uint8_t *data, size_t length);
+// Returns the CRC of the concatenation of some bytes, whose CRC is `crc`, and data[0 .. length-1].
+uint16_t ExtendCrc16(uint16_t crc, const uint8_t *data, size_t length);
 
-// One table look-up a byte.
-uint16_t Crc16ByBytes(uint16_t crc, const uint8_t *data, size_t length);
-
-// Sixteen look-ups, which do not wait for each other, for sixteen bytes.
-uint16_t Crc16ByTables(uint16_t crc, const uint8_t *data, size_t length);
-
-// Carry-less multiplication of 64 bytes a step. Only where HasCarryLessMultiplication; elsewhere it is Crc16ByTables,
-// or an instruction that the processor does not know.
-uint16_t Crc16ByFolding(uint16_t crc, const uint8_t *data, size_t length);
-
-// Whether this processor multiplies without carries: PCLMULQDQ on x86-64, PMULL on 64-bit Arm.
-bool HasCarryLessMultiplication();
+// Returns the CRC of data[0 .. length-1].
+inline uint16_t Crc16(const uint8_t *data, size_t length)
+{
+    return ExtendCrc16(0, data, length);
+}
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Audio capabilities from a peer. One object reads the lines of the input, one after the other: each as a properties
-// object, and as the capability text of a service document.
+// Audio capabilities from a peer. One object reads the lines of the input one after the other: each as a properties
+// document, and as the capability string of a service document.
 
 #include "dh_device_json.h"
 #include "fuzz_target.h"
@@ -12,7 +12,7 @@ namespace {
 using namespace Fuzz;
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
-constexpr size_t MOST_HELD = 1000;
+constexpr size_t MAX_ENTRIES = 1000;
 constexpr int32_t STEP_FAILED = -70004;
 
 int32_t NumberOf(const cJSON *object, const char *name)
@@ -30,7 +30,7 @@ const cJSON *ArrayOf(const JsonTree &tree, const char *name)
 int32_t ReadCapabilities(const std::string &text, DHOSTRAAudioProperties &record)
 {
     const JsonTree tree = Parse(text);
-    if (tree == nullptr || record.codecs_.size() > MOST_HELD || record.profiles_.size() > MOST_HELD) {
+    if (tree == nullptr || record.codecs_.size() > MAX_ENTRIES || record.profiles_.size() > MAX_ENTRIES) {
         return INPUT_INVALID;
     }
     const cJSON *item = nullptr;
@@ -91,15 +91,15 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     DHOSTRAAudioProperties record;
     DHOSTRADeviceServiceJson service;
     DHOSTRAAudioProperties &audio = service.audioProperties_;
-    record.audioCodecType_ = audio.audioCodecType_ = 8;  // goes with the first derivation without a codec
-    for (int i = 0; i < MOST_LINES && !input.empty(); ++i) {
+    record.audioCodecType_ = audio.audioCodecType_ = 8;  // cleared by the first derivation without a codec
+    for (int i = 0; i < MAX_LINES && !input.empty(); ++i) {
         const std::string line = TakeLine(input);
         service.Unmarshal("{\"properties\":{\"2102\":" + Quote(line) + "}}");
         for (const std::string &properties : {line, service.properties_}) {
-            Hold("result of Unmarshal", Read(properties, record), audio.Unmarshal(properties));
-            Hold("String", record.String(), audio.String());  // shows the texts and lists that were read
-            Hold("audioCodecType_", record.audioCodecType_, audio.audioCodecType_);
-            Hold("audioProfiles_", record.audioProfiles_, audio.audioProfiles_);
+            ExpectEqual("result of Unmarshal", Read(properties, record), audio.Unmarshal(properties));
+            ExpectEqual("String", record.String(), audio.String());  // contains the strings and lists that were read
+            ExpectEqual("audioCodecType_", record.audioCodecType_, audio.audioCodecType_);
+            ExpectEqual("audioProfiles_", record.audioProfiles_, audio.audioProfiles_);
         }
     }
     return 0;

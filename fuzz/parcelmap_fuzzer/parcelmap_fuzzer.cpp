@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A parcel from another process, read into a map that holds entries already; and a map that is written.
+// A parcel from another process, read into a map that already has entries; and a map that is written.
 
 #include <cstring>
 #include <map>
@@ -16,8 +16,8 @@ using namespace Fuzz;
 using OHOS::MessageParcel;
 using OHOS::DistributedHardware::OstraAdapter::IpcUtils;
 
-constexpr size_t MOST_ENTRIES = 10000;
-constexpr size_t LONGEST_KEY = 100;
+constexpr size_t MAX_ENTRIES = 10000;
+constexpr size_t MAX_KEY_LENGTH = 100;
 constexpr size_t UNIT = 4;
 
 using Map = std::map<int32_t, std::string>;
@@ -25,14 +25,14 @@ using Map = std::map<int32_t, std::string>;
 bool IsKey(const std::string &text)
 {
     static const std::regex number("[-+]?[0-9]+");
-    if (text.size() > LONGEST_KEY || !std::regex_match(text, number)) {
+    if (text.size() > MAX_KEY_LENGTH || !std::regex_match(text, number)) {
         return false;
     }
     const long long key = std::strtoll(text.c_str(), nullptr, 10);
     return key >= INT32_MIN && key <= INT32_MAX;
 }
 
-// A number of 4 bytes, lowest first; 0 when they are not all there.
+// A little-endian number of 4 bytes; 0 if fewer are left.
 size_t TakeUnit(std::string &bytes)
 {
     uint32_t number = 0;
@@ -43,11 +43,11 @@ size_t TakeUnit(std::string &bytes)
     return number;
 }
 
-// Takes a map off the front of the bytes of a parcel.
+// Reads a map from the front of the bytes of a parcel.
 bool Read(std::string &bytes, Map &params)
 {
     const size_t count = TakeUnit(bytes);
-    for (size_t i = 0; count <= MOST_ENTRIES && i < count; ++i) {
+    for (size_t i = 0; count <= MAX_ENTRIES && i < count; ++i) {
         const size_t length = bytes.size() < UNIT ? UNIT : TakeUnit(bytes);
         if (length >= bytes.size() || bytes[length] != '\0') {
             return false;
@@ -58,7 +58,7 @@ bool Read(std::string &bytes, Map &params)
             params[std::stoi(key)] = entry.substr(key.size() + 1);
         }
     }
-    return count <= MOST_ENTRIES;
+    return count <= MAX_ENTRIES;
 }
 
 std::string Shown(const Map &params)
@@ -70,7 +70,7 @@ std::string Shown(const Map &params)
     return lines;
 }
 
-// The entries that a map holds are kept or replaced.
+// Existing entries of the map are kept or replaced.
 std::string CheckUnMarshalling(std::string bytes, Map expected)
 {
     void *block = std::malloc(bytes.size() + 1);  // the parcel frees it
@@ -79,9 +79,9 @@ std::string CheckUnMarshalling(std::string bytes, Map expected)
     parcel.ParseFrom(reinterpret_cast<uintptr_t>(block), bytes.size());
     Map params = expected;
     const bool isWhole = Read(bytes, expected);
-    Hold("result of UnMarshalling", isWhole, IpcUtils::UnMarshalling(parcel, params));
-    Hold("map that was read", Shown(expected), Shown(params));
-    Hold("bytes left", isWhole ? bytes.size() : parcel.GetReadableBytes(), parcel.GetReadableBytes());
+    ExpectEqual("result of UnMarshalling", isWhole, IpcUtils::UnMarshalling(parcel, params));
+    ExpectEqual("map after UnMarshalling", Shown(expected), Shown(params));
+    ExpectEqual("readable bytes", isWhole ? bytes.size() : parcel.GetReadableBytes(), parcel.GetReadableBytes());
     return Shown(params);
 }
 
@@ -94,12 +94,12 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Map params;
     while (!input.empty()) {
         const int32_t key = TakeNumber(input);
-        params[key] = TakeText(input);
+        params[key] = TakeString(input);
     }
     MessageParcel parcel;
-    Hold("result of Marshalling", true, IpcUtils::Marshalling(parcel, params));
+    ExpectEqual("result of Marshalling", true, IpcUtils::Marshalling(parcel, params));
     const auto *written = reinterpret_cast<const char *>(parcel.GetData());  // NOLINT(performance-no-int-to-ptr)
     const std::string bytes(written, parcel.GetDataSize());
-    Hold("map that was written", Shown(params), CheckUnMarshalling(bytes, {}));
+    ExpectEqual("map after a round trip", Shown(params), CheckUnMarshalling(bytes, {}));
     return 0;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Service documents from a peer: one object reads the lines of the input, one after the other. A device document to a
-// peer: its members are pieces of the input.
+// Service documents from a peer: one object reads the lines of the input one after the other. And a device document to
+// a peer, whose members are taken from the input.
 
 #include <utility>
 
@@ -40,18 +40,18 @@ int32_t Read(const std::string &document, DHOSTRADeviceServiceJson &record)
 void CheckDeviceDocument(std::string input)
 {
     DHOSTRADeviceJson device;
-    Hold("port_ at first", -1, device.port_);
+    ExpectEqual("initial port_", -1, device.port_);
     std::string expected = "{\n";
     const auto add = [&expected](const char *key, const std::string &value) {
         expected += std::string("\t\"") + key + "\":\t" + value + ",\n";
     };
-    add("deviceId", Quote(device.deviceId_ = TakeText(input)));
-    add("deviceName", Quote(device.deviceName_ = TakeText(input)));
+    add("deviceId", Quote(device.deviceId_ = TakeString(input)));
+    add("deviceName", Quote(device.deviceName_ = TakeString(input)));
     add("deviceType", Show(device.deviceType_ = static_cast<uint32_t>(TakeNumber(input))));
-    add("bluetoothMac", Quote(device.bluetoothMac_ = TakeText(input)));
-    add("btName", Quote(device.btName_ = TakeText(input)));
-    add("localIp", Quote(device.localIp_ = TakeText(input)));
-    add("remoteIp", Quote(device.remoteIp_ = TakeText(input)));
+    add("bluetoothMac", Quote(device.bluetoothMac_ = TakeString(input)));
+    add("btName", Quote(device.btName_ = TakeString(input)));
+    add("localIp", Quote(device.localIp_ = TakeString(input)));
+    add("remoteIp", Quote(device.remoteIp_ = TakeString(input)));
     add("port", Show(device.port_ = TakeNumber(input)));
     add("businessId", Show(device.businessId_ = static_cast<uint32_t>(TakeNumber(input))));
     for (const auto &[key, flag] : {std::pair("supportMic", &device.supportMic_),
@@ -62,13 +62,13 @@ void CheckDeviceDocument(std::string input)
     }
     const std::string versions = "\"2016\":\t" + Quote(VERSIONS) + "\n";
     expected += "\t\"properties\":\t{\n\t\t" + versions + "\t}\n}";
-    device.reserved_ = device.properties_ = TakeText(input);
+    device.reserved_ = device.properties_ = TakeString(input);
     std::string document = "earlier";
-    Hold("result of Marshal", 0, device.Marshal(document));
-    Hold("device document", expected, document);
-    Hold("properties_ after Marshal", "{\n\t" + versions + "}", device.properties_);
+    ExpectEqual("result of Marshal", 0, device.Marshal(document));
+    ExpectEqual("device document", expected, document);
+    ExpectEqual("properties_ after Marshal", "{\n\t" + versions + "}", device.properties_);
     const int32_t service = TakeNumber(input);
-    Hold("GetVersionByService", service == 2 || service == 4 ? 2 : 1, device.GetVersionByService(service));
+    ExpectEqual("GetVersionByService", service == 2 || service == 4 ? 2 : 1, device.GetVersionByService(service));
 }
 
 }  // namespace
@@ -79,15 +79,15 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     CheckDeviceDocument(input);
     DHOSTRADeviceServiceJson record;
     DHOSTRADeviceServiceJson service;
-    for (int i = 0; i < MOST_LINES && !input.empty(); ++i) {
+    for (int i = 0; i < MAX_LINES && !input.empty(); ++i) {
         const std::string document = TakeLine(input);
-        Hold("result of Unmarshal", Read(document, record), service.Unmarshal(document));
-        Hold("deviceId_", record.deviceId_, service.deviceId_);
-        Hold("deviceName_", record.deviceName_, service.deviceName_);
-        Hold("serviceId_", record.serviceId_, service.serviceId_);
-        Hold("serviceType_", record.serviceType_, service.serviceType_);
-        Hold("properties_", record.properties_, service.properties_);
-        Hold("status_", record.status_, service.status_);
+        ExpectEqual("result of Unmarshal", Read(document, record), service.Unmarshal(document));
+        ExpectEqual("deviceId_", record.deviceId_, service.deviceId_);
+        ExpectEqual("deviceName_", record.deviceName_, service.deviceName_);
+        ExpectEqual("serviceId_", record.serviceId_, service.serviceId_);
+        ExpectEqual("serviceType_", record.serviceType_, service.serviceType_);
+        ExpectEqual("properties_", record.properties_, service.properties_);
+        ExpectEqual("status_", record.status_, service.status_);
     }
     return 0;
 }

@@ -185,6 +185,16 @@ TEST_F(Context, FailedAllocationKeepsTheWholeQueue)
     });
 }
 
+TEST_F(Context, ReleasesAllJsonBeforeItCallsTheFramework)
+{
+    const JsonFault json;
+    g_whilePublishing = [](const std::string & /* message */) {
+        EXPECT_EQ(JsonFault::LiveBlocks(), 0);
+    };
+    context_.AddWaitNotify("A", "1");
+    Unrecorded([this] { context_.PublishMessage(); });
+}
+
 TEST_F(Context, WhatIsQueuedWhilePublishingGoesOutWithTheNextCall)
 {
     std::future<void> queuing;

@@ -78,6 +78,10 @@ TEST_F(Frame, AsksForNoMoreMemoryThanASizeCanTell)
     };
     SHOW(asksFor(5, INT_MAX - 1), asksFor(5, INT_MAX));
     SHOW(asksFor(-1, INT_MAX - 4), asksFor(-1, INT_MAX - 3));
+    ASSERT_TRUE(frame.Create(5, 0));
+    const std::unique_ptr<unsigned char[]> earlier(frame.GetBuffer());
+    asksFor(5, INT_MAX);
+    EXPECT_EQ(frame.GetBuffer(), nullptr);
 }
 
 TEST_F(Frame, TurnsAFailedAllocationOrCopyIntoFalse)

@@ -257,7 +257,8 @@ TEST_F(Connection, OrdersByTheBytesOfItsKey)
 TEST_F(Connection, IsCopiedWholeIntoADevice)
 {
     DHConnectInfo info = MakeConnection();
-    const DHConnectDevice device(-7, static_cast<DHBusinessId>(0xFFFFFFFF), static_cast<DHChannelType>(3), info);
+    const DHConnectDevice device(-7, static_cast<DHBusinessId>(0xFFFFFFFF), static_cast<DHChannelType>(0xFFFFFFFE),
+                                 info);
     info = {};
     SHOW(info.port);
     SHOW(device.sessionId, static_cast<uint32_t>(device.businessId), static_cast<uint32_t>(device.channelType));

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "../../protocol/crc16_internal.h"
+
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
@@ -52,9 +54,11 @@ void Check(Method method)
 
 TEST(Crc16, EqualsTheDefinitionByEveryMethod)
 {
-    const Method fastest = HasCarryLessMultiplication() ? Crc16ByFolding : Crc16;
-    for (const Method method : {Crc16ByBytes, Crc16ByTables, Crc16, fastest}) {
-        SCOPED_TRACE(method == Crc16ByBytes ? "bytes" : method == Crc16ByTables ? "tables" : "chosen or folding");
+    const Method fastest = HasCarryLessMultiplication() ? ExtendCrc16ByFolding : ExtendCrc16;
+    for (const Method method : {ExtendCrc16ByByte, ExtendCrc16ByTables, ExtendCrc16, fastest}) {
+        SCOPED_TRACE(method == ExtendCrc16ByByte     ? "bytes"
+                     : method == ExtendCrc16ByTables ? "tables"
+                                                     : "chosen or folding");
         Check(method);
     }
 }

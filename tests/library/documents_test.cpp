@@ -99,6 +99,35 @@ TEST_F(Audio, TakesNoMoreOnceItHoldsMoreThanAThousand)
     }
 }
 
+TEST_F(Audio, LimitsTheNestingOfArraysAndObjectsAlone)
+{
+    const auto nested = [](size_t levels, const std::string &innermost) {
+        return std::string(levels, '[') + innermost + std::string(levels, ']');
+    };
+    const std::string brackets(101, '[');
+    const std::pair<std::string, int> cases[] = {
+        {nested(100, ""), 0},
+        {nested(101, ""), -70005},
+        {nested(99, R"({"\\\"[{[{":"]}"},{"":0})"), 0},
+        {" \t\r\n" + nested(100, ""), 0},
+        {" \t\r\n" + nested(101, ""), -70005},
+        {"\xEF\xBB\xBF " + nested(100, ""), 0},
+        {"\xEF\xBB\xBF " + nested(101, ""), -70005},
+        {"[]" + brackets, 0},  // what follows the first value is ignored
+        {"1" + brackets, 0},
+        {"\"x\"" + brackets, 0},
+        {"true" + brackets, 0},
+        {brackets.substr(1) + "\"\\", -70005},  // a backslash as the last byte of its memory
+        {brackets.substr(1) + "\"", -70005},
+    };
+    Unrecorded([&] {
+        for (const auto &[json, result] : cases) {
+            const std::string exact(json.begin(), json.end());
+            EXPECT_EQ(audio_.Unmarshal(exact), result) << json;
+        }
+    });
+}
+
 TEST_F(Audio, ReportsEachFailedAllocation)
 {
     const JsonFault fault;
@@ -125,7 +154,8 @@ TEST_F(Device, ReportsEachFailedAllocationAndLosesNothing)
         std::string text = "old";
         CALL(device_.Marshal(text));
         const bool isKept = device_.properties_ == "before";
-        SHOW(isKept, text);
+        const std::string end = text.substr(text.size() < 8 ? 0 : text.size() - 8);
+        SHOW(isKept, end);
     });
 }
 

@@ -33,7 +33,7 @@ interface=${version%%.*} # while it is 0, each minor version may change the inte
 
 mkdir "$folder/outside"
 sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$here/../../README.md" >"$folder/outside/CMakeLists.txt"
-sed -n '/^## A first program/,/^## /s/^    //p' "$here/../../README.md" >"$folder/outside/first_frame.cpp"
+sed -n '/^## A first program/,/^## /{/^```cpp$/,/^```$/{/^```/!p;}}' "$here/../../README.md" >"$folder/outside/first_frame.cpp"
 diff -B <(sed -n '/^#include/,$p' "$here/../../examples/first_frame.cpp") "$folder/outside/first_frame.cpp" ||
     { echo "README.md does not show examples/first_frame.cpp"; exit 1; }
 "$CMAKE" -G Ninja -S "$folder/outside" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
@@ -48,7 +48,15 @@ promised=$(sed -n 's/^ *\/\/ Prints: //p' "$folder/outside/first_frame.cpp")
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
 # The program itself needs only the one library, which must find the other beside it. The flags are words to be split.
 # shellcheck disable=SC2086
-"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror "$here/../library/plain_names_test.c" "-I$here/.." -Wl,--as-needed $flags \
-    -Wl,--enable-new-dtags,-rpath,"$libraries" \
-    -o "$folder/plain_names"
-$EMULATOR "$folder/plain_names"
+"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror -x c "$here/../library/c_interface.c" - \
+    -Wl,--as-needed $flags -Wl,--enable-new-dtags,-rpath,"$libraries" -o "$folder/c_interface" <<'C'
+#include <stdio.h>
+const char *CallFromC(void);
+int main(void)
+{
+    const char *failure = CallFromC();
+    puts(failure ? failure : "the C entry points work");
+    return failure != NULL;
+}
+C
+OSTRA_HOST_LOG_LEVEL=off $EMULATOR "$folder/c_interface"

@@ -8,7 +8,7 @@ cd "$1"
 failed=0
 for script in scripts/* .ci/run; do
     case $script in
-        scripts/lib.sh | scripts/*.awk) continue ;; # not to be run
+        scripts/lib.sh | scripts/*.awk | scripts/gn_platform) continue ;; # not commands
     esac
     for question in --help -h; do
         help=$(timeout 10 "$script" $question </dev/null) && [ -n "$help" ] ||

@@ -4,18 +4,28 @@
 
 #include "support/fault.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
+std::atomic<int64_t> g_liveBlocks{0};
 thread_local uint64_t g_count = 0;
 thread_local uint64_t g_failing = UINT64_MAX;
 
 void *Allocate(bool fails, size_t size)
 {
-    return fails || size > PTRDIFF_MAX ? nullptr : std::malloc(size);
+    void *const block = fails || size > PTRDIFF_MAX ? nullptr : std::malloc(size);
+    g_liveBlocks += block == nullptr ? 0 : 1;
+    return block;
+}
+
+void Free(void *block)
+{
+    g_liveBlocks -= block == nullptr ? 0 : 1;
+    std::free(block);
 }
 
 void *OrThrow(void *memory)
@@ -24,6 +34,11 @@ void *OrThrow(void *memory)
 }
 
 }  // namespace
+
+int64_t LiveBlocks()
+{
+    return g_liveBlocks;
+}
 
 AllocationFault::AllocationFault(uint64_t failing)
 {
@@ -52,20 +67,20 @@ void *operator new[](size_t size)
 
 void operator delete(void *memory) noexcept
 {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete(void *memory, size_t) noexcept
 {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete[](void *memory) noexcept
 {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete[](void *memory, size_t) noexcept
 {
-    std::free(memory);
+    Free(memory);
 }

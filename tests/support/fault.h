@@ -41,4 +41,7 @@ public:
     ~AllocationFault();
 };
 
+// The number of allocations of the program and its libraries that are not freed yet.
+int64_t LiveBlocks();
+
 #endif  // TESTS_FAULT_H

@@ -9,12 +9,12 @@
 
 #include "support/fault.h"
 
-// While it lives, each allocation of cJSON can fail.
+// While it exists, each allocation of cJSON can fail, and those that are not freed yet are counted.
 class JsonFault {
 public:
     JsonFault()
     {
-        cJSON_Hooks hooks = {[](size_t size) { return Fault::Strikes() ? nullptr : std::malloc(size); }, std::free};
+        cJSON_Hooks hooks = {Allocate, Free};
         cJSON_InitHooks(&hooks);
     }
 
@@ -22,6 +22,29 @@ public:
     {
         cJSON_InitHooks(nullptr);
     }
+
+    static int LiveBlocks()
+    {
+        return liveBlocks_;
+    }
+
+private:
+    static void *Allocate(size_t size)
+    {
+        if (Fault::Strikes()) {
+            return nullptr;
+        }
+        ++liveBlocks_;
+        return std::malloc(size);
+    }
+
+    static void Free(void *block)
+    {
+        liveBlocks_ -= block == nullptr ? 0 : 1;
+        std::free(block);
+    }
+
+    inline static int liveBlocks_ = 0;
 };
 
 #endif  // TESTS_JSON_FAULT_H

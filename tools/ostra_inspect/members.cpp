@@ -38,8 +38,8 @@ bool IsOfKind(const cJSON *item, MemberKind kind)
 
 Document ParseDocument(const std::string &text, Report &warnings)
 {
-    if (NestingOf(text.c_str()) == JsonNesting::TOO_DEEP) {
-        return {nullptr, "the JSON nests deeper than " + std::to_string(DEEPEST_NESTING) + " levels"};
+    if (IsNestedTooDeep(text.c_str())) {
+        return {nullptr, "the JSON nests deeper than " + std::to_string(MAX_JSON_NESTING) + " levels"};
     }
     const char *end = nullptr;
     JsonTree root(cJSON_ParseWithOpts(text.c_str(), &end, 0));

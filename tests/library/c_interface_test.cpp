@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <gtest/gtest.h>
+
+#include "support/quiet.h"
+
+extern "C" const char *CallFromC(void);
+
+TEST(CInterface, WorksFromC)
+{
+    EXPECT_STREQ(CallFromC(), nullptr);
+}
