@@ -46,7 +46,7 @@ std::string TotalRows(const Totals &totals, std::chrono::steady_clock::time_poin
            Row("throughput", throughput);
 }
 
-struct Session::Listener : HiSysEventListener {
+struct BusinessFlow::Listener : HiSysEventListener {
     void OnEvent(std::shared_ptr<HiSysEventRecord> event) override
     {
         constexpr int64_t stageFailed = 2;
@@ -66,7 +66,7 @@ struct Session::Listener : HiSysEventListener {
     std::string rows;
 };
 
-Session::Session(std::string side) : side_(std::move(side)), listener_(std::make_shared<Listener>())
+BusinessFlow::BusinessFlow(std::string side) : side_(std::move(side)), listener_(std::make_shared<Listener>())
 {
     std::vector<ListenerRule> rules = {ListenerRule(OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT)};
     HiSysEventManager::AddListener(listener_, rules);
@@ -74,23 +74,23 @@ Session::Session(std::string side) : side_(std::move(side)), listener_(std::make
     OstraRadar::GetInstance().ServiceStartRes(side_, COLLABORATION, "", 0);
 }
 
-void Session::ReportStart(bool isSuccess)
+void BusinessFlow::ReportStart(bool isSuccess)
 {
     OstraRadar::GetInstance().ConnectDeviceRes(side_, ErrorCode(isSuccess), SOFTBUS_PKG_NAME);
     OstraRadar::GetInstance().AudioOpenRes(side_, ErrorCode(isSuccess));
 }
 
-void Session::ReportEnd(bool isSuccess)
+void BusinessFlow::ReportEnd(bool isSuccess)
 {
     OstraRadar::GetInstance().AudioCloseRes(side_, ErrorCode(isSuccess));
     OstraRadar::GetInstance().DisconnectDeviceRes(side_, ErrorCode(isSuccess), SOFTBUS_PKG_NAME);
     OstraRadar::GetInstance().ServiceStopRes(side_, ErrorCode(isSuccess));
 }
 
-std::string Session::Rows(bool isVerbose) const
+std::string BusinessFlow::Rows(bool isVerbose) const
 {
     const uint64_t failures = listener_->failures;
-    return Row("events", std::to_string(listener_->count) + " session steps reported, " +
+    return Row("events", std::to_string(listener_->count) + " business-flow steps reported, " +
                              (failures == 0 ? "none" : std::to_string(failures)) + " failed") +
            (isVerbose ? listener_->rows : "");
 }

@@ -21,11 +21,11 @@ std::string FormatSeconds(double seconds);
 // Rows of the chunks, bytes and throughput since `start`.
 std::string TotalRows(const Totals &totals, std::chrono::steady_clock::time_point start);
 
-// The steps of a session, which OstraRadar reports as events. Listens to the events, as a monitoring process would.
-class Session {
+// Reports the steps of a business flow with OstraRadar, and listens to the events as a monitoring process would.
+class BusinessFlow {
 public:
     // Reports the start of the service. `side` is the name of the reporting function in each event.
-    explicit Session(std::string side);
+    explicit BusinessFlow(std::string side);
 
     void ReportStart(bool isSuccess);
     void ReportEnd(bool isSuccess);

@@ -124,7 +124,7 @@ public:
         return report_.failure.empty();
     }
 
-    SideReport Report(const Session &session, const std::string &notified)
+    SideReport Report(const BusinessFlow &flow, const std::string &notified)
     {
         const std::string lost = end_.empty()
                                      ? "unknown: the end of the stream is missing"
@@ -132,7 +132,7 @@ public:
         report_.summary = "sink\n" + TotalRows(received_, start_) + Row("lost", lost) +
                           Row("detected", ToString(receiver_.Status().detected)) + Row("device", device_) +
                           Row("service", service_) + Row("settings", settings_) + Row("notified", notified) +
-                          session.Rows(options_.isVerbose);
+                          flow.Rows(options_.isVerbose);
         if (options_.isDumped && report_.failure.empty()) {
             const std::string bytes = std::to_string(received_.bytes);
             report_.summary += Row("dump", dumpPath_ + ", " + bytes + " bytes; delete it with: rm " + dumpPath_);
@@ -289,14 +289,14 @@ SideReport RunSink(int socket, const Offer &offer, const PairOptions &options, i
     context.AddWaitNotify(offer.connection.sourceNetworkId, ISOMERISM_CONNECT);
     context.PublishMessage();
 
-    Session session("sink");
-    session.ReportStart(true);
+    BusinessFlow flow("sink");
+    flow.ReportStart(true);
     Sink sink(socket, offer, options, output);
     const bool isReceived = sink.ReceiveStream();
-    session.ReportEnd(isReceived);
+    flow.ReportEnd(isReceived);
 
     context.AddWaitNotify(offer.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
     context.PublishMessage();
     context.GetDHFwkKit()->UnregisterPublisherListener(topic, notifications);
-    return sink.Report(session, notifications->received);
+    return sink.Report(flow, notifications->received);
 }

@@ -99,13 +99,13 @@ public:
         return true;
     }
 
-    SideReport Report(const Session &session, const std::string &qos)
+    SideReport Report(const BusinessFlow &flow, const std::string &qos)
     {
         report_.summary = "source\n" + TotalRows(sent_, start_);
         if (options_.faults.count > 0) {
             report_.summary += Row("injected", ToString(injector_.Injected()));
         }
-        report_.summary += Row("QoS", qos) + session.Rows(options_.isVerbose);
+        report_.summary += Row("QoS", qos) + flow.Rows(options_.isVerbose);
         if (options_.isVerbose) {
             report_.summary += Row("connection", offer_.connection.String());
         }
@@ -192,10 +192,10 @@ private:
 
 SideReport RunSource(int socket, const Offer &offer, const PairOptions &options, Input &input)
 {
-    Session session("source");
+    BusinessFlow flow("source");
     Source source(socket, offer, options, input);
     const bool isOffered = source.OpenTrace() && source.SendOffer();
-    session.ReportStart(isOffered);
+    flow.ReportStart(isOffered);
 
     constexpr auto level = static_cast<int32_t>(OHOS::QOS::QosLevel::QOS_USER_INTERACTIVE);
     const auto thread = static_cast<int32_t>(syscall(SYS_gettid));
@@ -204,9 +204,9 @@ SideReport RunSource(int socket, const Offer &offer, const PairOptions &options,
     const bool isSent = isOffered && source.SendStream() && source.SendEnd();
     const bool isReset = isGranted && ResetQos(thread) == 0;
 
-    session.ReportEnd(isSent);
-    return source.Report(session, "level " + std::to_string(level) +
-                                      (isReset     ? " granted, reset at the end"
-                                       : isGranted ? " granted, not reset"
-                                                   : " refused: needs privileges"));
+    flow.ReportEnd(isSent);
+    return source.Report(flow, "level " + std::to_string(level) +
+                                   (isReset     ? " granted, reset at the end"
+                                    : isGranted ? " granted, not reset"
+                                                : " refused: needs privileges"));
 }

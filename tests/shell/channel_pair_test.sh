@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Runs the example pair as a user would, and checks its output and its exit status. Also checks that scripts/demo refuses
-# the same arguments before it builds anything.
+# Runs the example pair as a user would, and checks its output and its exit status. Also checks that scripts/demo
+# refuses the same arguments before it builds anything, and that docs/wire-formats.md shows the messages of the pair.
 # Usage: channel_pair_test.sh COMMAND [WORD ...]
 set -euo pipefail
 
@@ -108,7 +108,7 @@ lost        0 of 250 chunks\ndetected    0\n desk tablet
 m******e of type *, codec bits 5, profiles 48000,2,16;16000,1,16;
 48000 Hz, 2 channels, chunks of 20 ms
 notified    isomerism_connect of
-6 session steps reported, none failed
+6 business-flow steps reported, none failed
 every byte arrived'
 ! grep -q '[0-9a-f]\{32\}' "$folder/out" || fail "an identifier is not masked"
 expect 0 'sending a generated tone for 0.1 s, as fast as possible' --seconds 0.1
@@ -137,7 +137,7 @@ detected    56 (8 corrupted, 8 truncated, 8 duplicated, 8 delayed, 8 empty, 8 ov
 done
 head -c 500000 "$random" | expect 0 '7 faults injected, 7 detected' --faults 7 -
 expect 0 '14 faults injected, 14 detected' --seconds 1 --faults 14
-expect 1 $'lost        1 of 250 chunks\n6 session steps reported, 3 failed
+expect 1 $'lost        1 of 250 chunks\n6 business-flow steps reported, 3 failed
 1 of 250 chunks are missing; faults detected: 1 (1 corrupted); the first missing frame is frame 10' --flip 10
 expect 1 'the device document is missing or not as offered' --flip 0
 expect 1 'the service document is missing or not as offered' --flip 1
@@ -214,4 +214,15 @@ expect_demo 99 'nothing is built here' "$random" -o "$folder/copy" --faults=8 --
 expect_demo 99 'nothing is built here' -
 expect_demo 0 "$("${pair[@]}" --help)" --help
 
+# The worked examples of messages; a line that starts with a space continues the previous one.
+printf hi >"$folder/hi"
+expect 0 '' --trace "$folder/trace" "$folder/hi"
+(sleep 0.2) | expect 0 '' --trace "$folder/idle" --timeout 0.4 -
+examples=0
+while read -r message; do
+    grep -qxF "$message " "$folder/trace" "$folder/idle" || fail "the pair does not send this message: $message"
+    examples=$((examples + 1))
+done < <(sed -n '/^```pair$/,/^```$/{/^```/d;s|  // .*||;p}' "$here/../../docs/wire-formats.md" |
+    sed -e ':a' -e '$!N;s/\n / /;ta' -e 'P;D' | sed 's/.*=> //')
+[ "$examples" = 4 ] || fail "$examples examples of messages, expected 4"
 echo "the pair works"

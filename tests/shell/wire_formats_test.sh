@@ -9,7 +9,7 @@ set -euo pipefail
 page=$1
 # A text of several lines is indented in the sessions.
 reviewed=$(cat "$2"/*.txt | sed -e ':a' -e 'N;$!ba' -e 's/\n    |/\n/g')
-declare -A kinds=([frame]=computed [header]=computed [crc]=computed [audio]=computed [parcel]=computed
+declare -A kinds=([frame]=computed [header]=computed [crc]=computed [audio]=computed [parcel]=computed [pair]=computed
     [device]=reviewed [service]=reviewed [unset-service]=reviewed [message]=reviewed [request]=reviewed
     [event]=reviewed)
 declare -A found=()
