@@ -77,6 +77,11 @@ disturb() {
         source) kill -s "$signal" "${sides[0]}" ;;
         sink) kill -s "$signal" "${sides[1]}" ;;
     esac
+    for ((tries = 400; tries > 0; --tries)); do
+        kill -0 "$parent" 2>/dev/null || break
+        sleep 0.05
+    done
+    [ "$tries" -gt 0 ] || { kill -s KILL "$parent"; fail "$signal to the $process: the pair hangs"; }
     wait "$parent" 2>/dev/null || status=$?
     check "$signal to the $process" "$status" "$expected" "$lines"
     for ((tries = 100; tries > 0; --tries)); do
