@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <benchmark/benchmark.h>
 #include <cJSON.h>
 
 #include <charconv>
@@ -19,11 +18,12 @@ namespace {
 
 constexpr int FEW = 1000;
 constexpr int MANY = 10000;
-constexpr size_t ROOMY_CAPACITY = 1 << 24;
+constexpr size_t CAPACITY = 1 << 24;
+constexpr double LINEAR_GROWTH = 20;  // for ten times the size, which may outgrow a cache
 
 using Map = std::map<int32_t, std::string>;
 
-Map SomeEntries(int64_t count)
+Map MakeEntries(int64_t count)
 {
     Map map;
     for (int32_t key = 0; key < count; ++key) {
@@ -32,47 +32,35 @@ Map SomeEntries(int64_t count)
     return map;
 }
 
-void Write(benchmark::State &state, int64_t count)
+template <int64_t COUNT>
+void Write(benchmark::State &state)
 {
-    const Map map = SomeEntries(count);
+    const Map map = MakeEntries(COUNT);
     for (auto _ : state) {
         MessageParcel parcel;
-        parcel.SetMaxCapacity(ROOMY_CAPACITY);
+        parcel.SetMaxCapacity(CAPACITY);
         benchmark::DoNotOptimize(IpcUtils::Marshalling(parcel, map));
     }
 }
 
-void WriteFewEntries(benchmark::State &state)
-{
-    Write(state, FEW);
-}
-BENCHMARK(WriteFewEntries);
-
-void WriteManyEntries(benchmark::State &state)
-{
-    Write(state, MANY);
-}
-BENCHMARK(WriteManyEntries);
-
 void WriteByHand(benchmark::State &state)
 {
-    const Map map = SomeEntries(MANY);
+    const Map map = MakeEntries(MANY);
     for (auto _ : state) {
         MessageParcel parcel;
-        parcel.SetMaxCapacity(ROOMY_CAPACITY);
+        parcel.SetMaxCapacity(CAPACITY);
         parcel.WriteUint32(static_cast<uint32_t>(map.size()));
         for (const auto &[key, value] : map) {
             benchmark::DoNotOptimize(parcel.WriteString(std::to_string(key) + SEPARATOR + value));
         }
     }
 }
-BENCHMARK(WriteByHand);
 
 void Read(benchmark::State &state, int64_t count)
 {
     MessageParcel parcel;
-    parcel.SetMaxCapacity(ROOMY_CAPACITY);
-    IpcUtils::Marshalling(parcel, SomeEntries(count));
+    parcel.SetMaxCapacity(CAPACITY);
+    IpcUtils::Marshalling(parcel, MakeEntries(count));
     for (auto _ : state) {
         parcel.RewindRead(0);
         Map map;
@@ -80,70 +68,45 @@ void Read(benchmark::State &state, int64_t count)
     }
 }
 
-void ReadFewEntries(benchmark::State &state)
-{
-    Read(state, FEW);
-}
-BENCHMARK(ReadFewEntries);
-
-void ReadManyEntries(benchmark::State &state)
-{
-    Read(state, MANY);
-}
-BENCHMARK(ReadManyEntries);
-
-void MeasureReadingByHand(benchmark::State &state, int64_t count)
+void ReadByHand(benchmark::State &state, int64_t count)
 {
     MessageParcel parcel;
-    parcel.SetMaxCapacity(ROOMY_CAPACITY);
-    IpcUtils::Marshalling(parcel, SomeEntries(count));
+    parcel.SetMaxCapacity(CAPACITY);
+    IpcUtils::Marshalling(parcel, MakeEntries(count));
     for (auto _ : state) {
         parcel.RewindRead(0);
         Map map;
-        std::string text;
+        std::string entry;
         for (uint32_t left = parcel.ReadUint32(); left > 0; --left) {
-            parcel.ReadString(text);
+            parcel.ReadString(entry);
             int32_t key = 0;
-            const char *keyEnd = std::from_chars(text.data(), text.data() + text.size(), key).ptr;
-            const auto end = map.emplace_hint(map.end(), key, keyEnd + 1);
+            const char *keyEnd = std::from_chars(entry.data(), entry.data() + entry.size(), key).ptr;
+            const auto added = map.emplace_hint(map.end(), key, keyEnd + 1);
             DHLog(DH_LOG_INFO, "[ostraadapterutils][UnMarshalling]:the key is %d, value is %s", key,
-                  end->second.c_str());
+                  added->second.c_str());
         }
         benchmark::DoNotOptimize(map);
     }
 }
 
-void ReadByHand(benchmark::State &state)
+template <void (*READ)(benchmark::State &, int64_t), int64_t COUNT>
+void ReadEntries(benchmark::State &state)
 {
-    MeasureReadingByHand(state, MANY);
+    READ(state, COUNT);
 }
-BENCHMARK(ReadByHand);
 
-const int READ_ROW = AddRow({"`UnMarshalling`, 10 000 entries", "ReadManyEntries",
-                             "reading into a map by hand, one `DHLog` each", "ReadByHand", 1.3});
+const int READ_ROW = AddRow("`UnMarshalling`, 10 000 entries", ReadEntries<Read, MANY>,
+                            "reading into a map by hand, one `DHLog` each", ReadEntries<ReadByHand, MANY>, SAME_WORK);
 const int WRITE_ROW =
-    AddRow({"`Marshalling`, 10 000 entries", "WriteManyEntries", "composing and writing by hand", "WriteByHand", 1});
-const int READ_GROWTH_ROW =
-    AddRow({"`UnMarshalling`, 10 000 entries", "ReadManyEntries", "itself, 1 000 entries", "ReadFewEntries", 13});
+    AddRow("`Marshalling`, 10 000 entries", Write<MANY>, "composing and writing by hand", WriteByHand, SAME_WORK);
+const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", ReadEntries<Read, MANY>, "a tenth of them",
+                                   ReadEntries<Read, FEW>, LINEAR_GROWTH);
 const int WRITE_GROWTH_ROW =
-    AddRow({"`Marshalling`, 10 000 entries", "WriteManyEntries", "itself, 1 000 entries", "WriteFewEntries", 13});
+    AddRow("`Marshalling`, growth with entries", Write<MANY>, "a tenth of them", Write<FEW>, LINEAR_GROWTH);
+const int READ_CURVE = AddCurve("entries", "UnMarshalling", Read, 1, MANY);
+const int READ_BASELINE = AddCurve("entries", "baseline: reading into a map by hand", ReadByHand, 1, MANY);
 
-void GrowUnMarshalling(benchmark::State &state)
-{
-    Read(state, state.range());
-}
-BENCHMARK(GrowUnMarshalling)->RangeMultiplier(4)->Range(1, MANY);
-
-void GrowReadingByHand(benchmark::State &state)
-{
-    MeasureReadingByHand(state, state.range());
-}
-BENCHMARK(GrowReadingByHand)->RangeMultiplier(4)->Range(1, MANY);
-
-const int READ_CURVE = AddCurve({"entries", "UnMarshalling", "GrowUnMarshalling"});
-const int READ_FLOOR = AddCurve({"entries", "floor: reading into a map by hand", "GrowReadingByHand"});
-
-std::vector<std::string> SomeDevices()
+std::vector<std::string> MakeDevices()
 {
     std::vector<std::string> devices;
     for (int i = 0; i < FEW; ++i) {
@@ -163,7 +126,7 @@ void PublishWithOneListener(benchmark::State &state)
     const sptr<Listener> listener(new Listener());
     OstraContext &context = OstraContext::GetInstance();
     context.GetDHFwkKit()->RegisterPublisherListener(static_cast<DHTopic>(8), listener);
-    const std::vector<std::string> devices = SomeDevices();
+    const std::vector<std::string> devices = MakeDevices();
     for (auto _ : state) {
         state.PauseTiming();
         for (const std::string &device : devices) {
@@ -174,28 +137,26 @@ void PublishWithOneListener(benchmark::State &state)
     }
     context.GetDHFwkKit()->UnregisterPublisherListener(static_cast<DHTopic>(8), listener);
 }
-BENCHMARK(PublishWithOneListener);
 
 void PublishByHand(benchmark::State &state)
 {
-    const std::vector<std::string> devices = SomeDevices();
+    const std::vector<std::string> devices = MakeDevices();
     for (auto _ : state) {
         for (const std::string &device : devices) {
             cJSON *notification = cJSON_CreateObject();
             cJSON_AddItemToObject(notification, "dev_id", cJSON_CreateString(device.c_str()));
             cJSON_AddItemToObject(notification, "isomerism_event", cJSON_CreateString(ISOMERISM_CONNECT.c_str()));
-            char *text = cJSON_PrintUnformatted(notification);
-            benchmark::DoNotOptimize(text);
+            char *message = cJSON_PrintUnformatted(notification);
+            benchmark::DoNotOptimize(message);
             DHLog(DH_LOG_INFO, "[ostraadapterutils][PublishMessage]:PublishMessage.");
-            cJSON_free(text);
+            cJSON_free(message);
             cJSON_Delete(notification);
         }
     }
 }
-BENCHMARK(PublishByHand);
 
-const int PUBLISH_ROW = AddRow({"`PublishMessage`, 1 000 entries, one listener", "PublishWithOneListener",
-                                "the same cJSON calls and log lines by hand", "PublishByHand", 1.2});
+const int PUBLISH_ROW = AddRow("`PublishMessage`, 1 000 entries, one listener", PublishWithOneListener,
+                               "the same cJSON calls and log lines by hand", PublishByHand, SAME_WORK);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

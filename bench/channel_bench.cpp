@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <benchmark/benchmark.h>
-
 #include <boost/crc.hpp>
 #include <cstring>
 #include <memory>
@@ -21,15 +19,15 @@ namespace {
 
 constexpr int64_t KIBIBYTE = 1 << 10;
 constexpr int64_t MEBIBYTE = 1 << 20;
-constexpr int64_t MOST_BYTES = 64 * MEBIBYTE;
+constexpr int64_t MAX_BYTES = 64 * MEBIBYTE;
 constexpr int SMALL_MESSAGE = 64;
 
-// The same random bytes for all.
+// Returns the same random bytes to all benchmarks.
 unsigned char *Bytes()
 {
     static std::vector<unsigned char> bytes = [] {
         std::mt19937 random(5);
-        std::vector<unsigned char> made(MOST_BYTES);
+        std::vector<unsigned char> made(MAX_BYTES);
         for (unsigned char &byte : made) {
             byte = static_cast<unsigned char>(random());
         }
@@ -51,7 +49,7 @@ uint16_t CrcByBoost(uint16_t /* crc */, const uint8_t *data, size_t length)
     return crc.checksum();
 }
 
-// No check of bytes is faster than looking at each of them.
+// The baseline of any checksum: it must at least read all bytes.
 uint16_t ReadOnly(uint16_t /* crc */, const uint8_t *data, size_t length)
 {
     uint64_t sum = 0;
@@ -66,93 +64,60 @@ uint16_t ReadOnly(uint16_t /* crc */, const uint8_t *data, size_t length)
     return static_cast<uint16_t>(sum);
 }
 
-template <uint16_t (*METHOD)(uint16_t, const uint8_t *, size_t)>
+using CrcFunction = uint16_t (*)(uint16_t, const uint8_t *, size_t);
+
+template <CrcFunction CRC>
 void MeasureCrc(benchmark::State &state, int64_t size)
 {
     const unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(METHOD(0, bytes, static_cast<size_t>(size)));
+        benchmark::DoNotOptimize(CRC(0, bytes, static_cast<size_t>(size)));
         benchmark::ClobberMemory();
     }
 }
 
-void MeasureGetCrc(benchmark::State &state, int64_t size)
+template <int64_t SIZE>
+void MeasureGetCrc(benchmark::State &state)
 {
     const ChannelProtocol frame;
     unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(frame.GetCrc(bytes, static_cast<int>(size)));
+        benchmark::DoNotOptimize(frame.GetCrc(bytes, static_cast<int>(SIZE)));
     }
 }
 
-void CrcOfMebibyte(benchmark::State &state)
-{
-    MeasureGetCrc(state, MEBIBYTE);
-}
-BENCHMARK(CrcOfMebibyte);
-
-void CrcOfMebibyteByTables(benchmark::State &state)
+template <CrcFunction CRC, int64_t SIZE>
+void MeasureCrcAndLog(benchmark::State &state)
 {
     const unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        const uint16_t crc = ExtendCrc16ByTables(0, bytes, MEBIBYTE);
+        const uint16_t crc = CRC(0, bytes, SIZE);
         LogAsGetCrcDoes(crc);
         benchmark::DoNotOptimize(crc);
     }
 }
-BENCHMARK(CrcOfMebibyteByTables);
 
-void BoostCrcOfMebibyte(benchmark::State &state)
+void MeasureBoost(benchmark::State &state)
 {
     MeasureCrc<CrcByBoost>(state, MEBIBYTE);
 }
-BENCHMARK(BoostCrcOfMebibyte);
 
-const double CRC_BAR = HasCarryLessMultiplication() ? 1 / 40.0 : 1 / 10.0;
-const int CRC_ROW = AddRow({"`GetCrc`, 1 MiB", "CrcOfMebibyte", "`boost::crc_16_type`", "BoostCrcOfMebibyte", CRC_BAR});
-const int TABLES_ROW = AddRow({"the same without carry-less multiplication", "CrcOfMebibyteByTables",
-                               "`boost::crc_16_type`", "BoostCrcOfMebibyte", 1 / 10.0});
+constexpr double TABLES_BAR = 1 / 3.0;
+const double CRC_BAR = HasCarryLessMultiplication() ? 1 / 20.0 : TABLES_BAR;
+const int CRC_ROW = AddRow("`GetCrc`, 1 MiB", MeasureGetCrc<MEBIBYTE>, "`boost::crc_16_type`", MeasureBoost, CRC_BAR);
+const int TABLES_ROW = AddRow("`GetCrc`, 1 MiB, by tables", MeasureCrcAndLog<ExtendCrc16ByTables, MEBIBYTE>,
+                              "`boost::crc_16_type`", MeasureBoost, TABLES_BAR);
+const int SMALL_ROW = AddRow("`GetCrc`, 64 B", MeasureGetCrc<SMALL_MESSAGE>, "byte-wise loop, same log line",
+                             MeasureCrcAndLog<ExtendCrc16ByByte, SMALL_MESSAGE>, 1);
 
-void CrcOfSmallMessage(benchmark::State &state)
-{
-    MeasureGetCrc(state, SMALL_MESSAGE);
-}
-BENCHMARK(CrcOfSmallMessage);
+const int BOOST_CURVE = AddCurve("crc", "boost::crc_16_type", MeasureCrc<CrcByBoost>, 1, MAX_BYTES);
+const int BYTES_CURVE = AddCurve("crc", "by bytes", MeasureCrc<ExtendCrc16ByByte>, 1, MAX_BYTES);
+const int TABLES_CURVE = AddCurve("crc", "by tables", MeasureCrc<ExtendCrc16ByTables>, 1, MAX_BYTES);
+const int CHOSEN_CURVE = AddCurve("crc", "as chosen", MeasureCrc<ExtendCrc16>, 1, MAX_BYTES);
+const int READ_CURVE = AddCurve("crc", "baseline: reading the bytes", MeasureCrc<ReadOnly>, 1, MAX_BYTES);
 
-void ByteWiseLoopAndLog(benchmark::State &state)
-{
-    const unsigned char *bytes = Bytes();
-    for (auto _ : state) {
-        const uint16_t crc = ExtendCrc16ByByte(0, bytes, SMALL_MESSAGE);
-        LogAsGetCrcDoes(crc);
-        benchmark::DoNotOptimize(crc);
-    }
-}
-BENCHMARK(ByteWiseLoopAndLog);
-
-const int SMALL_ROW =
-    AddRow({"`GetCrc`, 64 B", "CrcOfSmallMessage", "byte-wise loop, same log line", "ByteWiseLoopAndLog", 1});
-
-template <uint16_t (*METHOD)(uint16_t, const uint8_t *, size_t)>
-void GrowCrc(benchmark::State &state)
-{
-    MeasureCrc<METHOD>(state, state.range());
-}
-
-int AddCrcCurve(const char *label, const char *name, benchmark::internal::Function *measure)
-{
-    benchmark::RegisterBenchmark(name, measure)->RangeMultiplier(4)->Range(1, MOST_BYTES);
-    return AddCurve({"crc", label, name});
-}
-
-const int BOOST_CURVE = AddCrcCurve("boost::crc_16_type", "GrowCrcByBoost", GrowCrc<CrcByBoost>);
-const int BYTES_CURVE = AddCrcCurve("by bytes", "GrowCrcByBytes", GrowCrc<ExtendCrc16ByByte>);
-const int TABLES_CURVE = AddCrcCurve("by tables", "GrowCrcByTables", GrowCrc<ExtendCrc16ByTables>);
-const int CHOSEN_CURVE = AddCrcCurve("as chosen", "GrowCrcAsChosen", GrowCrc<ExtendCrc16>);
-const int READ_CURVE = AddCrcCurve("floor: reading the bytes", "GrowReading", GrowCrc<ReadOnly>);
-
-// Copies of a kilobyte are as fast as their addresses happen to be aligned to each other, so each repetition runs on
-// other heap blocks: it keeps a random number of blocks of the same size, and of bytes before fresh ones, to itself.
+// The speed of a copy of a kilobyte depends on how the addresses are aligned to each other. Each repetition therefore
+// runs on other heap blocks: this class holds a random number of blocks of the same size, and one of a random size.
 class OtherHeapBlocks {
 public:
     explicit OtherHeapBlocks(int64_t size)
@@ -204,35 +169,16 @@ void MeasureTwoCopies(benchmark::State &state, int64_t contentSize)
     }
 }
 
-void FrameThereAndBack(benchmark::State &state)
+template <void (*MEASURE)(benchmark::State &, int64_t)>
+void WithKibibyte(benchmark::State &state)
 {
-    MeasureFrame(state, KIBIBYTE);
+    MEASURE(state, KIBIBYTE);
 }
-BENCHMARK(FrameThereAndBack);
 
-void TwoCopies(benchmark::State &state)
-{
-    MeasureTwoCopies(state, KIBIBYTE);
-}
-BENCHMARK(TwoCopies);
-
-const int FRAME_ROW = AddRow({"a frame of 1 KiB packed, taken and read", "FrameThereAndBack",
-                              "two `new[]`, three `memcpy_s`, two `delete[]`", "TwoCopies", 1.4});
-
-void GrowFrame(benchmark::State &state)
-{
-    MeasureFrame(state, state.range());
-}
-BENCHMARK(GrowFrame)->RangeMultiplier(4)->Range(1, MEBIBYTE);
-
-void GrowTwoCopies(benchmark::State &state)
-{
-    MeasureTwoCopies(state, state.range());
-}
-BENCHMARK(GrowTwoCopies)->RangeMultiplier(4)->Range(1, MEBIBYTE);
-
-const int FRAME_CURVE = AddCurve({"frames", "a frame packed, taken and read", "GrowFrame"});
-const int COPIES_CURVE = AddCurve({"frames", "floor: two allocations, three copies", "GrowTwoCopies"});
+const int FRAME_ROW = AddRow("frame of 1 KiB, packed and parsed", WithKibibyte<MeasureFrame>,
+                             "two `new[]`, three `memcpy_s`, two `delete[]`", WithKibibyte<MeasureTwoCopies>, 2);
+const int FRAME_CURVE = AddCurve("frames", "a frame packed and parsed", MeasureFrame, 1, MEBIBYTE);
+const int COPIES_CURVE = AddCurve("frames", "baseline: two allocations, three copies", MeasureTwoCopies, 1, MEBIBYTE);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

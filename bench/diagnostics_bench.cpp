@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <benchmark/benchmark.h>
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -17,8 +16,8 @@
 
 namespace OHOS::HiviewDFX {
 
-// Takes the place of the platform's function and calls it under another line for every hundred events: each call site
-// has a budget of a hundred, and refusals are not what is measured.
+// Replaces the platform's function, and passes events on with a new line number after every hundred: a call site has a
+// budget of a hundred events, and refusals are not to be measured.
 int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, const std::string &eventName,
                      EventType type, const HiSysEventKeyValue *params, size_t paramCount)
 {
@@ -30,9 +29,9 @@ int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, 
     static int64_t count = 0;
     constexpr int64_t budget = 100;
     constexpr int64_t farFromOtherLines = 1000;
-    HiSysEventCallSite passing = site;
-    passing.line += count++ / budget * farFromOtherLines;
-    return platformSend(passing, domain, eventName, type, params, paramCount);
+    HiSysEventCallSite numbered = site;
+    numbered.line += count++ / budget * farFromOtherLines;
+    return platformSend(numbered, domain, eventName, type, params, paramCount);
 }
 
 }  // namespace OHOS::HiviewDFX
@@ -43,7 +42,7 @@ namespace {
 constexpr size_t BLOCK = 4096;
 constexpr char DUMP_NAME[] = "ostra_bench_dump";
 
-// The path of a dump as a link into memory: a disk is as fast as its other users let it be.
+// Makes the dump's path a link into memory, because the speed of a disk depends on its other users.
 class LinkedFile {
 public:
     explicit LinkedFile(benchmark::State &state) : state_(state)
@@ -83,7 +82,6 @@ void DumpBlock(benchmark::State &state)
     }
     dump.UnInit();
 }
-BENCHMARK(DumpBlock);
 
 void AppendBlock(benchmark::State &state)
 {
@@ -99,10 +97,9 @@ void AppendBlock(benchmark::State &state)
         std::fclose(file);
     }
 }
-BENCHMARK(AppendBlock);
 
 const int DUMP_ROW =
-    AddRow({"`DumpStreamData`, 4 KiB, mode \"a\"", "DumpBlock", "`fopen` + `fwrite` + `fclose`", "AppendBlock", 1.1});
+    AddRow("`DumpStreamData`, 4 KiB, mode \"a\"", DumpBlock, "`fopen` + `fwrite` + `fclose`", AppendBlock, SAME_WORK);
 
 void DumpWhileOff(benchmark::State &state)
 {
@@ -113,7 +110,6 @@ void DumpWhileOff(benchmark::State &state)
         dump.DumpStreamData(name, block, BLOCK);
     }
 }
-BENCHMARK(DumpWhileOff);
 
 void OneLog(benchmark::State &state)
 {
@@ -121,9 +117,8 @@ void OneLog(benchmark::State &state)
         DHLog(DH_LOG_DEBUG, "[ostraadapterutils][DumpStreamData]:Dump is not enable.");
     }
 }
-BENCHMARK(OneLog);
 
-const int OFF_ROW = AddRow({"`DumpStreamData` while off", "DumpWhileOff", "one `DHLog`", "OneLog", 1.2});
+const int OFF_ROW = AddRow("`DumpStreamData` while off", DumpWhileOff, "one `DHLog`", OneLog, SAME_WORK);
 
 void ReportThroughRadar(benchmark::State &state)
 {
@@ -134,7 +129,6 @@ void ReportThroughRadar(benchmark::State &state)
         benchmark::DoNotOptimize(radar.AudioOpenRes(function, 0));
     }
 }
-BENCHMARK(ReportThroughRadar);
 
 void ReportByHand(benchmark::State &state)
 {
@@ -146,10 +140,9 @@ void ReportByHand(benchmark::State &state)
             ORG_PKG_NAME, "FUNC", function, "HOST_PKG", host, "BIZ_SCENE", 2, "BIZ_STAGE", 6, "STAGE_RES", 1));
     }
 }
-BENCHMARK(ReportByHand);
 
-const int EVENT_ROW = AddRow(
-    {"one event through `OstraRadar`", "ReportThroughRadar", "the same `HiSysEvent::Write`", "ReportByHand", 1.1});
+const int EVENT_ROW = AddRow("one event through `OstraRadar`", ReportThroughRadar, "the same `HiSysEvent::Write`",
+                             ReportByHand, SAME_WORK);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <benchmark/benchmark.h>
-
-#include <cctype>
 #include <charconv>
 #include <cstdarg>
 #include <string>
@@ -22,7 +19,6 @@ void LogWithOutputOff(benchmark::State &state)
         DHLog(DH_LOG_INFO, "[ostraadapterutils][Bench]:device %s port %d", "0123******cdef", 8080);
     }
 }
-BENCHMARK(LogWithOutputOff);
 
 __attribute__((noinline)) int Print(char *buffer, size_t size, const char *format, ...)
 {
@@ -41,34 +37,31 @@ void PrintAndHandOn(benchmark::State &state)
         HiLogPrint(LOG_CORE, LOG_INFO, 0xD004160, "OSTRA_ADAPTER", "%{public}s", buffer);
     }
 }
-BENCHMARK(PrintAndHandOn);
 
-const int LOG_ROW = AddRow({"`DHLog`", "LogWithOutputOff", "`vsprintf_s`, `HiLogPrint`", "PrintAndHandOn", 1.1});
+const int LOG_ROW = AddRow("`DHLog`", LogWithOutputOff, "`vsprintf_s`, `HiLogPrint`", PrintAndHandOn, SAME_WORK);
 
-void CheckIsNumTenDigits(benchmark::State &state)
+void CheckTenDigits(benchmark::State &state)
 {
-    std::string text = "1234567890";
+    std::string number = "1234567890";
     for (auto _ : state) {
-        benchmark::DoNotOptimize(text.data());
-        benchmark::DoNotOptimize(CheckIsNum(text));
+        benchmark::DoNotOptimize(number.data());
+        benchmark::DoNotOptimize(CheckIsNum(number));
     }
 }
-BENCHMARK(CheckIsNumTenDigits);
 
-void FromCharsTenDigits(benchmark::State &state)
+void ConvertTenDigits(benchmark::State &state)
 {
-    std::string text = "1234567890";
+    std::string number = "1234567890";
     for (auto _ : state) {
-        benchmark::DoNotOptimize(text.data());
+        benchmark::DoNotOptimize(number.data());
         int64_t value = 0;
-        benchmark::DoNotOptimize(std::from_chars(text.data(), text.data() + text.size(), value));
+        benchmark::DoNotOptimize(std::from_chars(number.data(), number.data() + number.size(), value));
         benchmark::DoNotOptimize(value);
     }
 }
-BENCHMARK(FromCharsTenDigits);
 
-const int NUMBER_ROW = AddRow(
-    {"`CheckIsNum`, 10 digits", "CheckIsNumTenDigits", "`std::from_chars` on the same text", "FromCharsTenDigits", 2});
+const int NUMBER_ROW =
+    AddRow("`CheckIsNum`, 10 digits", CheckTenDigits, "`std::from_chars` on the same string", ConvertTenDigits, 2);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

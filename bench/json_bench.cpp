@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <benchmark/benchmark.h>
 #include <cJSON.h>
 
 #include <cstring>
@@ -15,11 +14,11 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-DHOSTRADeviceJson SomeDevice()
+DHOSTRADeviceJson MakeDevice()
 {
     DHOSTRADeviceJson device;
     device.deviceId_ = std::string(64, 'a');
-    device.deviceName_ = "desk tablet";
+    device.deviceName_ = "tablet";
     device.bluetoothMac_ = "00:00:5E:00:53:01";
     device.btName_ = "tablet";
     device.localIp_ = "192.168.1.10";
@@ -29,17 +28,16 @@ DHOSTRADeviceJson SomeDevice()
 
 void MarshalDevice(benchmark::State &state)
 {
-    DHOSTRADeviceJson device = SomeDevice();
+    DHOSTRADeviceJson device = MakeDevice();
     std::string text;
     for (auto _ : state) {
         benchmark::DoNotOptimize(device.Marshal(text));
     }
 }
-BENCHMARK(MarshalDevice);
 
 void MarshalDeviceByHand(benchmark::State &state)
 {
-    const DHOSTRADeviceJson device = SomeDevice();
+    const DHOSTRADeviceJson device = MakeDevice();
     std::string text;
     std::string properties;
     for (auto _ : state) {
@@ -77,16 +75,15 @@ void MarshalDeviceByHand(benchmark::State &state)
         cJSON_Delete(document);
     }
 }
-BENCHMARK(MarshalDeviceByHand);
 
-const int MARSHAL_ROW = AddRow(
-    {"`Marshal` of a device document", "MarshalDevice", "the same cJSON calls by hand", "MarshalDeviceByHand", 1.15});
+const int MARSHAL_ROW = AddRow("`DHOSTRADeviceJson::Marshal`", MarshalDevice, "the same cJSON calls by hand",
+                               MarshalDeviceByHand, SAME_WORK);
 
-OSTRADeviceService SomeService()
+OSTRADeviceService MakeService()
 {
     OSTRADeviceService service;
     service.deviceId_ = std::string(64, 'a');
-    service.deviceName_ = "desk tablet";
+    service.deviceName_ = "tablet";
     service.serviceId_ = "microphone";
     service.serviceType_ = 4;
     for (int i = 0; i < 20; ++i) {
@@ -98,17 +95,16 @@ OSTRADeviceService SomeService()
 
 void PackService(benchmark::State &state)
 {
-    const OSTRADeviceService service = SomeService();
+    const OSTRADeviceService service = MakeService();
     std::vector<uint8_t> out;
     for (auto _ : state) {
         benchmark::DoNotOptimize(service.PackServiceData(out));
     }
 }
-BENCHMARK(PackService);
 
 void PackServiceByHand(benchmark::State &state)
 {
-    const OSTRADeviceService service = SomeService();
+    const OSTRADeviceService service = MakeService();
     std::vector<uint8_t> out;
     for (auto _ : state) {
         cJSON *document = cJSON_CreateObject();
@@ -130,31 +126,29 @@ void PackServiceByHand(benchmark::State &state)
         cJSON_Delete(document);
     }
 }
-BENCHMARK(PackServiceByHand);
 
-const int PACK_ROW = AddRow(
-    {"`PackServiceData`, 20 properties", "PackService", "the same cJSON calls by hand", "PackServiceByHand", 1.15});
+const int PACK_ROW = AddRow("`PackServiceData`, 20 properties", PackService, "the same cJSON calls by hand",
+                            PackServiceByHand, SAME_WORK);
 
-std::string ServiceText()
+std::string MakeServiceDocument()
 {
     std::vector<uint8_t> bytes;
-    SomeService().PackServiceData(bytes);
+    MakeService().PackServiceData(bytes);
     return {bytes.begin(), bytes.end()};
 }
 
 void ReadService(benchmark::State &state)
 {
-    const std::string text = ServiceText();
+    const std::string text = MakeServiceDocument();
     DHOSTRADeviceServiceJson service;
     for (auto _ : state) {
         benchmark::DoNotOptimize(service.Unmarshal(text));
     }
 }
-BENCHMARK(ReadService);
 
 void ReadServiceByHand(benchmark::State &state)
 {
-    const std::string text = ServiceText();
+    const std::string text = MakeServiceDocument();
     for (auto _ : state) {
         cJSON *document = cJSON_Parse(text.c_str());
         for (const char *name : {"properties", "status"}) {
@@ -165,12 +159,11 @@ void ReadServiceByHand(benchmark::State &state)
         cJSON_Delete(document);
     }
 }
-BENCHMARK(ReadServiceByHand);
 
-const int READ_ROW = AddRow({"`DHOSTRADeviceServiceJson::Unmarshal`", "ReadService",
-                             "parse, print the two objects, delete", "ReadServiceByHand", 1.3});
+const int READ_ROW = AddRow("`DHOSTRADeviceServiceJson::Unmarshal`", ReadService,
+                            "parse, print the two objects, delete", ReadServiceByHand, 2);
 
-std::string CapabilitiesOf(int64_t codecs)
+std::string MakeCapabilities(int64_t codecs)
 {
     std::string capabilities = R"({\"codecs\":[0)";
     for (int64_t i = 1; i < codecs; ++i) {
@@ -179,19 +172,19 @@ std::string CapabilitiesOf(int64_t codecs)
     return R"({"2102":")" + capabilities + R"(]}"})";
 }
 
-void MeasureCapabilities(benchmark::State &state, int64_t codecs)
+void ReadCapabilities(benchmark::State &state, int64_t codecs)
 {
-    const std::string properties = CapabilitiesOf(codecs);
+    const std::string properties = MakeCapabilities(codecs);
     for (auto _ : state) {
         DHOSTRAAudioProperties audio;
         benchmark::DoNotOptimize(audio.Unmarshal(properties));
     }
 }
 
-// What has to be done: both texts parsed, the codes kept and joined, and all of it logged.
-void MeasureCapabilitiesByHand(benchmark::State &state, int64_t codecs)
+// The necessary work: parse both documents, keep and join the codes, log all of it.
+void ReadCapabilitiesByHand(benchmark::State &state, int64_t codecs)
 {
-    const std::string properties = CapabilitiesOf(codecs);
+    const std::string properties = MakeCapabilities(codecs);
     for (auto _ : state) {
         cJSON *outer = cJSON_Parse(properties.c_str());
         const std::string capabilities = cJSON_GetObjectItem(outer, "2102")->valuestring;
@@ -214,37 +207,19 @@ void MeasureCapabilitiesByHand(benchmark::State &state, int64_t codecs)
 }
 
 constexpr int64_t MANY_CODECS = 100000;
-constexpr int64_t MOST_CODECS = 1000000;
-constexpr double CODECS_SECONDS = 0.1;  // some ten iterations: one alone is at the mercy of its neighbours
+constexpr int64_t MAX_CODECS = 1000000;
 
-void ReadHundredThousandCodecs(benchmark::State &state)
+template <void (*READ)(benchmark::State &, int64_t)>
+void ReadManyCodecs(benchmark::State &state)
 {
-    MeasureCapabilities(state, MANY_CODECS);
+    READ(state, MANY_CODECS);
 }
-BENCHMARK(ReadHundredThousandCodecs)->MinTime(CODECS_SECONDS);
 
-void ReadCodecsByHand(benchmark::State &state)
-{
-    MeasureCapabilitiesByHand(state, MANY_CODECS);
-}
-BENCHMARK(ReadCodecsByHand)->MinTime(CODECS_SECONDS);
-
-const int CODECS_ROW = AddRow({"`DHOSTRAAudioProperties::Unmarshal`, 100 000 codecs", "ReadHundredThousandCodecs",
-                               "the same work by hand", "ReadCodecsByHand", 1.2});
-void GrowCapabilities(benchmark::State &state)
-{
-    MeasureCapabilities(state, state.range());
-}
-BENCHMARK(GrowCapabilities)->RangeMultiplier(10)->Range(10, MOST_CODECS);
-
-void GrowCapabilitiesByHand(benchmark::State &state)
-{
-    MeasureCapabilitiesByHand(state, state.range());
-}
-BENCHMARK(GrowCapabilitiesByHand)->RangeMultiplier(10)->Range(10, MOST_CODECS);
-
-const int CODECS_CURVE = AddCurve({"codecs", "DHOSTRAAudioProperties::Unmarshal", "GrowCapabilities"});
-const int CODECS_FLOOR = AddCurve({"codecs", "floor: the same work by hand", "GrowCapabilitiesByHand"});
+const int CODECS_ROW = AddRow("`DHOSTRAAudioProperties::Unmarshal`, 100 000 codecs", ReadManyCodecs<ReadCapabilities>,
+                              "the same work by hand", ReadManyCodecs<ReadCapabilitiesByHand>, SAME_WORK);
+const int CODECS_CURVE = AddCurve("codecs", "DHOSTRAAudioProperties::Unmarshal", ReadCapabilities, 10, MAX_CODECS);
+const int CODECS_BASELINE =
+    AddCurve("codecs", "baseline: the same work by hand", ReadCapabilitiesByHand, 10, MAX_CODECS);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

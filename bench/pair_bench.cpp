@@ -178,31 +178,18 @@ void MeasureBareSocket(benchmark::State &state, Seconds seconds, bool isDigested
         });
 }
 
-struct Comparison {
-    std::string name;
-    Seconds seconds;
-    bool isDigested;
-    const char *what;
-    const char *against;
-};
+int AddPairRow(const char *name, Seconds seconds, bool isDigested, const char *baselineName)
+{
+    return AddRow(
+        name, [=](benchmark::State &state) { MeasurePair(state, seconds, isDigested); }, baselineName,
+        [=](benchmark::State &state) { MeasureBareSocket(state, seconds, isDigested); }, SAME_WORK, TimeSource::MANUAL);
+}
 
-const int ROWS = [] {
-    const Comparison comparisons[] = {
-        {"ByProcessor", CpuSeconds, false, "the example pair, 10 000 pieces of 3840 B, processor's time of both sides",
-         "`sendmsg` and `recv` of the same pieces"},
-        {"ByClock", WallClockSeconds, false, "the same by the clock", "the same"},
-        {"WithDigest", CpuSeconds, true, "the same with a digest of the stream, processor's time",
-         "`sendmsg` and `recv` of the same pieces, and the digests"},
-    };
-    int rows = 0;
-    for (const auto &[name, seconds, isDigested, what, against] : comparisons) {
-        const std::string pair = "Pair" + name;
-        const std::string bare = "BareSocket" + name;
-        benchmark::RegisterBenchmark(pair.c_str(), MeasurePair, seconds, isDigested)->UseManualTime();
-        benchmark::RegisterBenchmark(bare.c_str(), MeasureBareSocket, seconds, isDigested)->UseManualTime();
-        rows += AddRow({what, pair, against, bare, 1 / 0.75});
-    }
-    return rows;
-}();
+const int CPU_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, CPU time of both sides", CpuSeconds, false,
+                               "`sendmsg` and `recv` of the same pieces");
+const int CLOCK_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, wall-clock time", WallClockSeconds, false,
+                                 "`sendmsg` and `recv` of the same pieces");
+const int DIGEST_ROW = AddPairRow("example pair, with a digest of the stream, CPU time of both sides", CpuSeconds, true,
+                                  "`sendmsg` and `recv` of the same pieces, and the digests");
 
 }  // namespace

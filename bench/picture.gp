@@ -1,5 +1,7 @@
-# One picture of growth: gnuplot -c bench/picture.gp DATA SVG SIZE_LABEL. The last column of DATA is the floor.
-# Both axes are logarithmic: a curve that climbs one decade in one decade grows with the size.
+# SPDX-License-Identifier: Apache-2.0
+#
+# Draws time over size with logarithmic axes: gnuplot -c bench/picture.gp DATA SVG SIZE_LABEL. The last column of DATA is the
+# baseline.
 set terminal svg noenhanced size 720,480 font "sans-serif,13" background "white"
 set output ARG2
 set logscale xy

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+#
 # What every target of the project compiles and links with: all of these warnings; calls into other shared libraries
 # without a stub in between, which matters where an operation is little more than such calls; and what makes a fault in
 # the code hard to exploit.

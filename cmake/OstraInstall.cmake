@@ -1,5 +1,7 @@
-# What `cmake --install` puts where: the headers, the library and the host platform that it stands on, a CMake package
-# and a pkg-config file, the licence and the pages. All of it may be moved as a whole.
+# SPDX-License-Identifier: Apache-2.0
+#
+# Installs the headers, the library, the host platform, a CMake package, a pkg-config file, documentation and examples.
+# The installed tree may be moved as a whole.
 include(CMakePackageConfigHelpers)
 
 set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/ostra_adapter_utils)
@@ -18,7 +20,7 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utilsConfigVersion.cmake
     DESTINATION ${package_dir})
 
-# Folders that the caller fixed stay where they are; all others are found from where the file itself is.
+# Absolute directories are kept; all others are relative to the pkg-config file, so that the tree can be moved.
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
     set(OSTRA_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
     set(OSTRA_PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})
@@ -35,7 +37,9 @@ endif()
 configure_file(cmake/ostra_adapter_utils.pc.in ostra_adapter_utils.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utils.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+# The pages and the files that they link to, in the same layout.
 set(pages_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostra_adapter_utils)
-install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${pages_dir})
-install(DIRECTORY docs DESTINATION ${pages_dir} FILES_MATCHING PATTERN *.md PATTERN *.svg)
+install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${pages_dir})
+install(DIRECTORY docs examples DESTINATION ${pages_dir}
+        FILES_MATCHING PATTERN *.md PATTERN *.svg PATTERN *.png PATTERN *.cpp PATTERN *.h)
 install(FILES platform/host/README.md DESTINATION ${pages_dir}/platform/host)

@@ -1,18 +1,16 @@
-# Holds the version that programs see in a header to that of the project, and names the shared libraries after it.
-set(header ${CMAKE_CURRENT_SOURCE_DIR}/include/ostra_version.h)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
-file(READ ${header} text)
-foreach(definition
-        "_MAJOR ${PROJECT_VERSION_MAJOR}" "_MINOR ${PROJECT_VERSION_MINOR}" "_PATCH ${PROJECT_VERSION_PATCH}"
-        " \"${PROJECT_VERSION}\"")
-    string(FIND "${text}" "#define OSTRA_VERSION${definition}\n" position)
-    if(position EQUAL -1)
-        message(FATAL_ERROR "The project is of version ${PROJECT_VERSION}; include/ostra_version.h says otherwise.")
-    endif()
-endforeach()
+# SPDX-License-Identifier: Apache-2.0
+#
+# Sets OSTRA_VERSION and OSTRA_SOVERSION from the public header that states the version. Included before project().
+set(version_header ${CMAKE_CURRENT_SOURCE_DIR}/include/ostra_version.h)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${version_header})
+file(STRINGS ${version_header} definition REGEX "^#define OSTRA_VERSION \"")
+if(NOT definition MATCHES "\"(([0-9]+)\\.([0-9]+)\\.[0-9]+)\"$")
+    message(FATAL_ERROR "${version_header} does not define OSTRA_VERSION as \"MAJOR.MINOR.PATCH\".")
+endif()
+set(OSTRA_VERSION ${CMAKE_MATCH_1})
 
-# While the major version is 0, each minor one may change the interface.
-set(OSTRA_SOVERSION ${PROJECT_VERSION_MAJOR})
-if(PROJECT_VERSION_MAJOR EQUAL 0)
-    string(APPEND OSTRA_SOVERSION .${PROJECT_VERSION_MINOR})
+# While the major version is 0, each minor version may change the interface.
+set(OSTRA_SOVERSION ${CMAKE_MATCH_2})
+if(OSTRA_SOVERSION EQUAL 0)
+    string(APPEND OSTRA_SOVERSION .${CMAKE_MATCH_3})
 endif()

@@ -1,4 +1,6 @@
-# What the cross toolchains share. Needs OSTRA_TARGET, the name that Debian gives the target.
+# SPDX-License-Identifier: Apache-2.0
+#
+# Common part of the cross toolchains. Needs OSTRA_TARGET, Debian's name of the target.
 set(CMAKE_C_COMPILER ${OSTRA_TARGET}-gcc)
 set(CMAKE_CXX_COMPILER ${OSTRA_TARGET}-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE ${OSTRA_TARGET})

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Holds the exported interface of the library to the list under version control, symbol by symbol.
-# Usage: abi_test.sh NM LIBRARY LIST; with --print as LIST, prints the list of the library instead.
+# Compares the exported symbols of the library with the list under version control.
+# Usage: abi_test.sh NM LIBRARY LIST; with --print as LIST, prints the symbols of the library instead.
 set -euo pipefail
 
 nm=$1
 library=$2
 list=$3
 
-# One line a symbol, as a person reads it. A constructor has two symbols that read the same.
+# Prints one demangled symbol per line. A constructor has two symbols with the same demangled name.
 symbols() {
     "$nm" -D --defined-only "$library" | sed 's/^[0-9a-f]* //' | c++filt | LC_ALL=C sort -u
 }
@@ -19,8 +19,8 @@ if [ "$list" = --print ]; then
 fi
 exported=$(symbols)
 if diff -U0 "$list" - <<<"$exported"; then
-    echo "the exported interface is as listed: $(wc -l <"$list") symbols"
+    echo "the exported symbols match the list: $(wc -l <"$list") symbols"
     exit 0
 fi
-echo "the exported interface has changed (- gone, + new); if that is meant, run scripts/abi-refresh and say why"
+echo "the exported symbols have changed (- removed, + added); if this is intended, run scripts/abi-refresh"
 exit 1

@@ -1,50 +1,54 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Configures the project in the ways that other projects and packagers do, and builds nothing: it has a build type when
-# none is asked for, refuses to be static, names fixed folders in its pkg-config file, refuses a header of another
-# version, and can be a part of a project that installs and exports what links to it. Takes CMAKE, CC and CXX from the
-# environment. Usage: configuration_test.sh SOURCE_FOLDER
+# Configures the project as other projects and packagers do, without building it: there is a default build type, a
+# static build is refused, the pkg-config file keeps absolute directories, the version comes from ostra_version.h, and a
+# parent project can install and export what links to the library.
+# Usage: configuration_test.sh SOURCE_DIRECTORY, with CMAKE, CC and CXX in the environment
 set -euo pipefail
 
 source=$1
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 failed=0
 
-complain() {
+fail() {
     echo "$*"
     failed=1
 }
 
-# configure NAME SOURCE OPTION ...: leaves the log in NAME.log
+# configure NAME SOURCE [OPTION ...]: configures in $work/NAME, with the log in NAME.log
 configure() {
     local name=$1 from=$2
     shift 2
-    "$CMAKE" -G Ninja -S "$from" -B "$folder/$name" -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" \
-        -DBUILD_TESTING=OFF -DOSTRA_BUILD_EXAMPLES=OFF -DOSTRA_BUILD_TOOLS=OFF "$@" >"$folder/$name.log" 2>&1
+    "$CMAKE" -G Ninja -S "$from" -B "$work/$name" -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" \
+        -DBUILD_TESTING=OFF -DOSTRA_BUILD_EXAMPLES=OFF -DOSTRA_BUILD_TOOLS=OFF "$@" >"$work/$name.log" 2>&1
 }
 
-configure fixed "$source" -DCMAKE_INSTALL_LIBDIR=/fixed/libraries -DCMAKE_INSTALL_INCLUDEDIR=/fixed/headers ||
-    complain "fixed folders: $(cat "$folder/fixed.log")"
-grep -q '^CMAKE_BUILD_TYPE:STRING=RelWithDebInfo$' "$folder/fixed/CMakeCache.txt" || complain "there is no build type"
-flags=$(PKG_CONFIG_PATH=$folder/fixed pkg-config --cflags --libs ostra_adapter_utils)
-for flag in -I/fixed/headers/ostra_adapter_utils -I/fixed/headers/ostra_adapter_utils/platform -L/fixed/libraries; do
-    [[ " $flags " == *" $flag "* ]] || complain "pkg-config says $flags, without $flag"
+configure absolute "$source" -DCMAKE_INSTALL_LIBDIR=/absolute/libraries -DCMAKE_INSTALL_INCLUDEDIR=/absolute/headers ||
+    fail "absolute directories: $(cat "$work/absolute.log")"
+grep -q '^CMAKE_BUILD_TYPE:STRING=RelWithDebInfo$' "$work/absolute/CMakeCache.txt" || fail "no default build type"
+flags=$(PKG_CONFIG_PATH=$work/absolute pkg-config --cflags --libs ostra_adapter_utils)
+for flag in -I/absolute/headers/ostra_adapter_utils -I/absolute/headers/ostra_adapter_utils/platform -L/absolute/libraries; do
+    [[ " $flags " == *" $flag "* ]] || fail "pkg-config prints $flags, without $flag"
 done
 
-! configure static "$source" -DBUILD_SHARED_LIBS=OFF || complain "a static library is not refused"
-grep -q 'shared library only' "$folder/static.log" || complain "no reason why it cannot be static"
+! configure static "$source" -DBUILD_SHARED_LIBS=OFF || fail "BUILD_SHARED_LIBS=OFF is accepted"
+grep -q 'shared library only' "$work/static.log" || fail "the refusal of a static build gives no reason"
 
-mkdir "$folder/newer"
-cp -r "$source"/{CMakeLists.txt,cmake,include} "$folder/newer"
-sed -i 's/VERSION 0\.[0-9]*\.[0-9]* LANG/VERSION 0.99.0 LANG/' "$folder/newer/CMakeLists.txt"
-! configure newer-build "$folder/newer" || complain "a header of an older version is not refused"
-grep -q 'ostra_version.h says otherwise' "$folder/newer-build.log" || complain "no word of the header's version"
+mkdir "$work/newer"
+ln -s "$source"/* "$work/newer"
+rm "$work/newer/include"
+cp -r "$source/include" "$work/newer"
+sed -i 's/\(#define OSTRA_VERSION \)".*"/\1"1.99.7"/' "$work/newer/include/ostra_version.h"
+configure newer-build "$work/newer" || fail "another version in the header: $(cat "$work/newer-build.log")"
+grep -q '^CMAKE_PROJECT_VERSION:STATIC=1.99.7$' "$work/newer-build/CMakeCache.txt" &&
+    grep -q 'libostra_adapter_utils.so.1 ' "$work/newer-build/build.ninja" ||
+    fail "the project's version is not that of ostra_version.h"
 
-mkdir "$folder/parent"
-ln -s "$source" "$folder/parent/adapter"
-echo 'int main() { return 0; }' >"$folder/parent/host.cpp"
-cat >"$folder/parent/CMakeLists.txt" <<'PARENT'
+mkdir "$work/parent"
+ln -s "$source" "$work/parent/adapter"
+echo 'int main() { return 0; }' >"$work/parent/host.cpp"
+cat >"$work/parent/CMakeLists.txt" <<'PARENT'
 cmake_minimum_required(VERSION 3.16)
 project(parent LANGUAGES C CXX)
 add_subdirectory(adapter)
@@ -53,7 +57,7 @@ target_link_libraries(host PUBLIC ostra::adapter_utils ostra::host_platform)
 install(TARGETS host EXPORT hostTargets LIBRARY DESTINATION lib)
 install(EXPORT hostTargets DESTINATION lib/cmake/host)
 PARENT
-configure parent-build "$folder/parent" || complain "as a part of a project: $(cat "$folder/parent-build.log")"
+configure parent-build "$work/parent" || fail "in a parent project: $(cat "$work/parent-build.log")"
 
-[ $failed = 1 ] || echo "configured as others do"
+[ $failed = 1 ] || echo "all configurations work"
 exit $failed

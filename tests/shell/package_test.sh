@@ -1,55 +1,64 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Installs a build to an empty prefix, moves it, and builds and runs two outside projects against it: the first program
-# and CMakeLists.txt of README.md through find_package, and the plain names in C through pkg-config. Takes from the
-# environment what the build itself uses: CMAKE, CC, CXX, CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR, the latter two
-# empty unless cross-compiling.
-# Usage: package_test.sh BUILD_FOLDER, or the prefix where it is installed already
+# and CMakeLists.txt of README.md through find_package, and the C interface through pkg-config.
+# Usage: package_test.sh BUILD_DIRECTORY, or package_test.sh PREFIX for what is installed already. Takes CMAKE, CC, CXX,
+# CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR from the environment; the last two are empty unless cross-compiling.
 set -euo pipefail
 
 installed=$1
-here=$(cd "$(dirname "$0")" && pwd)
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+top=$(cd "$(dirname "$0")/../.." && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+    echo "$*"
+    exit 1
+}
 
 prefix=$installed
 if [ -f "$installed/CMakeCache.txt" ]; then
-    "$CMAKE" --install "$installed" --prefix "$folder/first" >/dev/null
-    prefix=$folder/moved
-    mv "$folder/first" "$prefix"
+    "$CMAKE" --install "$installed" --prefix "$work/first" >/dev/null
+    prefix=$work/moved
+    mv "$work/first" "$prefix"
 fi
-for header in "$here"/../../include/*.h; do
-    [ -f "$prefix/include/ostra_adapter_utils/${header##*/}" ] || { echo "not installed: ${header##*/}"; exit 1; }
+for header in "$top"/include/*.h; do
+    [ -f "$prefix/include/ostra_adapter_utils/${header##*/}" ] || fail "not installed: ${header##*/}"
 done
 libraries=$(dirname "$(find "$prefix/lib" -name libostra_adapter_utils.so)")
-pages=$prefix/share/doc/ostra_adapter_utils
-for page in LICENSE README.md CHANGELOG.md docs/wire-formats.md; do
-    [ -f "$pages/$page" ] || { echo "not installed: $page"; exit 1; }
-done
-version=$(sed -n 's/^#define OSTRA_VERSION "\(.*\)"$/\1/p' "$here/../../include/ostra_version.h")
+version=$(sed -n 's/^#define OSTRA_VERSION "\(.*\)"$/\1/p' "$top/include/ostra_version.h")
 interface=${version%%.*} # while it is 0, each minor version may change the interface
 [ "${interface:?}" != 0 ] || interface=${version%.*}
-[ -L "$libraries/libostra_adapter_utils.so.$interface" ] || { echo "no library is called after $interface"; exit 1; }
+[ -L "$libraries/libostra_adapter_utils.so.$interface" ] || fail "no library is named after interface $interface"
 
-mkdir "$folder/outside"
-sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$here/../../README.md" >"$folder/outside/CMakeLists.txt"
-sed -n '/^## A first program/,/^## /{/^```cpp$/,/^```$/{/^```/!p;}}' "$here/../../README.md" >"$folder/outside/first_frame.cpp"
-diff -B <(sed -n '/^#include/,$p' "$here/../../examples/first_frame.cpp") "$folder/outside/first_frame.cpp" ||
-    { echo "README.md does not show examples/first_frame.cpp"; exit 1; }
-"$CMAKE" -G Ninja -S "$folder/outside" -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+# The pages and what they link to. A Debian package names the directory after itself.
+pages=$(dirname "$(find "$prefix"/share/doc/*ostra* -name CHANGELOG.md)")
+links=0
+while IFS=: read -r page link; do
+    target=$(dirname "$page")/${link%%#*}
+    [ -e "$target" ] || fail "$page links to $link, which is not installed"
+    links=$((links + 1))
+done < <(find "$pages" -name '*.md' -exec grep -oHP '\]\(\K(?!#|[a-z]+:)[^)]+' {} +)
+[ -f "$pages/docs/wire-formats.md" ] && [ $links -gt 0 ] || fail "no pages are installed"
+
+mkdir "$work/outside"
+sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$top/README.md" >"$work/outside/CMakeLists.txt"
+sed -n '/^#include <cstdio>$/,/^```$/{/^```/!p;}' "$top/README.md" >"$work/outside/first_frame.cpp"
+diff -B <(sed -n '/^#include/,$p' "$top/examples/first_frame.cpp") "$work/outside/first_frame.cpp" ||
+    fail "README.md does not show examples/first_frame.cpp"
+"$CMAKE" -G Ninja -S "$work/outside" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN_FILE" -DCMAKE_CXX_COMPILER="$CXX" \
-    -DCMAKE_CXX_FLAGS="$CXXFLAGS -Wall -Wextra -Werror" >"$folder/log" ||
-    { cat "$folder/log"; exit 1; }
-"$CMAKE" --build "$folder/cmake" >"$folder/log" || { cat "$folder/log"; exit 1; }
-printed=$($EMULATOR "$folder/cmake/first_program")
-promised=$(sed -n 's/^ *\/\/ Prints: //p' "$folder/outside/first_frame.cpp")
-[ "$printed" = "${promised:?}" ] || { echo "README.md promises $promised, not $printed"; exit 1; }
+    -DCMAKE_CXX_FLAGS="$CXXFLAGS -Wall -Wextra -Werror" >"$work/log" || fail "$(cat "$work/log")"
+"$CMAKE" --build "$work/cmake" >"$work/log" || fail "$(cat "$work/log")"
+printed=$($EMULATOR "$work/cmake/first_program")
+expected=$(sed -n 's/^ *\/\/ Prints: //p' "$work/outside/first_frame.cpp")
+[ "$printed" = "${expected:?}" ] || fail "the first program prints $printed, README.md says $expected"
 
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
-# The program itself needs only the one library, which must find the other beside it. The flags are words to be split.
+# The program itself needs only one library, which must find the other one. The flags are words to be split.
 # shellcheck disable=SC2086
-"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror -x c "$here/../library/c_interface.c" - \
-    -Wl,--as-needed $flags -Wl,--enable-new-dtags,-rpath,"$libraries" -o "$folder/c_interface" <<'C'
+"$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror -x c "$top/tests/library/c_interface.c" - \
+    -Wl,--as-needed $flags -Wl,--enable-new-dtags,-rpath,"$libraries" -o "$work/c_interface" <<'C'
 #include <stdio.h>
 const char *CallFromC(void);
 int main(void)
@@ -59,4 +68,4 @@ int main(void)
     return failure != NULL;
 }
 C
-OSTRA_HOST_LOG_LEVEL=off $EMULATOR "$folder/c_interface"
+OSTRA_HOST_LOG_LEVEL=off $EMULATOR "$work/c_interface"

@@ -1,29 +1,54 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Every script tells what it does when asked with --help or -h, and refuses a call that it does not understand with
-# status 2, both before it does anything else. Usage: scripts_test.sh SOURCE_FOLDER
+# Tests that every script prints its usage for --help and -h, and rejects unknown arguments with status 2, in both cases
+# before it does anything else; and that benchmark results are judged correctly. Usage: scripts_test.sh SOURCE_DIRECTORY
 set -euo pipefail
 
 cd "$1"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 failed=0
+
+fail() {
+    echo "$*"
+    failed=1
+}
+
 for script in scripts/* .ci/run; do
-    case $script in
-        scripts/lib.sh | scripts/*.awk | scripts/gn_platform) continue ;; # not commands
-    esac
-    for question in --help -h; do
-        help=$(timeout 10 "$script" $question </dev/null) && [ -n "$help" ] ||
-            { echo "$script: no answer to $question"; failed=1; }
+    [[ $script != scripts/lib.sh && -f $script ]] || continue # lib.sh is sourced
+    for option in --help -h; do
+        help=$(timeout 10 "$script" $option </dev/null) && [ -n "$help" ] || fail "$script $option prints no help"
     done
     status=0
     timeout 10 "$script" --no-such-option </dev/null >/dev/null 2>&1 || status=$?
-    [ $status = 2 ] || { echo "$script: status $status for an unknown option"; failed=1; }
+    [ $status = 2 ] || fail "$script: status $status for an unknown option"
 done
 
-reason=$(scripts/build nosuch 2>&1) && failed=1
-[[ $reason == *" host "*device-like* ]] || { echo "scripts/build does not name the presets: $reason"; failed=1; }
-reason=$(scripts/test bench 2>&1) && failed=1
-[[ ${reason#*there are} == *" host "* && ${reason#*there are} != *" bench "* ]] ||
-    { echo "scripts/test does not name the presets with tests: $reason"; failed=1; }
+message=$(scripts/build nosuch 2>&1) && fail "scripts/build accepts an unknown preset"
+[[ $message == *"presets: "*host*device-like* ]] || fail "scripts/build does not list the presets: $message"
+message=$(scripts/test bench 2>&1) && fail "scripts/test accepts a preset without tests"
+[[ ${message#*presets: } == *host* && ${message#*presets: } != *bench* ]] ||
+    fail "scripts/test does not list the presets with tests: $message"
 
-[ $failed = 1 ] || echo "every script tells and refuses"
+# Two rounds in which an operation takes TIME1 and TIME2 times as long as its baseline, with a bar of 1.6.
+while read -r time1 time2 result status; do
+    for i in 1 2; do
+        time=time$i
+        cat >"$work/round$i.json" <<JSON
+{"benchmarks": [
+  {"run_type": "iteration", "run_name": "name", "family_index": 0, "cpu_time": ${!time}, "time_unit": "ms",
+   "at most": 1.6, "label": "by hand"},
+  {"run_type": "iteration", "run_name": "name (baseline)", "cpu_time": 1000, "time_unit": "us"}]}
+JSON
+    done
+    actual=0
+    table=$(bench/report.py table --strict "$work"/round*.json 2>/dev/null) || actual=$?
+    [[ $table == *"| $result |" && $actual = "$status" ]] || fail "ratios $time1 and $time2: status $actual, $table"
+done <<'ROWS'
+1.0 1.1 met 0
+1.2 1.5 unstable 0
+1.6 1.7 MISSED 1
+ROWS
+
+[ $failed = 1 ] || echo "all scripts print help and reject unknown arguments"
 exit $failed

@@ -1,0 +1,98 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Makes tables and curves from the JSON output of the benchmark program; scripts/bench runs it.
+
+Usage: report.py table [--strict] ROUND.json ...
+       report.py curves FILE.json DIRECTORY
+
+"table" prints a row for each operation: the median over the rounds of the ratio of its time to that of its baseline,
+and the range of these ratios. With --strict, the exit status is 1 if an operation missed its bar. "curves" writes
+DIRECTORY/PICTURE.dat for each picture: a line with labels, then a line per size with the seconds of each curve."""
+import collections
+import json
+import statistics
+import sys
+
+BASELINE = " (baseline)"
+SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}
+
+
+def read_runs(path):
+    """Yields (name, size, seconds, run) for each measurement; ends the program if one failed."""
+    with open(path, encoding="utf-8") as file:
+        runs = json.load(file)["benchmarks"]
+    for run in runs:
+        if run.get("error_occurred"):
+            sys.exit(f"{run['name']}: {run['error_message']}")
+        if run["run_type"] == "iteration":
+            name, *options = run["run_name"].split("/")
+            # CPU time, unless the benchmark measures its own: other processes may be busy.
+            time = run["real_time" if "manual_time" in options else "cpu_time"]
+            size = int(options[0]) if options and options[0].isdigit() else None
+            yield name, size, time * SECONDS[run["time_unit"]], run
+
+
+def format_time(seconds):
+    unit = next(unit for unit in ("s", "ms", "us", "ns") if seconds >= SECONDS[unit] or unit == "ns")
+    return f"{seconds / SECONDS[unit]:.3g}\N{NO-BREAK SPACE}{unit.replace('u', 'µ')}"
+
+
+def judge(ratios, bar):
+    """A row whose ratios vary by more than their distance from the bar proves nothing."""
+    ratio = statistics.median(ratios)
+    if ratio > bar:
+        return "MISSED"
+    return "unstable" if max(ratios) - min(ratios) > bar - ratio else "met"
+
+
+def print_table(paths, is_strict):
+    rows = {}  # by name: label and bar, in the order in which they were registered
+    times = collections.defaultdict(list)  # by name: the median of each round
+    for path in paths:
+        of_round = collections.defaultdict(list)
+        order = {}
+        for name, _, seconds, run in read_runs(path):
+            of_round[name].append(seconds)
+            if "at most" in run:
+                order[run["family_index"]] = name
+                rows[name] = (run["label"], run["at most"])
+        for name, seconds in of_round.items():
+            times[name].append(statistics.median(seconds))
+    print("| operation | baseline | times | ratio | range | bar | result |")
+    print("|---|---|--:|--:|--:|--:|---|")
+    results = []
+    for _, name in sorted(order.items()):
+        baseline, bar = rows[name]
+        both = times[name], times[name + BASELINE]
+        if not both[1]:
+            sys.exit(f"{name}: the filter excludes its baseline, {name + BASELINE}")
+        ratios = [time / base for time, base in zip(*both)]
+        results.append(judge(ratios, bar))
+        medians = " / ".join(format_time(statistics.median(each)) for each in both)
+        print(f"| {name} | {baseline} | {medians} | {statistics.median(ratios):.3f} "
+              f"| {min(ratios):.3f} to {max(ratios):.3f} | {bar:.2g} | {results[-1]} |")
+    if "unstable" in results:
+        print("unstable: the range is wider than the distance from the bar; measure again on a quieter machine",
+              file=sys.stderr)
+    return 1 if is_strict and "MISSED" in results else 0
+
+
+def write_curves(path, directory):
+    pictures = collections.defaultdict(lambda: collections.defaultdict(dict))
+    for name, size, seconds, _ in read_runs(path):
+        picture, label = name.split(": ", 1)
+        pictures[picture][label].setdefault(size, []).append(seconds)
+    for picture, curves in pictures.items():
+        # The benchmarks of different files are registered in any order; the baseline is drawn last.
+        labels = sorted(curves, key=lambda label: label.startswith("baseline"))
+        with open(f"{directory}/{picture}.dat", "w", encoding="utf-8") as file:
+            print("size", *(f'"{label}"' for label in labels), file=file)
+            for size in sorted(curves[labels[0]]):
+                print(size, *(statistics.median(curves[label][size]) for label in labels), file=file)
+
+
+if sys.argv[1] == "curves":
+    write_curves(sys.argv[2], sys.argv[3])
+else:
+    arguments = [argument for argument in sys.argv[2:] if argument != "--strict"]
+    sys.exit(print_table(arguments, "--strict" in sys.argv))
