@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The road of the example pair beside a bare socket: one process sends pieces of sound as fast as it can, another one
-// takes them, each on a processor of its own where there are two. What is measured is the processor's time of both, or
-// what the clock shows.
+// The transport of the example pair compared with a bare socket: one process sends chunks of a stream as fast as it
+// can, another one receives them, each on a processor of its own if there are two. Measures the CPU time of both
+// processes, or the wall-clock time.
 
 #include <benchmark/benchmark.h>
 #include <sched.h>
@@ -19,22 +19,21 @@
 #include <string>
 #include <vector>
 
-#include "../examples/channel_link.h"
-#include "../examples/unique_fd.h"
+#include "../examples/channel_pair/transport.h"
 #include "ratio_table.h"
 
 namespace {
 
-constexpr int PIECES = 10000;
-constexpr size_t PIECE_BYTES = 3840;  // 20 ms of sound
-constexpr size_t HEADER_BYTES = 4;    // of a frame far into its stream
+constexpr int CHUNKS = 10000;
+constexpr size_t CHUNK_BYTES = 3840;  // 20 ms of audio
+constexpr size_t HEADER_BYTES = 4;    // of a frame late in its stream
 
-double ClockSeconds()
+double WallClockSeconds()
 {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-double ProcessorSeconds()
+double CpuSeconds()
 {
     double seconds = 0;
     for (const auto who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
@@ -47,7 +46,7 @@ double ProcessorSeconds()
     return seconds;
 }
 
-// Two processors that this process may use; one and the same where there is one only.
+// Two processors that this process may use; twice the same if there is only one.
 std::array<size_t, 2> TwoProcessors()
 {
     cpu_set_t allowed;
@@ -61,7 +60,7 @@ std::array<size_t, 2> TwoProcessors()
     return {processors.front(), processors.back()};
 }
 
-void StayOn(size_t processor)
+void PinTo(size_t processor)
 {
     cpu_set_t set;
     CPU_ZERO(&set);
@@ -74,9 +73,9 @@ using Receive = std::function<bool()>;
 
 using Seconds = double (*)();
 
-// Measures PIECES calls of what `makeSend` and `makeReceive` make of the two ends of a link, in two processes.
-void MeasureLink(benchmark::State &state, Seconds seconds, const std::function<Send(int)> &makeSend,
-                 const std::function<Receive(int)> &makeReceive)
+// Measures CHUNKS calls of the two functions, in two processes at the ends of a connection.
+void MeasureConnection(benchmark::State &state, Seconds seconds, const std::function<Send(int)> &makeSend,
+                       const std::function<Receive(int)> &makeReceive)
 {
     cpu_set_t before;
     sched_getaffinity(0, sizeof(before), &before);
@@ -85,89 +84,97 @@ void MeasureLink(benchmark::State &state, Seconds seconds, const std::function<S
         std::array<int, 2> ends{};
         const double start = seconds();
         if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-            state.SkipWithError("there is no link");
+            state.SkipWithError("no socket pair");
             break;
         }
-        UniqueFd receivingEnd(ends[0]);
-        UniqueFd sendingEnd(ends[1]);
+        const auto [receivingEnd, sendingEnd] = ends;
         const pid_t sender = fork();
         if (sender == 0) {
-            StayOn(there);
-            receivingEnd.Close();
-            const Send send = makeSend(sendingEnd.Get());
+            PinTo(there);
+            close(receivingEnd);
+            const Send send = makeSend(sendingEnd);
             int sent = 0;
-            while (sent < PIECES && send()) {
+            while (sent < CHUNKS && send()) {
                 ++sent;
             }
             _exit(0);
         }
-        StayOn(here);
-        sendingEnd.Close();
-        const Receive receive = makeReceive(receivingEnd.Get());
+        PinTo(here);
+        close(sendingEnd);
+        const Receive receive = makeReceive(receivingEnd);
         int received = 0;
-        while (received < PIECES && receive()) {
+        while (received < CHUNKS && receive()) {
             ++received;
         }
-        receivingEnd.Close();
+        close(receivingEnd);
         waitpid(sender, nullptr, 0);
         state.SetIterationTime(seconds() - start);
-        if (received < PIECES) {
-            state.SkipWithError("a piece did not arrive");
+        if (received < CHUNKS) {
+            state.SkipWithError("a chunk did not arrive");
             break;
         }
     }
     sched_setaffinity(0, sizeof(before), &before);
 }
 
-std::vector<uint8_t> &Piece()
+std::vector<uint8_t> &Chunk()
 {
-    static std::vector<uint8_t> piece(PIECE_BYTES, 1);
-    return piece;
+    static std::vector<uint8_t> chunk(CHUNK_BYTES, 1);
+    return chunk;
 }
 
 void MeasurePair(benchmark::State &state, Seconds seconds, bool isDigested)
 {
-    MeasureLink(
+    MeasureConnection(
         state, seconds,
-        [isDigested](int link) {
-            static SocketRoad road(link);
-            static FrameSender sender(road, isDigested);
-            return [] {
-                return sender.Send(FrameKind::STREAM, {Piece().data(), Piece().size()});
+        [isDigested](int socket) {
+            return [socket, isDigested, number = uint64_t{0}, totals = Totals()]() mutable {
+                const ByteView chunk{Chunk().data(), Chunk().size()};
+                if (isDigested) {
+                    totals.Add(number, chunk);
+                }
+                return SendMessage(socket, PackMessage(FrameKind::STREAM, number++, chunk));
             };
         },
-        [isDigested](int link) {
-            auto receiver = std::make_shared<FrameReceiver>(link, isDigested);
-            return [receiver] {
+        [isDigested](int socket) {
+            auto receiver = std::make_shared<FrameReceiver>(socket);
+            return [isDigested, receiver, totals = Totals()]() mutable {
                 ReceivedFrame frame;
-                return receiver->Receive(frame) == ReceiveResult::FRAME && frame.content.size == PIECE_BYTES;
+                const bool isReceived = receiver->Receive(frame) == ReceiveResult::FRAME;
+                if (isReceived && isDigested) {
+                    totals.Add(frame.number, frame.content);
+                }
+                return isReceived && frame.content.size == CHUNK_BYTES;
             };
         });
 }
 
-// The same messages by hand, with the same digests.
+// The same messages without the library, with the same digests.
 void MeasureBareSocket(benchmark::State &state, Seconds seconds, bool isDigested)
 {
-    MeasureLink(
+    MeasureConnection(
         state, seconds,
-        [isDigested](int link) {
-            return [link, isDigested, totals = LinkTotals()]() mutable {
+        [isDigested](int socket) {
+            return [socket, isDigested, totals = Totals()]() mutable {
                 static std::vector<uint8_t> head(PREFIX_BYTES + HEADER_BYTES, 1);
-                std::array<iovec, 2> parts = {{{head.data(), head.size()}, {Piece().data(), Piece().size()}}};
+                std::array<iovec, 2> parts = {{{head.data(), head.size()}, {Chunk().data(), Chunk().size()}}};
                 msghdr message{};
                 message.msg_iov = parts.data();
                 message.msg_iovlen = parts.size();
-                totals.Add(0, {Piece().data(), Piece().size()}, isDigested);
-                return sendmsg(link, &message, MSG_NOSIGNAL) > 0;
+                if (isDigested) {
+                    totals.Add(0, {Chunk().data(), Chunk().size()});
+                }
+                return sendmsg(socket, &message, MSG_NOSIGNAL) > 0;
             };
         },
-        [isDigested](int link) {
-            return
-                [link, isDigested, totals = LinkTotals(), message = std::vector<uint8_t>(MAX_MESSAGE_BYTES)]() mutable {
-                    const ssize_t size = recv(link, message.data(), message.size(), MSG_TRUNC);
-                    totals.Add(0, {message.data(), PIECE_BYTES}, isDigested);
-                    return size > 0;
-                };
+        [isDigested](int socket) {
+            return [socket, isDigested, totals = Totals(), message = Message(MAX_MESSAGE_BYTES)]() mutable {
+                const ssize_t size = recv(socket, message.data(), message.size(), MSG_TRUNC);
+                if (isDigested) {
+                    totals.Add(0, {message.data(), CHUNK_BYTES});
+                }
+                return size > 0;
+            };
         });
 }
 
@@ -178,11 +185,11 @@ int AddPairRow(const char *name, Seconds seconds, bool isDigested, const char *b
         [=](benchmark::State &state) { MeasureBareSocket(state, seconds, isDigested); }, SAME_WORK, TimeSource::MANUAL);
 }
 
-const int CPU_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, CPU time of both sides", ProcessorSeconds, false,
+const int CPU_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, CPU time of both sides", CpuSeconds, false,
                                "`sendmsg` and `recv` of the same pieces");
-const int CLOCK_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, wall-clock time", ClockSeconds, false,
+const int CLOCK_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, wall-clock time", WallClockSeconds, false,
                                  "`sendmsg` and `recv` of the same pieces");
-const int DIGEST_ROW = AddPairRow("example pair, with a digest of the stream, CPU time of both sides", ProcessorSeconds,
-                                  true, "`sendmsg` and `recv` of the same pieces, and the digests");
+const int DIGEST_ROW = AddPairRow("example pair, with a digest of the stream, CPU time of both sides", CpuSeconds, true,
+                                  "`sendmsg` and `recv` of the same pieces, and the digests");
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Diagnostics: a message with a masked identifier, a dump of a stream, an event. With OSTRA_HOST_EVENT_OUTPUT=stderr
-// the host shows the event as well.
+// Logs a message with a masked identifier, dumps a stream and reports an event. Run it on the host with
+// OSTRA_HOST_EVENT_OUTPUT=stderr to see the event.
 
 #include <cstdio>
 
@@ -17,12 +17,12 @@ int main()
 {
     OSTRA_LOGI("open the microphone of %s", GetAnonyString("192.168.1.10").c_str());  // ... of 1******0
 
-    // On a device an engineer sets the parameter, not the program.
+    // On a device, an engineer sets the parameter from a shell.
     SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), "w");
     OstraDump &dump = OstraDump::GetInstance();
     dump.Init();
-    const unsigned char piece[] = {0x01, 0x02, 0x03};
-    dump.DumpStreamData("first_diagnostics.pcm", piece, sizeof(piece));  // below /data/local/tmp/
+    const unsigned char chunk[] = {0x01, 0x02, 0x03};
+    dump.DumpStreamData("first_diagnostics.pcm", chunk, sizeof(chunk));  // in /data/local/tmp/
     dump.UnInit();
 
     OstraRadar &radar = OstraRadar::GetInstance();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Documents: a device offers a service with its audio capabilities, and the peer reads both.
+// Writes the document of a service with its audio capabilities, and reads both as the peer would.
 
 #include <cstdint>
 #include <cstdio>
@@ -24,7 +24,7 @@ int main()
         return 1;
     }
 
-    // The bytes travel to the peer, as the content of a frame for instance.
+    // The peer receives these bytes, for example as the content of a frame.
     DHOSTRADeviceServiceJson service;
     if (service.Unmarshal({bytes.begin(), bytes.end()}) != OSTRA_JSON_SUCCESS ||
         service.audioProperties_.Unmarshal(service.properties_) != OSTRA_JSON_SUCCESS) {

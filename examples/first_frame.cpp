@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Frames: one side packs a frame, the other takes it apart.
+// Packs a channel frame, parses it as the receiver would, and prints its header value, content and CRC.
 
 #include <cstdio>
 

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Runs the example pair as a user would and looks at what it prints and how it ends. Usage:
-# example_pair_test.sh COMMAND [WORD ...]
+# Runs the example pair as a user would, and checks its output and its exit status. Also checks that scripts/demo
+# refuses the same arguments before it builds anything, and that docs/wire-formats.md shows the messages of the pair.
+# Usage: channel_pair_test.sh COMMAND [WORD ...]
 set -euo pipefail
 
+here=$(cd "$(dirname "$0")" && pwd)
 pair=("$@")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -14,32 +16,52 @@ fail() {
     exit 1
 }
 
-# judge WHAT STATUS WANTED TEXTS: the exit status must be as wanted, and each line of TEXTS printed.
-judge() {
-    local text
-    [ "$2" = "$3" ] || fail "$1: exit status $2, not $3"
-    while read -r text; do
-        grep -qF -- "$text" "$folder/out" "$folder/err" || fail "$1: not printed: $text"
+# check WHAT STATUS EXPECTED LINES: compares the exit status, and looks for each of LINES in the output.
+check() {
+    local line
+    [ "$2" = "$3" ] || fail "$1: exit status $2, expected $3"
+    while read -r line; do
+        grep -qF -- "$line" "$folder/out" "$folder/err" || fail "$1: not printed: $line"
     done <<<"$4"
 }
 
-# expect STATUS TEXTS ARGUMENT...: runs the pair to its end.
+# expect STATUS LINES ARGUMENT...: runs the pair to its end.
 expect() {
-    local status=0 wanted=$1 texts=$2
+    local status=0 expected=$1 lines=$2
     shift 2
     timeout 60 "${pair[@]}" "$@" >"$folder/out" 2>"$folder/err" || status=$?
-    judge "$*" "$status" "$wanted" "$texts"
+    check "$*" "$status" "$expected" "$lines"
 }
 
-# refuse STATUS TEXT ARGUMENT...: the same, and TEXT must be in the only line on standard error.
+# refuse STATUS LINE ARGUMENT...: the same, but LINE must be the only line on standard error.
 refuse() {
     expect "$@"
     [ "$(wc -l <"$folder/err")" = 1 ] || fail "${*:3}: not one line"
 }
 
-# disturb STATUS TEXTS SIGNAL parent|source|sink ARGUMENT...: sends the signal in the midst of an endless stream.
+# A copy of scripts/demo that cannot install or build anything.
+mkdir -p "$folder/copy/examples"
+cp -r "$here/../../scripts" "$folder/copy"
+cp -r "$here/../../examples/channel_pair" "$folder/copy/examples"
+printf 'echo nothing is built here >&2; exit 99\n' >"$folder/copy/scripts/setup"
+
+# expect_demo STATUS LINES ARGUMENT...: runs that copy.
+expect_demo() {
+    local status=0 expected=$1 lines=$2
+    shift 2
+    "$folder/copy/scripts/demo" "$@" >"$folder/out" 2>"$folder/err" || status=$?
+    check "scripts/demo $*" "$status" "$expected" "$lines"
+}
+
+# invalid LINE ARGUMENT...: neither the pair nor scripts/demo accepts the arguments.
+invalid() {
+    expect 2 "$@"
+    expect_demo 2 '' "${@:2}"
+}
+
+# disturb STATUS LINES SIGNAL parent|source|sink ARGUMENT...: sends the signal while an endless stream is sent.
 disturb() {
-    local status=0 wanted=$1 texts=$2 signal=$3 whom=$4 sides=() parent tries
+    local status=0 expected=$1 lines=$2 signal=$3 process=$4 sides=() parent tries
     shift 4
     "${pair[@]}" "$@" /dev/zero >"$folder/out" 2>"$folder/err" &
     parent=$!
@@ -48,104 +70,164 @@ disturb() {
         [ "${#sides[@]}" != 2 ] || break
         sleep 0.05
     done
-    [ "$tries" -gt 0 ] || fail 'there are no two sides'
+    [ "$tries" -gt 0 ] || fail 'the two sides did not start'
     sleep 0.3
-    case $whom in
+    case $process in
         parent) kill -s "$signal" "$parent" ;;
         source) kill -s "$signal" "${sides[0]}" ;;
         sink) kill -s "$signal" "${sides[1]}" ;;
     esac
+    for ((tries = 400; tries > 0; --tries)); do
+        kill -0 "$parent" 2>/dev/null || break
+        sleep 0.05
+    done
+    [ "$tries" -gt 0 ] || { kill -s KILL "$parent"; fail "$signal to the $process: the pair hangs"; }
     wait "$parent" 2>/dev/null || status=$?
-    judge "$signal to the $whom" "$status" "$wanted" "$texts"
+    check "$signal to the $process" "$status" "$expected" "$lines"
     for ((tries = 100; tries > 0; --tries)); do
         kill -0 "${sides[0]}" 2>/dev/null || kill -0 "${sides[1]}" 2>/dev/null || return 0
         sleep 0.05
     done
-    fail "$signal to the $whom: a side still runs"
+    fail "$signal to the $process: a side still runs"
+}
+
+# interrupt_open SIGNAL ARGUMENT...: the signal ends the pair while it waits for the other end of a FIFO. The status of
+# timeout is 124 then, and 137 if it had to kill the pair.
+interrupt_open() {
+    local status=0 signal=$1
+    shift
+    timeout --kill-after 5 --signal "$signal" 0.5 "${pair[@]}" "$@" >"$folder/out" 2>"$folder/err" || status=$?
+    [ "$status" = 124 ] || fail "$signal while opening a FIFO: exit status $status"
 }
 
 random=$folder/random
 head -c 1234567 /dev/urandom >"$random"
 empty=$folder/empty
 : >"$empty"
+fifo=$folder/fifo
+mkfifo "$fifo"
 
-# What arrives, and what is told about it.
-expect 0 $'frames      253\nbytes       960838\nlost        0\ndamaged     0\n desk tablet
+# Streams that arrive.
+expect 0 $'sending 5 s of a generated tone, as fast as possible\nchunks      250\nbytes       960000
+lost        0 of 250 chunks\ndetected    0\n desk tablet
 m******e of type *, codec bits 5, profiles 48000,2,16;16000,1,16;
-48000 Hz, 2 channels, pieces of 20 ms
+48000 Hz, 2 channels, chunks of 20 ms
 notified    isomerism_connect of
-6 steps reported, all successful
+6 business-flow steps reported, none failed
 every byte arrived'
-! grep -q '[0-9a-f]\{32\}' "$folder/out" || fail "an identifier in the clear"
+! grep -q '[0-9a-f]\{32\}' "$folder/out" || fail "an identifier is not masked"
+expect 0 'sending a generated tone for 0.1 s, as fast as possible' --seconds 0.1
 expect 0 $'port: 8***
-FUNC=source HOST_PKG=collaboration_service BIZ_SCENE=2 BIZ_STAGE=1 STAGE_RES=1 BIZ_STATE=1
-FUNC=sink TO_CALL_PKG=dsoftbus HOST_PKG=collaboration_service BIZ_SCENE=2 BIZ_STAGE=8 STAGE_RES=1' --verbose
-expect 0 'frames      3' "$empty"
-expect 0 $'frames      325\nevery byte arrived' "$random" --output "$folder/copy"
-cmp "$folder/copy" "$random"
+"FUNC":"source","HOST_PKG":"collaboration_service","BIZ_SCENE":2,"BIZ_STAGE":1,"STAGE_RES":1,"BIZ_STATE":1
+"FUNC":"sink","TO_CALL_PKG":"dsoftbus","HOST_PKG":"collaboration_service","BIZ_SCENE":2,"BIZ_STAGE":8,"STAGE_RES":1' -v
+expect 0 'nothing was sent: the input is empty' "$empty"
+expect 0 $'chunks      322\nbytes       1234567\nevery byte arrived' "$random" --output "$folder/received"
+cmp "$folder/received" "$random"
 cp "$random" "$folder/-odd"
 (cd "$folder" && expect 0 'every byte arrived' --output=-copy -- -odd && cmp ./-copy random)
 (sleep 0.5 && cat "$random") | expect 0 'every byte arrived' --timeout 0.4 --output "$folder/piped" -
 cmp "$folder/piped" "$random"
 expect 0 'every byte arrived' /dev/stdin <"$random"
+expect 0 '' --output - "$random"
+cmp "$folder/out" "$random"
+grep -q 'every byte arrived' "$folder/err" || fail 'no report on standard error'
 
-# Faults that were planned are all caught; a fault that was not makes the pair fail.
+# All announced faults are detected. An unannounced one makes the pair fail, even if no chunk is missing: frame 3 is the
+# first keep-alive frame of an idle input.
 for seed in 1 2 3; do
-    expect 0 $'lost        40
-damaged     56 (8 flipped, 8 cut, 8 repeated, 8 late, 8 empty, 8 too long, 8 foreign)
-each was caught and every other frame arrived' --faults 56 --seed "$seed" "$random"
+    expect 0 $'lost        40 of 322 chunks
+injected    56 (8 corrupted, 8 truncated, 8 duplicated, 8 delayed, 8 empty, 8 oversized, 8 unexpected)
+detected    56 (8 corrupted, 8 truncated, 8 duplicated, 8 delayed, 8 empty, 8 oversized, 8 unexpected)
+56 faults injected, 56 detected\n40 chunks were corrupted' --faults 56 --seed "$seed" "$random"
 done
-head -c 500000 "$random" | expect 0 'each was caught' --faults 7 -
-expect 0 'each was caught' --seconds 1 --faults 14
-expect 1 $'lost        1\n3 failed\n1 of 253 frames are missing, damaged: 1 (1 flipped)' --flip 252
+head -c 500000 "$random" | expect 0 '7 faults injected, 7 detected' --faults 7 -
+expect 0 '14 faults injected, 14 detected' --seconds 1 --faults 14
+expect 1 $'lost        1 of 250 chunks\n6 business-flow steps reported, 3 failed
+1 of 250 chunks are missing; faults detected: 1 (1 corrupted); the first missing frame is frame 10' --flip 10
 expect 1 'the device document is missing or not as offered' --flip 0
 expect 1 'the service document is missing or not as offered' --flip 1
-expect 1 'the settings are missing or not as offered' --flip 2
-refuse 1 'the end of the stream is missing' --flip 253
-refuse 1 'faults left over: 1' --flip 254
-head -c 5000 "$random" | refuse 1 'faults left over' --faults 7 -
+expect 1 $'the settings are missing or not as offered\nthe first missing frame is frame 2' --flip 2
+refuse 1 'the end of the stream is missing, expected frame 253' --flip 253
+refuse 1 'the stream is too short: 1 faults not injected' --flip 254
+(sleep 1) | refuse 1 'faults detected: 1 (1 corrupted); faults injected: 0; the first missing frame is frame 3' \
+    --timeout 0.4 --flip 3 -
+head -c 5000 "$random" | refuse 1 'faults not injected' --faults 7 -
 
-# Sides that are killed, stopped, interrupted or left behind.
+# Sides that are killed, stopped, interrupted or left alone.
 disturb 1 $'the source was killed by signal 9\nthe end of the stream is missing' KILL source
-disturb 1 $'the sink was killed by signal 9\nthe sink closed the link' KILL sink
-disturb 1 'the source was stopped by signal 19' STOP source --timeout 0.5
-disturb 1 'the sink was stopped by signal 19' STOP sink --timeout 0.5
+disturb 1 $'the sink was killed by signal 9\nthe sink closed the connection' KILL sink
+disturb 1 $'the source sent nothing for 1 s\nthe source did not end within 1 s' STOP source --timeout 0.9999999
+disturb 1 $'the sink received nothing for 0.5 s\nthe sink did not end within 0.5 s' STOP sink --timeout 0.5
 disturb 130 'interrupted; of what was sent so far, every byte arrived' INT parent
+disturb 130 'interrupted; of what was sent so far, every byte arrived' TERM parent
 disturb 130 'interrupted; of what was sent so far, every byte arrived' INT source
 disturb 137 '' KILL parent
+for signal in INT TERM; do
+    interrupt_open "$signal" "$fifo"
+    interrupt_open "$signal" --output "$fifo" "$random"
+done
 
 # Files that cannot be read or written.
 refuse 1 "channel_pair: $folder/missing: No such file or directory" "$folder/missing"
 refuse 1 "channel_pair: $folder: Is a directory" "$folder"
 refuse 1 'channel_pair: /proc/self/mem: Input/output error' /proc/self/mem
 refuse 1 'channel_pair: /dev/full: No space left on device' --output /dev/full /dev/zero
-refuse 1 "channel_pair: $random: File exists" --output "$random" "$random"
-[ -s "$random" ] || fail "the input was emptied"
+refuse 1 "channel_pair: $random: the output is the input file" --output "$random" "$random"
+[ -s "$random" ] || fail "the input was truncated"
 if [ "$(id -u)" != 0 ]; then
     chmod 000 "$empty"
     refuse 1 "channel_pair: $empty: Permission denied" "$empty"
 fi
 status=0
 "${pair[@]}" /dev/zero 2>"$folder/err" >/dev/full || status=$?
-judge 'full standard output' "$status" 1 'channel_pair: standard output: No space left on device'
+check 'full standard output' "$status" 1 'channel_pair: standard output: No space left on device'
 if [ -d /data/local/tmp ]; then
-    expect 0 ', 1234567 bytes' --dump "$random"
-    dump=$(sed -n 's/^  dump *\(.*\), .*/\1/p' "$folder/out")
-    cmp "$dump" "$random"
-    rm "$dump"
-    (ulimit -f 200 && expect 1 'the dump is cut short: File too large' --dump "$random")
-    rm -f "$(sed -n 's/^  dump *\(.*\): the dump.*/\1/p' "$folder/out")"
+    dumps=()
+    for run in 1 2; do
+        expect 0 ', 1234567 bytes; delete it with: rm /data/local/tmp/channel_pair_' --dump "$random"
+        dump=$(sed -n 's/^  dump *\(.*\), .*/\1/p' "$folder/out")
+        cmp "$dump" "$random"
+        rm "$dump"
+        [[ $dump =~ /channel_pair_[0-9a-f]{16}\.pcm$ ]] || fail "$run: the dump has another name: $dump"
+        dumps+=("$dump")
+    done
+    [ "${dumps[0]}" != "${dumps[1]}" ] || fail "the name of the dump can be guessed"
+    (ulimit -f 200 && expect 1 'the dump is incomplete: File too large' --dump "$random")
+    rm "$(sed -n 's/^channel_pair: \(.*\): the dump.*/\1/p' "$folder/err")"
 fi
 
-# Wrong calls, each with what is wrong in it.
-expect 2 '--nonsense' --nonsense
-expect 2 '--flip' --flip -1
-expect 2 '--faults' --faults some
-expect 2 '--faults: at most 125 fit' --faults 126
-expect 2 '--seed requires --faults' --seed 3
-expect 2 'the name is empty' ''
-expect 2 'second' first second
-expect 2 'FILE excludes --seconds' --seconds 1 "$random"
+# Invalid arguments.
+invalid '--nonsense' --nonsense
+invalid '--flip' --flip -1
+invalid '--faults' --faults some
+invalid '--faults' --faults 1000001 "$random"
+invalid '--seconds' --seconds
+invalid '--seconds' --seconds 0
+invalid '--timeout' --timeout 3601
+invalid '--seed requires --faults' --seed 3
+invalid '--faults excludes --flip' --flip 3 --faults 4
+invalid 'the name is empty' ''
+invalid 'the name is empty' --output ''
+invalid 'second' first second
+invalid 'FILE excludes --seconds' --seconds 1 "$random"
+expect 2 '--faults: at most 125 fit into 5 s of a generated tone' --faults 126
 expect 0 '--output' --help
 expect 0 '--output' -h
-echo "the pair behaves"
+expect_demo 1 "$folder/missing: No such file" "$folder/missing"
+expect_demo 1 "$folder: Is a directory" "$folder"
+expect_demo 99 'nothing is built here' "$random" -o "$folder/copy" --faults=8 --seed 1 --timeout .5 --trace x --dump -v
+expect_demo 99 'nothing is built here' -
+expect_demo 0 "$("${pair[@]}" --help)" --help
+
+# The worked examples of messages; a line that starts with a space continues the previous one.
+printf hi >"$folder/hi"
+expect 0 '' --trace "$folder/trace" "$folder/hi"
+(sleep 0.2) | expect 0 '' --trace "$folder/idle" --timeout 0.4 -
+examples=0
+while read -r message; do
+    grep -qxF "$message " "$folder/trace" "$folder/idle" || fail "the pair does not send this message: $message"
+    examples=$((examples + 1))
+done < <(sed -n '/^```pair$/,/^```$/{/^```/d;s|  // .*||;p}' "$here/../../docs/wire-formats.md" |
+    sed -e ':a' -e '$!N;s/\n / /;ta' -e 'P;D' | sed 's/.*=> //')
+[ "$examples" = 4 ] || fail "$examples examples of messages, expected 4"
+echo "the pair works"

@@ -9,7 +9,7 @@ set -euo pipefail
 page=$1
 # Messages of several lines are indented in golden files.
 golden=$(cat "$2"/*.txt | sed -e ':a' -e 'N;$!ba' -e 's/\n    |/\n/g')
-declare -A kinds=([frame]=computed [header]=computed [crc]=computed [audio]=computed [parcel]=computed
+declare -A kinds=([frame]=computed [header]=computed [crc]=computed [audio]=computed [parcel]=computed [pair]=computed
     [device]=golden [service]=golden [unset-service]=golden [message]=golden [request]=golden
     [event]=golden)
 declare -A found=()

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Runs the source and the sink as child processes and waits for both, however they end.
+
+#ifndef EXAMPLES_CHANNEL_PAIR_PROCESS_H
+#define EXAMPLES_CHANNEL_PAIR_PROCESS_H
+
+#include <sys/types.h>
+
+#include <functional>
+#include <string>
+
+#include "pair.h"
+
+struct ChildProcess {
+    std::string name;
+    pid_t pid = -1;  // -1 when it has ended
+    int pipe = -1;   // brings its report
+
+    // Set when it has ended. The exit reason is empty for a normal exit, else for example "the sink was killed by
+    // signal 9 (Killed)".
+    SideReport report;
+    std::string exitReason;
+};
+
+// Sets the handler of SIGINT and SIGTERM for this process and its children. The signals interrupt system calls.
+void HandleInterrupts(void (*handler)(int));
+
+// A handler that counts, and its count.
+void CountInterrupt(int signal);
+int Interrupts();
+
+// Forks a child that is killed when this process ends.
+ChildProcess Start(const std::string &name, const std::function<SideReport()> &run);
+
+// Waits for both. Kills a child that is still running `timeout` seconds after the other one has ended. Forwards SIGINT
+// and SIGTERM to the source as SIGINT; a second signal kills both.
+void WaitForBoth(ChildProcess &source, ChildProcess &sink, double timeout);
+
+#endif  // EXAMPLES_CHANNEL_PAIR_PROCESS_H

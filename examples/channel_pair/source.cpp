@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "fault_injector.h"
+#include "input.h"
+#include "ipc_utils.h"
+#include "message_parcel.h"
+#include "ostra_qos_adapter.h"
+#include "pair.h"
+#include "process.h"
+#include "qos.h"
+#include "report.h"
+
+using namespace OHOS::DistributedHardware::OstraAdapter;
+
+namespace {
+
+ByteView View(const std::string &document)
+{
+    return {reinterpret_cast<uint8_t *>(const_cast<char *>(document.data())), document.size()};
+}
+
+class Source {
+public:
+    Source(int socket, const Offer &offer, const PairOptions &options, Input &input)
+        : socket_(socket),
+          offer_(offer),
+          options_(options),
+          input_(input),
+          trace_(nullptr, std::fclose),
+          injector_(options.faults, input.Length())
+    {
+    }
+
+    bool OpenTrace()
+    {
+        if (options_.tracePath.empty()) {
+            return true;
+        }
+        trace_.reset(std::fopen(options_.tracePath.c_str(), "we"));
+        return trace_ != nullptr || Fail(options_.tracePath + ": " + std::strerror(errno));
+    }
+
+    bool SendOffer()
+    {
+        return Send(FrameKind::DEVICE, View(offer_.device)) && Send(FrameKind::SERVICE, View(offer_.service)) &&
+               SendMap(FrameKind::SETTINGS, offer_.settings);
+    }
+
+    bool SendStream()
+    {
+        const int idleMs = static_cast<int>(std::min(1.0, options_.timeout / 4) * 1000);
+        while (Interrupts() == 0) {
+            ByteView chunk;
+            const Input::Result result = input_.Next(chunk, idleMs);
+            if (result == Input::Result::END) {
+                return true;
+            }
+            if (result == Input::Result::FAILED) {
+                return Fail(input_.Name() + ": " + std::strerror(errno));
+            }
+            if (!Send(result == Input::Result::IDLE ? FrameKind::KEEP_ALIVE : FrameKind::STREAM, chunk)) {
+                return false;
+            }
+        }
+        report_.result = "interrupted; of what was sent so far, ";
+        return true;
+    }
+
+    bool SendEnd()
+    {
+        if (injector_.IsDelaying() && !Send(FrameKind::KEEP_ALIVE, {})) {
+            return false;
+        }
+        ParcelMap end = {{SENT_CHUNKS, std::to_string(sent_.chunks)},
+                         {INTACT_CHUNKS, std::to_string(sent_.chunks - dropped_.chunks)},
+                         {INTACT_BYTES, std::to_string(sent_.bytes - dropped_.bytes)},
+                         {INTACT_DIGEST, std::to_string(sent_.digest - dropped_.digest)}};
+        for (uint32_t fault = 0; fault < FAULTS; ++fault) {
+            end[static_cast<int32_t>(FIRST_FAULT + fault)] = std::to_string(injector_.Injected()[fault]);
+        }
+        if (!SendMap(FrameKind::END, end)) {
+            return false;
+        }
+        if (injector_.Remaining() > 0 && report_.result.empty()) {
+            return Fail("the stream is too short: " + std::to_string(injector_.Remaining()) + " faults not injected");
+        }
+        if (trace_ != nullptr && std::fflush(trace_.get()) != 0) {
+            return Fail(options_.tracePath + ": " + std::strerror(errno));
+        }
+        return true;
+    }
+
+    SideReport Report(const BusinessFlow &flow, const std::string &qos)
+    {
+        report_.summary = "source\n" + TotalRows(sent_, start_);
+        if (options_.faults.count > 0) {
+            report_.summary += Row("injected", ToString(injector_.Injected()));
+        }
+        report_.summary += Row("QoS", qos) + flow.Rows(options_.isVerbose);
+        if (options_.isVerbose) {
+            report_.summary += Row("connection", offer_.connection.String());
+        }
+        return report_;
+    }
+
+private:
+    bool SendMap(FrameKind kind, const ParcelMap &map)
+    {
+        OHOS::MessageParcel parcel;
+        if (!IpcUtils::Marshalling(parcel, map)) {
+            return Fail("a parcel cannot be written");
+        }
+        auto *data = reinterpret_cast<uint8_t *>(parcel.GetData());  // NOLINT(performance-no-int-to-ptr)
+        return Send(kind, {data, parcel.GetDataSize()});
+    }
+
+    bool Send(FrameKind kind, ByteView content)
+    {
+        const uint64_t number = nextFrame_++;
+        Message message = PackMessage(kind, number, content);
+        if (message.empty()) {
+            return FailToSend(number);
+        }
+        const FaultInjector::Output output = injector_.Inject(kind, number, std::move(message));
+        for (const Message &injected : output.messages) {
+            Trace(injected);
+            if (!SendMessage(socket_, injected)) {
+                return FailToSend(number);
+            }
+        }
+        if (kind == FrameKind::STREAM) {
+            sent_.Add(number, content);
+        }
+        if (output.isDropped) {
+            dropped_.Add(number, content);
+        }
+        return true;
+    }
+
+    void Trace(const Message &message) const
+    {
+        if (trace_ == nullptr) {
+            return;
+        }
+        for (const uint8_t byte : message) {
+            std::fprintf(trace_.get(), "%02X ", byte);
+        }
+        std::fputc('\n', trace_.get());
+    }
+
+    bool FailToSend(uint64_t number)
+    {
+        const int error = errno;
+        const std::string frame = " at frame " + std::to_string(number);
+        if (error == EAGAIN || error == EPIPE || error == ECONNRESET) {
+            const std::string silence = "the sink received nothing for " + FormatSeconds(options_.timeout);
+            report_.consequence = (error == EAGAIN ? silence : "the sink closed the connection") + frame;
+            return false;
+        }
+        return Fail("sending failed" + frame + ": " + std::strerror(error));
+    }
+
+    bool Fail(const std::string &reason)
+    {
+        report_.failure = reason;
+        return false;
+    }
+
+    int socket_;
+    const Offer &offer_;
+    const PairOptions &options_;
+    Input &input_;
+    std::unique_ptr<std::FILE, int (*)(std::FILE *)> trace_;
+    FaultInjector injector_;
+    uint64_t nextFrame_ = 0;
+    Totals sent_;
+    Totals dropped_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    SideReport report_;
+};
+
+}  // namespace
+
+SideReport RunSource(int socket, const Offer &offer, const PairOptions &options, Input &input)
+{
+    BusinessFlow flow("source");
+    Source source(socket, offer, options, input);
+    const bool isOffered = source.OpenTrace() && source.SendOffer();
+    flow.ReportStart(isOffered);
+
+    constexpr auto level = static_cast<int32_t>(OHOS::QOS::QosLevel::QOS_USER_INTERACTIVE);
+    const auto thread = static_cast<int32_t>(syscall(SYS_gettid));
+    RequestAuth(std::to_string(getpid()).c_str());
+    const bool isGranted = SetQos(level, thread) == 0;
+    const bool isSent = isOffered && source.SendStream() && source.SendEnd();
+    const bool isReset = isGranted && ResetQos(thread) == 0;
+
+    flow.ReportEnd(isSent);
+    return source.Report(flow, "level " + std::to_string(level) +
+                                   (isReset     ? " granted, reset at the end"
+                                    : isGranted ? " granted, not reset"
+                                                : " refused: needs privileges"));
+}
