@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "values.h"
+#include "host/values.h"
 
 namespace replay {
 

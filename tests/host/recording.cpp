@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "recording.h"
+#include "host/recording.h"
 
 #include <gtest/gtest.h>
 

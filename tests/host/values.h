@@ -14,7 +14,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "recording.h"
+#include "host/recording.h"
 
 namespace replay {
 

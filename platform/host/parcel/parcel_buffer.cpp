@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "parcel_layout.h"
+#include "parcel/parcel_layout.h"
 
 namespace OHOS {
 

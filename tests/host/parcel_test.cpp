@@ -9,7 +9,7 @@
 #include <memory>
 
 #include "message_parcel.h"
-#include "values.h"
+#include "host/values.h"
 
 using namespace OHOS;
 using namespace replay;

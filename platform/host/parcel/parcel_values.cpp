@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "parcel.h"
-#include "parcel_layout.h"
+#include "parcel/parcel_layout.h"
 
 namespace OHOS {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "hilog_level.h"
+#include "hilog/log_level.h"
 
 #include <algorithm>
 #include <atomic>
@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "parameter.h"
-#include "parameter_changes.h"
+#include "parameter/parameter_changes.h"
 
 namespace {
 

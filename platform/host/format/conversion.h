@@ -7,8 +7,8 @@
 
 #include <cstdarg>
 
-#include "bounded_format.h"
-#include "conversion_size.h"
+#include "format/format.h"
+#include "format/conversion_size.h"
 
 // Keeps the list of a caller in a class, so that functions can take it by reference.
 class Arguments {

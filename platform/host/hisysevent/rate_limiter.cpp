@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "hisysevent_limiter.h"
+#include "hisysevent/rate_limiter.h"
 
 #include <algorithm>
 #include <ctime>

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <utility>
 
-#include "hisysevent_delivery.h"
+#include "hisysevent/event_delivery.h"
 
 namespace OHOS::HiviewDFX {
 namespace {

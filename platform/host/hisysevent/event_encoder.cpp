@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "hisysevent_encoder.h"
+#include "hisysevent/event_encoder.h"
 
 #include <sys/syscall.h>
 #include <unistd.h>

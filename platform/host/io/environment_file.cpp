@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "environment_file.h"
+#include "io/environment_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "conversion_size.h"
+#include "format/conversion_size.h"
 #include "securec.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "qos_scheduling.h"
+#include "qos/scheduling.h"
 
 #include <sched.h>
 #include <sys/resource.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "bounded_format.h"
+#include "format/format.h"
 #include "securec.h"
 
 namespace {

@@ -17,8 +17,8 @@
 #include <mutex>
 #include <string_view>
 
-#include "bounded_format.h"
-#include "hilog_level.h"
+#include "format/format.h"
+#include "hilog/log_level.h"
 
 namespace {
 

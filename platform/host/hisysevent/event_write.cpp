@@ -7,9 +7,9 @@
 #include <mutex>
 #include <utility>
 
-#include "hisysevent_delivery.h"
-#include "hisysevent_encoder.h"
-#include "hisysevent_limiter.h"
+#include "hisysevent/event_delivery.h"
+#include "hisysevent/event_encoder.h"
+#include "hisysevent/rate_limiter.h"
 
 namespace OHOS::HiviewDFX {
 namespace {

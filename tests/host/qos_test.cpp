@@ -10,7 +10,7 @@
 
 #include "parameter.h"
 #include "qos.h"
-#include "recording.h"
+#include "host/recording.h"
 
 using namespace OHOS::QOS;
 using namespace replay;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "conversion.h"
+#include "format/conversion.h"
 
 #include <algorithm>
 #include <climits>

@@ -13,7 +13,7 @@
 #include <string>
 
 #include "hisysevent.h"
-#include "recording.h"
+#include "host/recording.h"
 
 using namespace OHOS::HiviewDFX;
 using namespace replay;
@@ -63,5 +63,5 @@ extern "C" int clock_gettime(clockid_t clock, timespec *now) noexcept
 
 TEST(HostPlatformReplay, Limiter)
 {
-    Replay("recorded/limiter.txt", 73, {{"site", WriteAtSite}});
+    Replay("recorded/hisysevent_rate_limiter.txt", 73, {{"site", WriteAtSite}});
 }

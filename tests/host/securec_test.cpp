@@ -9,9 +9,9 @@
 #include <cstring>
 #include <utility>
 
-#include "call.h"
+#include "host/call.h"
 #include "securec.h"
-#include "values.h"
+#include "host/values.h"
 
 using namespace replay;
 

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "parameter.h"
-#include "qos_scheduling.h"
+#include "qos/scheduling.h"
 
 namespace OHOS::QOS {
 namespace {

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "support/event_listener.h"
-#include "values.h"
+#include "host/values.h"
 
 using namespace OHOS::HiviewDFX;
 using namespace replay;

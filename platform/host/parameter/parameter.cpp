@@ -20,8 +20,8 @@
 #include <string>
 #include <string_view>
 
-#include "environment_file.h"
-#include "parameter_changes.h"
+#include "io/environment_file.h"
+#include "parameter/parameter_changes.h"
 
 namespace {
 

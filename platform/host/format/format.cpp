@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "bounded_format.h"
+#include "format/format.h"
 
 #include <algorithm>
 #include <climits>
@@ -10,7 +10,7 @@
 #include <cwchar>
 #include <string_view>
 
-#include "conversion.h"
+#include "format/conversion.h"
 
 namespace {
 

@@ -13,10 +13,10 @@
 #include <regex>
 #include <utility>
 
-#include "call.h"
+#include "host/call.h"
 #include "hilog/log.h"
 #include "parameter.h"
-#include "values.h"
+#include "host/values.h"
 
 using namespace replay;
 
@@ -118,7 +118,7 @@ TEST_F(HiLogReplay, GivesWhatWasRecorded)
             };
         }
     }
-    Replay("recorded/hilog-format.txt", 397, operations, [] { SetParameter(DEVICE_WIDE, "I"); });
+    Replay("recorded/hilog.txt", 397, operations, [] { SetParameter(DEVICE_WIDE, "I"); });
 }
 
 // Each parameter in turn; a later one wins over those before it.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "hisysevent_delivery.h"
+#include "hisysevent/event_delivery.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "environment_file.h"
+#include "io/environment_file.h"
 
 namespace OHOS::HiviewDFX {
 namespace {
