@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The parcel as recorded, and what of it could not be recorded.
+// Parcels: replays the recordings, and tests allocators.
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <cstring>
 #include <memory>
 
-#include "message_parcel.h"
 #include "host/values.h"
+#include "message_parcel.h"
 
 using namespace OHOS;
 using namespace replay;
@@ -21,7 +21,7 @@ struct Player {
     std::unique_ptr<Parcel> parcel;
     uintptr_t given = 0;
 
-    // An operation that gives one field, behind which the read position and the size of the data stand.
+    // Adds an operation with one result field, which read position and data size follow.
     void Add(const std::string &name, const std::function<std::string(const Fields &)> &operation)
     {
         operations[name] = [this, operation](const Fields &in) -> Fields {
@@ -45,7 +45,7 @@ struct Player {
     template <typename Variable>
     using Held = std::remove_pointer_t<std::remove_reference_t<Variable>>;
 
-    // A read into a variable, which holds `before` until then.
+    // Adds a read into a variable that holds `before`.
     template <typename Result, typename Variable>
     void AddReadInto(const std::string &name, Result (Parcel::*read)(Variable), const Held<Variable> &before)
     {
@@ -164,17 +164,17 @@ void Player::AddAll()
 
 }  // namespace
 
-TEST(HostParcel, ComesOutAsRecorded)
+TEST(Parcel, MatchesRecording)
 {
     Player player;
     player.AddAll();
     const auto begin = [&] {
         player.parcel = std::make_unique<MessageParcel>();
     };
-    Replay("recorded/parcel.txt", 307, player.operations, begin, "Unaligned");  // no host uses unaligned values
+    Replay("recorded/parcel.txt", 307, player.operations, begin, "Unaligned");
 }
 
-TEST(HostParcel, TakesItsBlockFromItsAllocatorWhichItOwns)
+TEST(ParcelAllocator, BelongsToTheParcel)
 {
     struct Counting : DefaultAllocator {
         explicit Counting(std::string &record) : calls(record)

@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Counted pointers, and the listeners of the distributed hardware SDK, which are held by them.
+// Reference-counted pointers, the distributed hardware SDK and the SoftBus client.
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <functional>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -15,6 +22,7 @@
 #include "distributed_hardware_fwk_kit.h"
 #include "errors.h"
 #include "nocopyable.h"
+#include "softbus_bus_center.h"
 
 using namespace OHOS;
 using namespace OHOS::DistributedHardware;
@@ -24,7 +32,7 @@ static_assert(FAILED(ERR_OK - 1));
 
 namespace {
 
-const auto token = std::make_shared<int>();  // held here and by every object
+const auto token = std::make_shared<int>();  // shared with every object
 
 struct Object : virtual RefBase {
     explicit Object(int number = 0) : value(number)
@@ -52,7 +60,7 @@ struct Listener : IPublisherListener {
 
 }  // namespace
 
-TEST(HostRefBase, PointersOfOneObjectShareItsCount)
+TEST(RefBase, PointersShareTheCountOfTheObject)
 {
     sptr<Object> first = new Derived(1);
     Object *const raw = first;
@@ -76,7 +84,7 @@ TEST(HostRefBase, PointersOfOneObjectShareItsCount)
     EXPECT_EQ(derived->GetSptrRefCount(), 1);
 }
 
-TEST(HostRefBase, AWeakPointerTellsWhetherTheObjectLives)
+TEST(RefBase, WeakPointersExpireWithTheObject)
 {
     sptr<Object> strong = new Object(5);
     wptr<Object> weak = strong;
@@ -93,13 +101,13 @@ TEST(HostRefBase, AWeakPointerTellsWhetherTheObjectLives)
         EXPECT_EQ(uncounted.GetSptrRefCount(), 0);
     }
     EXPECT_FALSE(weak.promote());
-    weak = new Derived(6);  // not counted yet: the first strong pointer takes it
+    weak = new Derived(6);  // not counted yet: the first strong pointer owns it
     EXPECT_EQ(weak.promote()->value, 6);
     EXPECT_FALSE(weak.promote());
 }
 
-// No promotion revives an object that another thread ends.
-TEST(HostRefBase, CountsFromAllThreads)
+// No promotion revives an object that another thread destroys.
+TEST(RefBase, CountsAreThreadSafe)
 {
     for (int round = 0; round < 200; ++round) {
         sptr<Object> strong = new Object(round);
@@ -120,7 +128,7 @@ TEST(HostRefBase, CountsFromAllThreads)
     }
 }
 
-TEST(HostPublisher, ReachesTheListenersOfTheTopicThroughAnyKit)
+TEST(FwkKit, PublishesToTheListenersOfTheTopic)
 {
     constexpr DHTopic topic{8};
     constexpr DHTopic unused{UINT32_MAX};
@@ -135,7 +143,7 @@ TEST(HostPublisher, ReachesTheListenersOfTheTopicThroughAnyKit)
     }
     EXPECT_EQ(kit.PublishMessage(DHTopic::TOPIC_MIN, "m"), -1);
     EXPECT_EQ(kit.UnregisterPublisherListener(unused, second), -1);
-    EXPECT_EQ(kit.PublishMessage(unused, "nobody listens"), 0);
+    EXPECT_EQ(kit.PublishMessage(unused, "unheard"), 0);
     EXPECT_EQ(kit.PublishMessage(topic, "m"), 0);
     EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), 0);
     EXPECT_EQ(first->GetSptrRefCount(), 1);
@@ -145,7 +153,7 @@ TEST(HostPublisher, ReachesTheListenersOfTheTopicThroughAnyKit)
     EXPECT_EQ(kit.UnregisterPublisherListener(topic, second), 0);
 }
 
-TEST(HostPublisher, AListenerMayThrow)
+TEST(FwkKit, ListenersMayThrow)
 {
     constexpr DHTopic topic{20};
     DistributedHardwareFwkKit kit;
@@ -155,4 +163,66 @@ TEST(HostPublisher, AListenerMayThrow)
     EXPECT_THROW(kit.PublishMessage(topic, "m"), std::runtime_error);
     EXPECT_EQ(kit.UnregisterPublisherListener(topic, thrower), 0);
     EXPECT_EQ(thrower->GetSptrRefCount(), 1);
+}
+
+namespace {
+
+std::map<std::string, std::string> g_idFiles;  // content of the files of the machine id; "unreadable" fails
+std::string g_hostName;
+
+}  // namespace
+
+// Replace the functions of the C library.
+extern "C" FILE *fopen(const char *path, const char *mode)
+{
+    if (std::strstr(path, "machine-id") == nullptr) {
+        return reinterpret_cast<FILE *(*)(const char *, const char *)>(dlsym(RTLD_NEXT, "fopen"))(path, mode);
+    }
+    const std::string &content = g_idFiles[path];
+    errno = content == "unreadable" ? EACCES : ENOENT;
+    return content.empty() || content == "unreadable" ? nullptr : fmemopen(g_idFiles[path].data(), content.size(), "r");
+}
+
+extern "C" int gethostname(char *name, size_t size) noexcept
+{
+    errno = ENAMETOOLONG;
+    if (g_hostName.empty() || g_hostName.size() >= size) {
+        return -1;
+    }
+    std::copy_n(g_hostName.c_str(), g_hostName.size() + 1, name);
+    return 0;
+}
+
+TEST(SoftBus, IdentifiesTheLocalNode)
+{
+    constexpr char first[] = "/etc/machine-id";
+    constexpr char second[] = "/var/lib/dbus/machine-id";
+    const std::string longest(64, 'h');
+    // HMAC-SHA-256, which must not change: peers know this machine by it.
+    const std::string idOfMachine = "ba69e395c3d99af5eb2f15cd89311ae60664bced981eb5a40ffacf263e759636";
+    const std::string idOfHost = "986c165d586b12c90021b8237569dc019d8b5ed80fa3b360a024809e3b0b7de3";
+    const struct {
+        std::map<std::string, std::string> files;
+        std::string hostName;
+        int32_t result;
+        std::string networkId;
+    } cases[] = {
+        {{{first, "0123456789abcdef0123456789abcdef\n"}, {second, "other"}}, longest, 0, idOfMachine},
+        {{{first, "\n"}, {second, "0123456789abcdef0123456789abcdef"}}, "host", 0, idOfMachine},
+        {{}, "host", 0, idOfHost},
+        {{{first, "unreadable"}, {second, "other"}}, "host", -2, ""},
+        {{{first, "id"}}, "", -2, ""},
+    };
+    for (const auto &[files, hostName, result, networkId] : cases) {
+        g_idFiles = files;
+        g_hostName = hostName;
+        NodeBasicInfo info = {"unchanged", "unchanged", 7};
+        EXPECT_EQ(GetLocalNodeDeviceInfo("pkg", &info), result);
+        EXPECT_EQ(info.networkId, result == 0 ? networkId : "unchanged");
+        EXPECT_EQ(info.deviceName, result == 0 ? hostName : "unchanged");
+        EXPECT_EQ(info.deviceTypeId, result == 0 ? 0 : 7);
+    }
+    NodeBasicInfo info{};
+    EXPECT_EQ(GetLocalNodeDeviceInfo(nullptr, &info), -1);
+    EXPECT_EQ(GetLocalNodeDeviceInfo("pkg", nullptr), -1);
 }

@@ -5,15 +5,17 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
+namespace ostra::host {
 namespace {
 
 constexpr std::string_view PUBLIC_MARK = "{public}";
 constexpr std::string_view PRIVATE_MARK = "{private}";
 
-// Reads digits or a star. Returns false for a number beyond an int.
-bool ReadNumber(const char *&cursor, Arguments &arguments, int &number)
+// Parses digits or a star. Returns false if the number exceeds an int.
+bool ParseNumber(const char *&cursor, Arguments &arguments, int &number)
 {
     if (*cursor == '*') {
         ++cursor;
@@ -31,7 +33,7 @@ bool ReadNumber(const char *&cursor, Arguments &arguments, int &number)
     return true;
 }
 
-void ReadFlags(const char *&cursor, Conversion &conversion)
+void ParseFlags(const char *&cursor, Conversion &conversion)
 {
     for (;; ++cursor) {
         switch (*cursor) {
@@ -56,9 +58,9 @@ void ReadFlags(const char *&cursor, Conversion &conversion)
     }
 }
 
-bool ReadWidths(const char *&cursor, Arguments &arguments, Conversion &conversion)
+bool ParseWidths(const char *&cursor, Arguments &arguments, Conversion &conversion)
 {
-    if (!ReadNumber(cursor, arguments, conversion.width)) {
+    if (!ParseNumber(cursor, arguments, conversion.width)) {
         return false;
     }
     if (conversion.width < 0) {
@@ -68,15 +70,15 @@ bool ReadWidths(const char *&cursor, Arguments &arguments, Conversion &conversio
     if (*cursor != '.') {
         return true;
     }
-    if (!ReadNumber(++cursor, arguments, conversion.precision)) {
+    if (!ParseNumber(++cursor, arguments, conversion.precision)) {
         return false;
     }
     conversion.precision = std::max(conversion.precision, UNSET_PRECISION);
     return true;
 }
 
-// Without a mark a value is private.
-void ReadPrivacy(const char *&cursor, Conversion &conversion)
+// A value without a privacy mark is private.
+void ParsePrivacy(const char *&cursor, Conversion &conversion)
 {
     const std::string_view rest(cursor);
     conversion.isVisible = rest.substr(0, PUBLIC_MARK.size()) == PUBLIC_MARK;
@@ -87,19 +89,45 @@ void ReadPrivacy(const char *&cursor, Conversion &conversion)
     }
 }
 
+// The platform accepts any number of size letters; the widest counts.
+ConversionSize ParseSize(const char *&cursor)
+{
+    struct NamedSize {
+        std::string_view name;
+        ConversionSize size;
+    };
+    static constexpr NamedSize sizes[] = {
+        {"hh", ConversionSize::CHAR},     {"h", ConversionSize::SHORT},      {"ll", ConversionSize::LONG_LONG},
+        {"l", ConversionSize::LONG},      {"z", ConversionSize::SIZE},       {"t", ConversionSize::DIFFERENCE},
+        {"j", ConversionSize::LONG_LONG}, {"q", ConversionSize::LONG_LONG},  {"I64", ConversionSize::LONG_LONG},
+        {"I32", ConversionSize::PLAIN},   {"L", ConversionSize::LONG_DOUBLE}};
+    ConversionSize widest = ConversionSize::PLAIN;
+    for (;;) {
+        const std::string_view rest(cursor);
+        const auto found = std::find_if(std::begin(sizes), std::end(sizes), [rest](const NamedSize &entry) {
+            return rest.substr(0, entry.name.size()) == entry.name;
+        });
+        if (found == std::end(sizes)) {
+            return widest;
+        }
+        widest = std::max(widest, found->size);
+        cursor += found->name.size();
+    }
+}
+
 }  // namespace
 
-bool ReadConversion(const char *&cursor, FormatDialect dialect, Arguments &arguments, Conversion &conversion)
+bool ParseConversion(const char *&cursor, FormatDialect dialect, Arguments &arguments, Conversion &conversion)
 {
     if (dialect == FormatDialect::HILOG) {
-        ReadPrivacy(cursor, conversion);
+        ParsePrivacy(cursor, conversion);
     }
     if (*cursor != '%') {
-        ReadFlags(cursor, conversion);
-        if (!ReadWidths(cursor, arguments, conversion)) {
+        ParseFlags(cursor, conversion);
+        if (!ParseWidths(cursor, arguments, conversion)) {
             return false;
         }
-        conversion.size = ReadConversionSize(cursor);
+        conversion.size = ParseSize(cursor);
         if (*cursor == '%') {
             return false;
         }
@@ -111,3 +139,5 @@ bool ReadConversion(const char *&cursor, FormatDialect dialect, Arguments &argum
     ++cursor;
     return true;
 }
+
+}  // namespace ostra::host

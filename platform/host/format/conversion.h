@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A conversion of the printf kind, as the platform's formatting reads it.
+// Parses one conversion of a format string.
 
-#ifndef HOST_CONVERSION_H
-#define HOST_CONVERSION_H
+#ifndef HOST_FORMAT_CONVERSION_H
+#define HOST_FORMAT_CONVERSION_H
 
 #include <cstdarg>
 
 #include "format/format.h"
-#include "format/conversion_size.h"
 
-// Keeps the list of a caller in a class, so that functions can take it by reference.
+namespace ostra::host {
+
+/// A copy of a va_list that functions can take by reference.
 class Arguments {
 public:
     explicit Arguments(va_list list)
@@ -38,7 +39,10 @@ private:
 
 constexpr int UNSET_PRECISION = -1;
 
-// One conversion, as "%{public}-8.3ld" splits into its parts.
+/// The size letters of a conversion, from the narrowest to the widest.
+enum class ConversionSize { PLAIN, SHORT, CHAR, SIZE, DIFFERENCE, LONG, LONG_LONG, LONG_DOUBLE };
+
+/// The parts of a conversion such as "%{public}-8.3ld".
 struct Conversion {
     bool isVisible = true;
     bool isLeft = false;
@@ -52,8 +56,10 @@ struct Conversion {
     char type = '\0';
 };
 
-// Reads the conversion behind a percent sign, which may take width and precision from the arguments, and moves the
-// cursor behind it. Its type may be a percent sign, which is printed as such. Returns false when it is none.
-bool ReadConversion(const char *&cursor, FormatDialect dialect, Arguments &arguments, Conversion &conversion);
+/// Parses the conversion after a percent sign and advances `cursor` to its end. Width and precision may come from the
+/// arguments. The type may be a percent sign, which is printed verbatim. Returns false if the conversion is malformed.
+bool ParseConversion(const char *&cursor, FormatDialect dialect, Arguments &arguments, Conversion &conversion);
 
-#endif  // HOST_CONVERSION_H
+}  // namespace ostra::host
+
+#endif  // HOST_FORMAT_CONVERSION_H

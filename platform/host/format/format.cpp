@@ -12,13 +12,14 @@
 
 #include "format/conversion.h"
 
+namespace ostra::host {
 namespace {
 
-constexpr int LONGEST_PRECISION = 512;  // of integers
+constexpr int MAX_PRECISION = 512;  // of integers
 constexpr std::string_view PRIVATE_TEXT = "<private>";
-constexpr auto NO_CHARACTER = static_cast<size_t>(-1);  // as wcrtomb says it
+constexpr auto NO_CHARACTER = static_cast<size_t>(-1);  // as wcrtomb reports it
 
-// The characters of an integer in front of padding: "-", "0x", digits.
+// An integer of either sign.
 struct Number {
     bool isNegative = false;
     uint64_t magnitude = 0;
@@ -33,16 +34,16 @@ public:
 
     FormatResult Run(const char *format)
     {
-        while (*format != '\0' && !isCut_) {
+        while (*format != '\0' && !isTruncated_) {
             const size_t plain = std::strcspn(format, "%");
             Put({format, plain});
             format += plain;
-            if (*format == '%' && !isCut_ && !Convert(++format)) {
+            if (*format == '%' && !isTruncated_ && !Convert(++format)) {
                 return {FormatOutcome::INVALID, 0};
             }
         }
         dest_[length_] = '\0';
-        return {isCut_ ? FormatOutcome::CUT : FormatOutcome::COMPLETE, length_};
+        return {isTruncated_ ? FormatOutcome::TRUNCATED : FormatOutcome::COMPLETE, length_};
     }
 
 private:
@@ -55,7 +56,7 @@ private:
     {
         const size_t length = text.copy(dest_ + length_, Room());
         length_ += length;
-        isCut_ = isCut_ || length < text.size();
+        isTruncated_ = isTruncated_ || length < text.size();
     }
 
     void Fill(char character, int count)
@@ -66,14 +67,15 @@ private:
         const size_t length = std::min(static_cast<size_t>(count), Room());
         std::memset(dest_ + length_, character, length);
         length_ += length;
-        isCut_ = isCut_ || length < static_cast<size_t>(count);
+        isTruncated_ = isTruncated_ || length < static_cast<size_t>(count);
     }
 
-    // Prints the conversion behind the percent sign and moves the cursor behind it. Returns false when it is none.
+    // Prints the conversion after the percent sign and advances the cursor to its end. Returns false if it is
+    // malformed.
     bool Convert(const char *&cursor)
     {
         Conversion conversion;
-        if (!ReadConversion(cursor, dialect_, arguments_, conversion)) {
+        if (!ParseConversion(cursor, dialect_, arguments_, conversion)) {
             return false;
         }
         if (conversion.type == '%') {
@@ -180,8 +182,7 @@ private:
             *--begin = digits[rest % base];
         }
         const int count = static_cast<int>(end - begin);
-        const int wanted =
-            conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, LONGEST_PRECISION);
+        const int wanted = conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
         int zeros = std::max(wanted - count, 0);
         if (conversion.isAlternate && conversion.type == 'o' && zeros == 0) {
             zeros = 1;
@@ -194,7 +195,8 @@ private:
             prefix = isUpper ? "0X" : "0x";
         }
         const int padding = conversion.width - static_cast<int>(prefix.size()) - zeros - count;
-        if (conversion.hasZeros && !conversion.isLeft && conversion.precision == UNSET_PRECISION) {
+        const bool isPrecise = conversion.precision != UNSET_PRECISION && conversion.type != 'p';
+        if (conversion.hasZeros && !conversion.isLeft && !isPrecise) {
             Put(prefix);
             Fill('0', padding);
         } else {
@@ -222,7 +224,7 @@ private:
         return PutInteger(conversion, {false, address});
     }
 
-    // Pads a text of `length` bytes that `put` puts.
+    // Pads the `length` bytes that `put` prints.
     template <typename Putter>
     bool PutPadded(const Conversion &conversion, size_t length, const Putter &put)
     {
@@ -244,8 +246,7 @@ private:
         return PutPadded(conversion, text.size(), [&] { Put(text); });
     }
 
-    // Gives the bytes of a wide character, as the process's locale has it, and how many they are, or NO_CHARACTER. What
-    // cannot be converted fails the text.
+    // Encodes a wide character in the locale of the process. Returns the number of bytes, or NO_CHARACTER.
     static size_t Narrow(wchar_t character, char (&bytes)[MB_LEN_MAX])
     {
         std::mbstate_t state{};
@@ -275,7 +276,7 @@ private:
         const size_t limit =
             conversion.precision == UNSET_PRECISION ? SIZE_MAX : static_cast<size_t>(conversion.precision);
         const void *const text = arguments_.Next<const void *>();
-        if (!conversion.isVisible) {  // whatever it points to
+        if (!conversion.isVisible) {  // without reading it: it may be invalid
             Put(PRIVATE_TEXT);
             return true;
         }
@@ -327,14 +328,14 @@ private:
         if (wanted < 0) {
             return false;
         }
-        // The C library ends what it prints with a zero byte, which may stand where nothing may be written yet.
+        // The C library adds a null terminator, which must not overwrite a byte that may yet remain unchanged.
         const size_t length = std::min(static_cast<size_t>(wanted), Room());
         char &behind = dest_[length_ + length];
         const char kept = behind;
         std::snprintf(dest_ + length_, length + 1, format, conversion.width, conversion.precision, value);
         behind = kept;
         length_ += length;
-        isCut_ = length < static_cast<size_t>(wanted);
+        isTruncated_ = length < static_cast<size_t>(wanted);
         return true;
     }
 
@@ -343,7 +344,7 @@ private:
     const FormatDialect dialect_;
     Arguments arguments_;
     size_t length_ = 0;
-    bool isCut_ = false;
+    bool isTruncated_ = false;
 };
 
 }  // namespace
@@ -352,3 +353,5 @@ FormatResult FormatBounded(char *dest, size_t size, FormatDialect dialect, const
 {
     return Formatter(dest, size, dialect, arguments).Run(format);
 }
+
+}  // namespace ostra::host

@@ -14,6 +14,7 @@
 #include "parameter.h"
 #include "parameter/parameter_changes.h"
 
+namespace ostra::host {
 namespace {
 
 constexpr unsigned int FIRST_REFUSED_DOMAIN = 0xD0FFFFF;
@@ -21,9 +22,9 @@ constexpr unsigned int LAST_APP_DOMAIN = 0xFFFF;
 constexpr int LEVEL_OFF = LOG_LEVEL_MAX;
 constexpr int LEVEL_UNSET = LOG_LEVEL_MIN;
 constexpr char LEVEL_VARIABLE[] = "OSTRA_HOST_LOG_LEVEL";
-constexpr size_t KEY_SIZE = 128;  // more than a parameter's name can have: one that is cut is no name
+constexpr size_t KEY_SIZE = 128;  // more than a parameter name can have: a truncated name is invalid
 
-// The lowest level that is written.
+// Returns the lowest level that is written to standard error.
 int ReadEnvironment()
 {
     static constexpr std::pair<std::string_view, int> levels[] = {{"debug", LOG_DEBUG}, {"info", LOG_INFO},
@@ -38,8 +39,7 @@ int ReadEnvironment()
             return level;
         }
     }
-    std::fprintf(stderr, "%s=%s is none of debug, info, warn, error, fatal, off; taken as unset\n", LEVEL_VARIABLE,
-                 wanted);
+    std::fprintf(stderr, "%s=%s is none of debug, info, warn, error, fatal, off; ignored\n", LEVEL_VARIABLE, wanted);
     return LEVEL_UNSET;
 }
 
@@ -49,7 +49,7 @@ int LowestWritten()
     return level;
 }
 
-// The level that the parameter `name`, or else the one of that name behind "persist.sys.", is set to.
+// Returns the level in the parameter `name`, or else in "persist.sys." + `name`.
 int LevelOfParameter(const char *name, const char *fallback = "")
 {
     constexpr std::string_view letters = "DIWEFX";
@@ -57,7 +57,7 @@ int LevelOfParameter(const char *name, const char *fallback = "")
     for (const char *prefix : {"", "persist.sys."}) {
         char key[KEY_SIZE];
         std::snprintf(key, sizeof(key), "%s%s", prefix, name);
-        char value[2] = "";  // a letter; what is longer is none
+        char value[2] = "";  // one letter: a longer value is no level
         GetParameter(key, *prefix == '\0' ? "" : fallback, value, sizeof(value));
         if (const size_t at = letters.find(value); *value != '\0' && at != std::string_view::npos) {
             return LOG_DEBUG + static_cast<int>(at);
@@ -77,12 +77,13 @@ int ReadLowestLevel(unsigned int domain, const char *tag)
             level = LevelOfParameter(name);
         }
     }
-    // The output that debug messages are wanted on gets them, too.
+    // OSTRA_HOST_LOG_LEVEL=debug would be pointless if debug messages were not delivered.
     const char *const standard = LowestWritten() == LOG_DEBUG ? "D" : "I";
     return level != LEVEL_UNSET ? level : LevelOfParameter("hilog.loggable.global", standard);
 }
 
-// The lowest level that the parameters let through. A thread mostly logs under one tag, so it remembers the last one.
+// Returns the lowest level that the parameters let through. A thread mostly logs under one tag, so it caches the last
+// one.
 int LowestLevel(unsigned int domain, const char *tag)
 {
     struct Remembered {
@@ -93,7 +94,7 @@ int LowestLevel(unsigned int domain, const char *tag)
     };
     static thread_local Remembered last = {UINT64_MAX, 0, "", LEVEL_UNSET};
     const uint64_t changes = CountParameterChanges();
-    // A tag that was cut never compares equal.
+    // A truncated tag never compares equal.
     if (last.changes != changes || last.domain != domain || std::strncmp(last.tag, tag, sizeof(last.tag)) != 0) {
         last.level = ReadLowestLevel(domain, tag);
         last.changes = changes;
@@ -103,9 +104,20 @@ int LowestLevel(unsigned int domain, const char *tag)
     return last.level;
 }
 
-// What the application asked for: preference and level in one number, so that both change at once.
+// Preference and level of HiLogSetAppLogLevel in one number, so that both change atomically.
 constexpr int PREFERENCE_UNIT = 16;
 std::atomic<int> g_appLevel{UNSET_LOGLEVEL * PREFERENCE_UNIT};
+
+int LowestLoggable(unsigned int domain, const char *tag)
+{
+    const int lowest = LowestLevel(domain, tag);
+    const int app = g_appLevel.load();
+    const int appLevel = app % PREFERENCE_UNIT;
+    if (domain > LAST_APP_DOMAIN || app / PREFERENCE_UNIT == UNSET_LOGLEVEL) {
+        return lowest;
+    }
+    return app / PREFERENCE_UNIT == PREFER_CLOSE_LOG ? std::max(lowest, appLevel) : std::min(lowest, appLevel);
+}
 
 }  // namespace
 
@@ -114,19 +126,16 @@ bool IsLevelWritten(LogLevel level)
     return level >= LowestWritten();
 }
 
+}  // namespace ostra::host
+
+using namespace ostra::host;
+
 bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level)
 {
-    if (tag == nullptr || level <= LOG_LEVEL_MIN || level >= LOG_LEVEL_MAX || domain >= FIRST_REFUSED_DOMAIN) {
+    if (tag == nullptr || level < LOG_DEBUG || level >= LOG_LEVEL_MAX || domain >= FIRST_REFUSED_DOMAIN) {
         return false;
     }
-    int lowest = std::max<int>(LowestLevel(domain, tag), LOG_DEBUG);
-    const int app = g_appLevel.load();
-    const int preference = app / PREFERENCE_UNIT;
-    const int appLevel = app % PREFERENCE_UNIT;
-    if (domain <= LAST_APP_DOMAIN && preference != UNSET_LOGLEVEL) {
-        lowest = preference == PREFER_CLOSE_LOG ? std::max(lowest, appLevel) : std::min(lowest, appLevel);
-    }
-    return level >= lowest;
+    return level >= LowestLoggable(domain, tag);
 }
 
 void HiLogSetAppLogLevel(LogLevel level, PreferStrategy prefer)

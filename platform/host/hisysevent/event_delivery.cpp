@@ -6,21 +6,23 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <mutex>
 #include <string_view>
 
 #include "io/environment_file.h"
+#include "io/write.h"
 
-namespace OHOS::HiviewDFX {
+namespace ostra::host {
 namespace {
 
 constexpr char OUTPUT_VARIABLE[] = "OSTRA_HOST_EVENT_OUTPUT";
 
-// Where the events of this process are appended, if anywhere.
+// The file or standard error that the events of this process are appended to, if any.
 class EventOutput {
 public:
-    static const EventOutput &GetInstance()
+    static EventOutput &GetInstance()
     {
-        static const EventOutput instance(std::getenv(OUTPUT_VARIABLE));
+        static auto &instance = *new EventOutput(std::getenv(OUTPUT_VARIABLE));  // threads may write until the end
         return instance;
     }
 
@@ -29,10 +31,15 @@ public:
         return isConfigured_;
     }
 
-    // One line, one write at the end of the file: lines of several threads and processes do not mix.
-    bool Append(const std::string &line) const
+    // Appends the event and a line end. If the previous event was written in part, ends its line first.
+    bool Append(const std::string &json)
     {
-        return write(descriptor_, line.data(), line.size()) == static_cast<ssize_t>(line.size());
+        const std::lock_guard<std::mutex> lock(mutex_);
+        const std::string line = (isLineOpen_ ? "\n" : "") + json + "\n";
+        const ssize_t written = WriteOnce(descriptor_, line);
+        const bool isComplete = written == static_cast<ssize_t>(line.size());
+        isLineOpen_ = written > 0 ? !isComplete : isLineOpen_;
+        return isComplete;
     }
 
 private:
@@ -47,26 +54,27 @@ private:
 
     bool isConfigured_;
     int descriptor_ = -1;
+    std::mutex mutex_;
+    bool isLineOpen_ = false;
 };
 
 }  // namespace
 
-bool IsEventWanted(const std::string &domain, const std::string &eventName, HiSysEvent::EventType type)
+bool IsEventWanted(const std::string &domain, const std::string &eventName, int type)
 {
     return EventOutput::GetInstance().IsConfigured() || !FindListeners(domain, eventName, type).empty();
 }
 
-bool SendEvent(const std::shared_ptr<HiSysEventRecord> &event)
+bool SendEvent(const Event &event)
 {
-    const EventOutput &output = EventOutput::GetInstance();
-    if (output.IsConfigured() && !output.Append(event->AsJson() + "\n")) {
+    EventOutput &output = EventOutput::GetInstance();
+    if (output.IsConfigured() && !output.Append(event->AsJson())) {
         return false;
     }
-    const auto listeners = FindListeners(event->GetDomain(), event->GetEventName(), event->GetEventType());
-    for (const std::shared_ptr<HiSysEventListener> &listener : listeners) {
+    for (const Listener &listener : FindListeners(event->GetDomain(), event->GetEventName(), event->GetEventType())) {
         listener->OnEvent(event);
     }
     return true;
 }
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The way of an event from the writer to those who are to get it.
+// Passes events from the writer to the output and the listeners.
 
-#ifndef HOST_HISYSEVENT_DELIVERY_H
-#define HOST_HISYSEVENT_DELIVERY_H
+#ifndef HOST_HISYSEVENT_EVENT_DELIVERY_H
+#define HOST_HISYSEVENT_EVENT_DELIVERY_H
 
 #include <memory>
 #include <string>
@@ -11,19 +11,21 @@
 
 #include "hisysevent_listener.h"
 
-namespace OHOS::HiviewDFX {
+namespace ostra::host {
 
-// The listeners with a rule that matches, in the order in which they were added.
-std::vector<std::shared_ptr<HiSysEventListener>> FindListeners(const std::string &domain, const std::string &eventName,
-                                                               HiSysEvent::EventType type);
+using Event = std::shared_ptr<OHOS::HiviewDFX::HiSysEventRecord>;
+using Listener = std::shared_ptr<OHOS::HiviewDFX::HiSysEventListener>;
 
-// Whether there is an output or a listener for such an event.
-bool IsEventWanted(const std::string &domain, const std::string &eventName, HiSysEvent::EventType type);
+/// Returns the listeners with a rule that matches, in the order in which they were added.
+std::vector<Listener> FindListeners(const std::string &domain, const std::string &eventName, int type);
 
-// Hands an event to the output, if there is one, and then to its listeners. Returns false, and gives it to nobody, when
-// the output cannot take it. A program that defines this function stands in for whoever takes the events.
-bool SendEvent(const std::shared_ptr<HiSysEventRecord> &event);
+/// Returns whether there is an output or a listener for such an event.
+bool IsEventWanted(const std::string &domain, const std::string &eventName, int type);
 
-}  // namespace OHOS::HiviewDFX
+/// Appends an event to the configured output, if any, then passes it to its listeners. Returns false, without calling a
+/// listener, if the output cannot be written.
+bool SendEvent(const Event &event);
 
-#endif  // HOST_HISYSEVENT_DELIVERY_H
+}  // namespace ostra::host
+
+#endif  // HOST_HISYSEVENT_EVENT_DELIVERY_H

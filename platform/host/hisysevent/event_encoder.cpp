@@ -13,15 +13,16 @@
 #include <ctime>
 #include <limits>
 
-namespace OHOS::HiviewDFX {
+using namespace OHOS::HiviewDFX;
+
+namespace ostra::host {
 namespace {
 
-// What the parts of an encoded event take. The platform's limit is recorded to within 8 bytes; these sums meet it
-// there.
+// Sizes of the parts of an encoded event. The platform's limit is recorded to within 8 bytes; these sums meet it there.
 constexpr size_t HEADER_SIZE = 88;
 constexpr size_t KEY_OVERHEAD = 1;
 constexpr size_t VALUE_OVERHEAD = 1;
-constexpr size_t TEXT_OVERHEAD = 3;
+constexpr size_t STRING_OVERHEAD = 3;
 constexpr size_t NUMBER_SIZE = 8;
 
 constexpr int64_t MS_PER_SECOND = 1000;
@@ -37,15 +38,15 @@ bool IsNameCharacter(char character)
     return IsLetter(character) || (character >= '0' && character <= '9') || character == '_';
 }
 
-void EndIfNull(std::string_view text, const char *what)
+void AbortIfNull(std::string_view string, const char *what)
 {
-    if (text.data() == nullptr) {
+    if (string.data() == nullptr) {
         std::fprintf(stderr, "HiSysEvent::Write: null %s\n", what);
         std::abort();
     }
 }
 
-// The letter behind the backslash in JSON, or 0.
+// Returns the letter after the backslash in JSON, or 0.
 char EscapeOf(char character)
 {
     switch (character) {
@@ -73,8 +74,9 @@ bool IsControl(char character)
     return static_cast<unsigned char>(character) < ' ' || character == deleteCharacter;
 }
 
-// Nine digits of a float, of a double as few as give it back; no exponent up to 15 digits, whatever the locale.
-std::string NumberText(const HiSysEventScalar &scalar)
+// Prints nine digits of a float, and of a double as few as identify it. Without an exponent up to 15 digits, in any
+// locale.
+std::string FormatNumber(const EventScalar &scalar)
 {
     if (!std::isfinite(scalar.floating)) {
         return "0";
@@ -82,7 +84,7 @@ std::string NumberText(const HiSysEventScalar &scalar)
     char text[32];
     char *const end = text + sizeof(text);
     int digits = std::numeric_limits<float>::max_digits10;
-    if (scalar.kind == HiSysEventScalar::Kind::DOUBLE) {
+    if (scalar.kind == EventScalar::Kind::DOUBLE) {
         const char *shortest = std::to_chars(text, end, scalar.floating, std::chars_format::scientific).ptr;
         const char *exponent = std::find(static_cast<const char *>(text), shortest, 'e');
         const auto needed = std::count_if(static_cast<const char *>(text), exponent, IsNameCharacter);
@@ -102,32 +104,30 @@ std::string TimeZone(time_t seconds)
 
 }  // namespace
 
-bool IsHiSysEventName(std::string_view name, size_t longest)
+bool IsEventName(std::string_view name, size_t maxLength)
 {
-    return !name.empty() && name.size() <= longest && IsLetter(name.front()) &&
+    return !name.empty() && name.size() <= maxLength && IsLetter(name.front()) &&
            std::all_of(name.begin(), name.end(), IsNameCharacter);
 }
 
-EventEncoder::EventEncoder(const std::string &domain, const std::string &eventName, HiSysEvent::EventType type)
-    : size_(HEADER_SIZE)
+EventEncoder::EventEncoder(const std::string &domain, const std::string &eventName, int type) : size_(HEADER_SIZE)
 {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    json_ = R"({"domain_":")" + domain + R"(","name_":")" + eventName + R"(","type_":)" +
-            std::to_string(static_cast<int>(type)) + R"(,"time_":)" +
-            std::to_string(now.tv_sec * MS_PER_SECOND + now.tv_nsec / NS_PER_MS) + R"(,"tz_":")" +
+    json_ = R"({"domain_":")" + domain + R"(","name_":")" + eventName + R"(","type_":)" + std::to_string(type) +
+            R"(,"time_":)" + std::to_string(now.tv_sec * MS_PER_SECOND + now.tv_nsec / NS_PER_MS) + R"(,"tz_":")" +
             TimeZone(now.tv_sec) + R"(","pid_":)" + std::to_string(getpid()) + R"(,"tid_":)" +
             std::to_string(syscall(SYS_gettid)) + R"(,"uid_":)" + std::to_string(getuid());
 }
 
-void EventEncoder::Add(const HiSysEventKeyValue &param)
+void EventEncoder::Add(const EventKeyValue &param)
 {
-    EndIfNull(param.key, "key");
+    AbortIfNull(param.key, "key");
     if (keyCount_ == MAX_PARAM_NUMBER) {
         warning_ = ERR_KEY_NUMBER_TOO_MUCH;
         return;
     }
-    if (!IsHiSysEventName(param.key, MAX_PARAM_NAME_LENGTH)) {
+    if (!IsEventName(param.key, MAX_PARAM_NAME_LENGTH)) {
         warning_ = ERR_KEY_NAME_INVALID;
         return;
     }
@@ -137,7 +137,7 @@ void EventEncoder::Add(const HiSysEventKeyValue &param)
     AddValue(param);
 }
 
-void EventEncoder::AddValue(const HiSysEventKeyValue &param)
+void EventEncoder::AddValue(const EventKeyValue &param)
 {
     if (!param.isVector) {
         AddScalar(param.elements.front());
@@ -154,44 +154,44 @@ void EventEncoder::AddValue(const HiSysEventKeyValue &param)
     json_ += ']';
 }
 
-void EventEncoder::AddScalar(const HiSysEventScalar &scalar)
+void EventEncoder::AddScalar(const EventScalar &scalar)
 {
     switch (scalar.kind) {
-        case HiSysEventScalar::Kind::SIGNED:
+        case EventScalar::Kind::SIGNED:
             json_ += std::to_string(static_cast<int64_t>(scalar.bits));
             break;
-        case HiSysEventScalar::Kind::UNSIGNED:
+        case EventScalar::Kind::UNSIGNED:
             json_ += std::to_string(scalar.bits);
             break;
-        case HiSysEventScalar::Kind::FLOAT:
-        case HiSysEventScalar::Kind::DOUBLE:
-            json_ += NumberText(scalar);
+        case EventScalar::Kind::FLOAT:
+        case EventScalar::Kind::DOUBLE:
+            json_ += FormatNumber(scalar);
             break;
-        case HiSysEventScalar::Kind::TEXT:
-            AddText(scalar.text);
+        case EventScalar::Kind::STRING:
+            AddString(scalar.string);
             return;
     }
     size_ += NUMBER_SIZE;
 }
 
-// The platform, too, sends texts with their escapes: they count.
-void EventEncoder::AddText(std::string_view text)
+// The platform, too, sends strings with their escapes, so that these count.
+void EventEncoder::AddString(std::string_view string)
 {
-    EndIfNull(text, "text");
-    if (text.size() > MAX_STRING_LENGTH) {
+    AbortIfNull(string, "string");
+    if (string.size() > MAX_STRING_LENGTH) {
         warning_ = ERR_VALUE_LENGTH_TOO_LONG;
     }
     json_ += '"';
     const size_t begin = json_.size();
-    for (const char character : text) {
+    for (const char character : string) {
         if (const char escape = EscapeOf(character)) {
             json_.append(1, '\\').append(1, escape);
         } else if (!IsControl(character)) {
             json_ += character;
         }
     }
-    size_ += TEXT_OVERHEAD + (json_.size() - begin);
+    size_ += STRING_OVERHEAD + (json_.size() - begin);
     json_ += '"';
 }
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host

@@ -1,28 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Puts an event together as JSON, and counts what the platform's own encoding of it takes.
+// Encodes an event as JSON, and counts the bytes that the platform's own encoding of it takes.
 
-#ifndef HOST_HISYSEVENT_ENCODER_H
-#define HOST_HISYSEVENT_ENCODER_H
+#ifndef HOST_HISYSEVENT_EVENT_ENCODER_H
+#define HOST_HISYSEVENT_EVENT_ENCODER_H
 
 #include <cstddef>
 #include <string>
 
 #include "hisysevent.h"
 
-namespace OHOS::HiviewDFX {
+namespace ostra::host {
 
-bool IsHiSysEventName(std::string_view name, size_t longest);
+bool IsEventName(std::string_view name, size_t maxLength);
 
 class EventEncoder {
 public:
-    // Begins an event of this thread and this moment.
-    EventEncoder(const std::string &domain, const std::string &eventName, HiSysEvent::EventType type);
+    // Starts an event of the calling thread with the current time.
+    EventEncoder(const std::string &domain, const std::string &eventName, int type);
 
-    // Adds a key and its value, or what the limits leave of them.
-    void Add(const HiSysEventKeyValue &param);
+    // Adds a key and its value within the limits of the platform.
+    void Add(const EventKeyValue &param);
 
-    // The last warning, or SUCCESS.
+    // Returns the last warning, or SUCCESS.
     int Warning() const
     {
         return warning_;
@@ -30,26 +30,26 @@ public:
 
     bool IsOverSize() const
     {
-        return size_ > MAX_DATA_SIZE;
+        return size_ > OHOS::HiviewDFX::MAX_DATA_SIZE;
     }
 
-    // The whole event, one line without its end.
+    // Returns the whole event, without a line end.
     std::string Json() const
     {
         return json_ + '}';
     }
 
 private:
-    void AddValue(const HiSysEventKeyValue &param);
-    void AddScalar(const HiSysEventScalar &scalar);
-    void AddText(std::string_view text);
+    void AddValue(const EventKeyValue &param);
+    void AddScalar(const EventScalar &scalar);
+    void AddString(std::string_view string);
 
     std::string json_;
     size_t size_;
     size_t keyCount_ = 0;
-    int warning_ = SUCCESS;
+    int warning_ = OHOS::HiviewDFX::SUCCESS;
 };
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host
 
-#endif  // HOST_HISYSEVENT_ENCODER_H
+#endif  // HOST_HISYSEVENT_EVENT_ENCODER_H

@@ -12,11 +12,11 @@ namespace OHOS::HiviewDFX {
 namespace {
 
 constexpr int SUCCEEDED = 0;
-constexpr int NO_JSON = -1;
+constexpr int NOT_JSON = -1;
 constexpr int NO_SUCH_KEY = -2;
 constexpr int OTHER_TYPE = -3;
 
-// What the platform adds to an event.
+// The fields that the platform adds to an event.
 constexpr char DOMAIN_FIELD[] = "domain_";
 constexpr char NAME_FIELD[] = "name_";
 constexpr char TYPE_FIELD[] = "type_";
@@ -36,11 +36,11 @@ constexpr std::string_view PLATFORM_FIELDS[] = {DOMAIN_FIELD,         NAME_FIELD
                                                 LEVEL_FIELD,          TAG_FIELD,       TRACE_ID_FIELD, SPAN_ID_FIELD,
                                                 PARENT_SPAN_ID_FIELD, TRACE_FLAG_FIELD};
 
-enum class Kind { NUMBER, TEXT, OTHER };
+enum class Kind { NUMBER, STRING, OTHER };
 
 struct Scalar {
     Kind kind;
-    std::string text;  // of a number its characters in the JSON text
+    std::string text;  // of a number its characters in the JSON document
     double number;
 };
 
@@ -50,11 +50,11 @@ struct Field {
     std::vector<Scalar> values;
 };
 
-// Reads the fields of an object. cJSON's numbers are doubles, which keep 53 bits, so the characters of each number are
-// taken from the text, where the numbers stand in the same order.
+// Reads the fields of an object. The numbers of cJSON are doubles, which hold 53 bits only, so the characters of each
+// number are taken from the document, which has the numbers in the same order.
 class FieldReader {
 public:
-    explicit FieldReader(std::string_view text) : text_(text)
+    explicit FieldReader(std::string_view json) : json_(json)
     {
     }
 
@@ -79,10 +79,10 @@ private:
             return {Kind::NUMBER, NextNumber(), item->valuedouble};
         }
         if (cJSON_IsString(item) != 0) {
-            return {Kind::TEXT, item->valuestring, 0};
+            return {Kind::STRING, item->valuestring, 0};
         }
         for (const cJSON *child = item->child; child != nullptr; child = child->next) {
-            ReadScalar(child);  // moves behind the numbers of a nested value
+            ReadScalar(child);  // skips the numbers of a nested value
         }
         return {Kind::OTHER, "", 0};
     }
@@ -90,26 +90,26 @@ private:
     std::string NextNumber()
     {
         constexpr char numberCharacters[] = "+-.0123456789eE";
-        at_ = text_.find_first_of("-0123456789\"", at_);
-        while (text_[at_] == '"') {
-            at_ = text_.find_first_of("-0123456789\"", EndOfText(at_));
+        at_ = json_.find_first_of("-0123456789\"", at_);
+        while (json_[at_] == '"') {
+            at_ = json_.find_first_of("-0123456789\"", EndOfString(at_));
         }
         const size_t begin = at_;
-        at_ = std::min(text_.find_first_not_of(numberCharacters, at_), text_.size());
-        return std::string(text_.substr(begin, at_ - begin));
+        at_ = std::min(json_.find_first_not_of(numberCharacters, at_), json_.size());
+        return std::string(json_.substr(begin, at_ - begin));
     }
 
-    // The position behind the closing quote.
-    size_t EndOfText(size_t quote) const
+    // Returns the position after the closing quote.
+    size_t EndOfString(size_t quote) const
     {
         size_t at = quote + 1;
-        while (text_[at] != '"') {
-            at += text_[at] == '\\' ? 2 : 1;
+        while (json_[at] != '"') {
+            at += json_[at] == '\\' ? 2 : 1;
         }
         return at + 1;
     }
 
-    std::string_view text_;
+    std::string_view json_;
     size_t at_ = 0;
 };
 
@@ -130,7 +130,7 @@ bool Convert(const Scalar &scalar, double &value)
 bool Convert(const Scalar &scalar, std::string &value)
 {
     value = scalar.text;
-    return scalar.kind == Kind::TEXT;
+    return scalar.kind == Kind::STRING;
 }
 
 template <typename Value>
@@ -151,6 +151,32 @@ bool Convert(const Field &field, std::vector<Value> &values)
 }  // namespace
 
 struct HiSysEventRecord::Content {
+    template <typename Value>
+    int Get(const std::string &param, Value &value) const
+    {
+        if (!isObject) {
+            return NOT_JSON;
+        }
+        const auto found =
+            std::find_if(fields.begin(), fields.end(), [&](const Field &field) { return field.key == param; });
+        if (found == fields.end()) {
+            return NO_SUCH_KEY;
+        }
+        Value converted{};
+        if (!Convert(*found, converted)) {
+            return OTHER_TYPE;
+        }
+        value = std::move(converted);
+        return SUCCEEDED;
+    }
+
+    template <typename Value>
+    Value GetOr(const char *param, Value otherwise) const
+    {
+        Get(param, otherwise);
+        return otherwise;
+    }
+
     std::string json;
     bool isObject;
     std::vector<Field> fields;
@@ -172,75 +198,75 @@ std::string HiSysEventRecord::AsJson() const
 
 std::string HiSysEventRecord::GetDomain() const
 {
-    return ValueOr<std::string>(DOMAIN_FIELD, "");
+    return content_->GetOr<std::string>(DOMAIN_FIELD, "");
 }
 
 std::string HiSysEventRecord::GetEventName() const
 {
-    return ValueOr<std::string>(NAME_FIELD, "");
+    return content_->GetOr<std::string>(NAME_FIELD, "");
 }
 
 HiSysEvent::EventType HiSysEventRecord::GetEventType() const
 {
-    return static_cast<HiSysEvent::EventType>(ValueOr<int64_t>(TYPE_FIELD, 0));
+    return static_cast<HiSysEvent::EventType>(content_->GetOr<int64_t>(TYPE_FIELD, 0));
 }
 
 std::string HiSysEventRecord::GetLevel() const
 {
-    return ValueOr<std::string>(LEVEL_FIELD, "");
+    return content_->GetOr<std::string>(LEVEL_FIELD, "");
 }
 
 std::string HiSysEventRecord::GetTag() const
 {
-    return ValueOr<std::string>(TAG_FIELD, "");
+    return content_->GetOr<std::string>(TAG_FIELD, "");
 }
 
 std::string HiSysEventRecord::GetTimeZone() const
 {
-    return ValueOr<std::string>(TIME_ZONE_FIELD, "");
+    return content_->GetOr<std::string>(TIME_ZONE_FIELD, "");
 }
 
 uint64_t HiSysEventRecord::GetTime() const
 {
-    return ValueOr<uint64_t>(TIME_FIELD, 0);
+    return content_->GetOr<uint64_t>(TIME_FIELD, 0);
 }
 
 int64_t HiSysEventRecord::GetPid() const
 {
-    return ValueOr<int64_t>(PID_FIELD, 0);
+    return content_->GetOr<int64_t>(PID_FIELD, 0);
 }
 
 int64_t HiSysEventRecord::GetTid() const
 {
-    return ValueOr<int64_t>(TID_FIELD, 0);
+    return content_->GetOr<int64_t>(TID_FIELD, 0);
 }
 
 int64_t HiSysEventRecord::GetUid() const
 {
-    return ValueOr<int64_t>(UID_FIELD, 0);
+    return content_->GetOr<int64_t>(UID_FIELD, 0);
 }
 
 uint64_t HiSysEventRecord::GetTraceId() const
 {
-    return ValueOr<uint64_t>(TRACE_ID_FIELD, 0);
+    return content_->GetOr<uint64_t>(TRACE_ID_FIELD, 0);
 }
 
 uint64_t HiSysEventRecord::GetSpanId() const
 {
-    return ValueOr<uint64_t>(SPAN_ID_FIELD, 0);
+    return content_->GetOr<uint64_t>(SPAN_ID_FIELD, 0);
 }
 
 uint64_t HiSysEventRecord::GetPspanId() const
 {
-    return ValueOr<uint64_t>(PARENT_SPAN_ID_FIELD, 0);
+    return content_->GetOr<uint64_t>(PARENT_SPAN_ID_FIELD, 0);
 }
 
 int HiSysEventRecord::GetTraceFlag() const
 {
-    return static_cast<int>(ValueOr<int64_t>(TRACE_FLAG_FIELD, 0));
+    return static_cast<int>(content_->GetOr<int64_t>(TRACE_FLAG_FIELD, 0));
 }
 
-// The first field of each platform name is the platform's: a writer may use the same name for a key of its own.
+// Only the first field with a platform name is the platform's: a writer may use the same name for its own key.
 void HiSysEventRecord::GetParamNames(std::vector<std::string> &params) const
 {
     params.clear();
@@ -255,39 +281,19 @@ void HiSysEventRecord::GetParamNames(std::vector<std::string> &params) const
     }
 }
 
-template <typename Value>
-int HiSysEventRecord::GetParamValue(const std::string &param, Value &value) const
-{
-    if (!content_->isObject) {
-        return NO_JSON;
+#define PARAM_VALUE(Type)                                                                         \
+    int HiSysEventRecord::GetParamValue(const std::string &param, Type &value) const              \
+    {                                                                                             \
+        return content_->Get(param, value);                                                       \
+    }                                                                                             \
+    int HiSysEventRecord::GetParamValue(const std::string &param, std::vector<Type> &value) const \
+    {                                                                                             \
+        return content_->Get(param, value);                                                       \
     }
-    const auto found = std::find_if(content_->fields.begin(), content_->fields.end(),
-                                    [&](const Field &field) { return field.key == param; });
-    if (found == content_->fields.end()) {
-        return NO_SUCH_KEY;
-    }
-    Value converted{};
-    if (!Convert(*found, converted)) {
-        return OTHER_TYPE;
-    }
-    value = std::move(converted);
-    return SUCCEEDED;
-}
 
-template <typename Value>
-Value HiSysEventRecord::ValueOr(const char *name, Value otherwise) const
-{
-    GetParamValue(name, otherwise);
-    return otherwise;
-}
-
-template int HiSysEventRecord::GetParamValue(const std::string &, int64_t &) const;
-template int HiSysEventRecord::GetParamValue(const std::string &, uint64_t &) const;
-template int HiSysEventRecord::GetParamValue(const std::string &, double &) const;
-template int HiSysEventRecord::GetParamValue(const std::string &, std::string &) const;
-template int HiSysEventRecord::GetParamValue(const std::string &, std::vector<int64_t> &) const;
-template int HiSysEventRecord::GetParamValue(const std::string &, std::vector<uint64_t> &) const;
-template int HiSysEventRecord::GetParamValue(const std::string &, std::vector<double> &) const;
-template int HiSysEventRecord::GetParamValue(const std::string &, std::vector<std::string> &) const;
+PARAM_VALUE(int64_t)
+PARAM_VALUE(uint64_t)
+PARAM_VALUE(double)
+PARAM_VALUE(std::string)
 
 }  // namespace OHOS::HiviewDFX

@@ -11,14 +11,14 @@
 #include "hisysevent/event_encoder.h"
 #include "hisysevent/rate_limiter.h"
 
-namespace OHOS::HiviewDFX {
+using namespace OHOS::HiviewDFX;
+
+namespace ostra::host {
 namespace {
 
-// The events that could not be sent, the oldest first. They go out before the next one.
+// The events that could not be sent, oldest first. They are sent before the next one.
 class Backlog {
 public:
-    using Event = std::shared_ptr<HiSysEventRecord>;
-
     static Backlog &GetInstance()
     {
         static auto &instance = *new Backlog;  // never destroyed: threads may write until the very end
@@ -35,7 +35,7 @@ public:
         }
     }
 
-    // Returns false, and keeps the rest, at the first event that cannot be sent.
+    // Stops and returns false at the first event that cannot be sent.
     bool SendAll()
     {
         while (Event event = TakeFirst()) {
@@ -66,16 +66,16 @@ private:
 
 }  // namespace
 
-int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, const std::string &eventName,
-                     EventType type, const HiSysEventKeyValue *params, size_t paramCount)
+int WriteEvent(const EventCallSite &site, const std::string &domain, const std::string &eventName, int type,
+               const EventKeyValue *params, size_t paramCount)
 {
-    if (!WriteLimiter::GetInstance().Admit(eventName, site)) {
+    if (!RateLimiter::GetInstance().Admit(eventName, site)) {
         return ERR_WRITE_IN_HIGH_FREQ;
     }
-    if (!IsHiSysEventName(domain, MAX_DOMAIN_LENGTH)) {
+    if (!IsEventName(domain, MAX_DOMAIN_LENGTH)) {
         return ERR_DOMAIN_NAME_INVALID;
     }
-    if (!IsHiSysEventName(eventName, MAX_EVENT_NAME_LENGTH)) {
+    if (!IsEventName(eventName, MAX_EVENT_NAME_LENGTH)) {
         return ERR_EVENT_NAME_INVALID;
     }
     EventEncoder encoder(domain, eventName, type);
@@ -89,6 +89,9 @@ int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, 
         return encoder.Warning();
     }
     auto event = std::make_shared<HiSysEventRecord>(encoder.Json());
+    if (event->GetDomain().empty()) {  // cJSON could not allocate the parsed event
+        return ERR_RAW_DATA_WROTE_EXCEPTION;
+    }
     if (!Backlog::GetInstance().SendAll() || !SendEvent(event)) {
         Backlog::GetInstance().Keep(std::move(event));
         return ERR_SEND_FAIL;
@@ -96,4 +99,4 @@ int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, 
     return encoder.Warning();
 }
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host

@@ -15,10 +15,10 @@ constexpr int32_t NULL_LISTENER = -1;
 constexpr int32_t WRONG_STATE = -2;
 constexpr int32_t RULE_NOT_OFFERED = -3;
 
-// Whether the text of a rule matches a name.
-bool IsMatch(const std::string &text, const std::string &name)
+// An empty name in a rule matches every name.
+bool IsMatch(const std::string &wanted, const std::string &name)
 {
-    return text.empty() || text == name;
+    return wanted.empty() || wanted == name;
 }
 
 struct Entry {
@@ -86,10 +86,15 @@ int32_t HiSysEventManager::RemoveListener(std::shared_ptr<HiSysEventListener> li
     return 0;
 }
 
-std::vector<std::shared_ptr<HiSysEventListener>> FindListeners(const std::string &domain, const std::string &eventName,
-                                                               HiSysEvent::EventType type)
+}  // namespace OHOS::HiviewDFX
+
+namespace ostra::host {
+
+using namespace OHOS::HiviewDFX;
+
+std::vector<Listener> FindListeners(const std::string &domain, const std::string &eventName, int type)
 {
-    std::vector<std::shared_ptr<HiSysEventListener>> listeners;
+    std::vector<Listener> listeners;
     Registry &registry = ProcessRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
     for (const Entry &entry : registry.entries) {
@@ -100,4 +105,4 @@ std::vector<std::shared_ptr<HiSysEventListener>> FindListeners(const std::string
     return listeners;
 }
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host

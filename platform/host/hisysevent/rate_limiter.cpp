@@ -6,17 +6,17 @@
 #include <ctime>
 #include <utility>
 
-namespace OHOS::HiviewDFX {
+namespace ostra::host {
 namespace {
 
-constexpr size_t REMEMBERED_SITES = 30;
-constexpr size_t LONGEST_SITE_KEY = 256;
+constexpr size_t MAX_SITES = 30;
+constexpr size_t MAX_SITE_KEY_LENGTH = 256;
 
-std::string SiteKey(std::string_view eventName, const HiSysEventCallSite &site)
+std::string SiteKey(std::string_view eventName, const EventCallSite &site)
 {
     std::string key(eventName);
-    key.append("_").append(HiSysEventScalar::Text(site.func)).append("_").append(std::to_string(site.line));
-    key.resize(std::min(key.size(), LONGEST_SITE_KEY));
+    key.append("_").append(EventScalar::View(site.func)).append("_").append(std::to_string(site.line));
+    key.resize(std::min(key.size(), MAX_SITE_KEY_LENGTH));
     return key;
 }
 
@@ -29,13 +29,13 @@ int64_t WallClockSecond()
 
 }  // namespace
 
-WriteLimiter &WriteLimiter::GetInstance()
+RateLimiter &RateLimiter::GetInstance()
 {
-    static auto &instance = *new WriteLimiter;  // never destroyed: threads may write until the very end
+    static auto &instance = *new RateLimiter;  // never destroyed: threads may write until the very end
     return instance;
 }
 
-bool WriteLimiter::Admit(std::string_view eventName, const HiSysEventCallSite &site)
+bool RateLimiter::Admit(std::string_view eventName, const EventCallSite &site)
 {
     std::string key = SiteKey(eventName, site);
     const int64_t now = WallClockSecond();
@@ -53,7 +53,7 @@ bool WriteLimiter::Admit(std::string_view eventName, const HiSysEventCallSite &s
     return true;
 }
 
-WriteLimiter::Budget &WriteLimiter::Find(std::string key)
+RateLimiter::Budget &RateLimiter::Find(std::string key)
 {
     const auto found =
         std::find_if(budgets_.begin(), budgets_.end(), [&](const Budget &budget) { return budget.key == key; });
@@ -62,10 +62,10 @@ WriteLimiter::Budget &WriteLimiter::Find(std::string key)
         return budgets_.front();
     }
     budgets_.push_front({std::move(key), 0, 0});
-    if (budgets_.size() > REMEMBERED_SITES) {
+    if (budgets_.size() > MAX_SITES) {
         budgets_.pop_back();
     }
     return budgets_.front();
 }
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host

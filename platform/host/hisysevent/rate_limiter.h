@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Counts the events of each call site. Any thread may ask at any time.
+// Limits how many events each call site writes.
 
-#ifndef HOST_HISYSEVENT_LIMITER_H
-#define HOST_HISYSEVENT_LIMITER_H
+#ifndef HOST_HISYSEVENT_RATE_LIMITER_H
+#define HOST_HISYSEVENT_RATE_LIMITER_H
 
 #include <cstdint>
 #include <list>
@@ -13,14 +13,15 @@
 
 #include "hisysevent.h"
 
-namespace OHOS::HiviewDFX {
+namespace ostra::host {
 
-class WriteLimiter {
+/// Thread-safe.
+class RateLimiter {
 public:
-    static WriteLimiter &GetInstance();
+    static RateLimiter &GetInstance();
 
-    // Counts a write of the call site; false when its budget of the period is used up.
-    bool Admit(std::string_view eventName, const HiSysEventCallSite &site);
+    /// Counts a write of the call site. Returns false if its budget for the period is used up.
+    bool Admit(std::string_view eventName, const EventCallSite &site);
 
 private:
     struct Budget {
@@ -32,9 +33,9 @@ private:
     Budget &Find(std::string key);
 
     std::mutex mutex_;
-    std::list<Budget> budgets_;  // the last used first
+    std::list<Budget> budgets_;  // most recently used first
 };
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host
 
-#endif  // HOST_HISYSEVENT_LIMITER_H
+#endif  // HOST_HISYSEVENT_RATE_LIMITER_H

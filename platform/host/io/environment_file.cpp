@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 
+namespace ostra::host {
 namespace {
 
 const char *ReasonToRefuse(int descriptor)
@@ -32,6 +33,8 @@ int OpenEnvironmentFile(const char *variable, const char *path, int flags)
         return descriptor;
     }
     std::fprintf(stderr, "%s=%s cannot be opened: %s\n", variable, path, reason);
-    close(descriptor);  // which does nothing for none
+    close(descriptor);  // a no-op for -1
     return -1;
 }
+
+}  // namespace ostra::host

@@ -2,11 +2,15 @@
 //
 // Opens the files that the host platform's environment variables name.
 
-#ifndef HOST_ENVIRONMENT_FILE_H
-#define HOST_ENVIRONMENT_FILE_H
+#ifndef HOST_IO_ENVIRONMENT_FILE_H
+#define HOST_IO_ENVIRONMENT_FILE_H
 
-// Opens `path`, the value of `variable`, with the flags of open(). Never waits: a FIFO is refused, and so is a
-// directory. Returns the descriptor, or -1 after one line on standard error that says why.
+namespace ostra::host {
+
+/// Opens `path`, the value of `variable`, with the flags of open(). Never blocks: directories and FIFOs are refused.
+/// Returns the descriptor, or -1 after printing the reason to standard error.
 int OpenEnvironmentFile(const char *variable, const char *path, int flags);
 
-#endif  // HOST_ENVIRONMENT_FILE_H
+}  // namespace ostra::host
+
+#endif  // HOST_IO_ENVIRONMENT_FILE_H

@@ -23,14 +23,15 @@
 #include "io/environment_file.h"
 #include "parameter/parameter_changes.h"
 
+namespace ostra::host {
 namespace {
 
 std::atomic<uint64_t> g_changes{0};
 
 constexpr int BAD_ARGUMENT = -9;
 constexpr int FAILED = -1;
-constexpr size_t LONGEST_NAME = 96;
-constexpr size_t LONGEST_VALUE = 96;
+constexpr size_t MAX_NAME_LENGTH = 96;
+constexpr size_t MAX_VALUE_LENGTH = 96;
 constexpr char LIST_VARIABLE[] = "OSTRA_HOST_PARAMETERS";
 constexpr char FILE_VARIABLE[] = "OSTRA_HOST_PARAMETER_FILE";
 constexpr char LIST_SEPARATOR = ';';
@@ -44,7 +45,7 @@ bool IsNameCharacter(char character)
 
 bool IsName(std::string_view name)
 {
-    return !name.empty() && name.size() <= LONGEST_NAME && std::all_of(name.begin(), name.end(), IsNameCharacter);
+    return !name.empty() && name.size() <= MAX_NAME_LENGTH && std::all_of(name.begin(), name.end(), IsNameCharacter);
 }
 
 std::string_view Trim(std::string_view text)
@@ -57,7 +58,7 @@ std::string_view Trim(std::string_view text)
     return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
 }
 
-// The bytes of the file that OSTRA_HOST_PARAMETER_FILE names; what cannot be read is reported and left out.
+// Reads the file that OSTRA_HOST_PARAMETER_FILE names. Reports an error and returns what was read until then.
 std::string ReadFile(const char *path)
 {
     const int descriptor = OpenEnvironmentFile(FILE_VARIABLE, path, O_RDONLY);
@@ -81,7 +82,7 @@ class ParameterStore {
 public:
     static ParameterStore &GetInstance()
     {
-        static auto &instance = *new ParameterStore;  // never destroyed: threads may read until the very end
+        static auto &instance = *new ParameterStore;  // never destroyed: threads may read until the end
         return instance;
     }
 
@@ -94,7 +95,7 @@ public:
 
     bool Set(std::string_view name, std::string_view value)
     {
-        if (!IsName(name) || value.size() > LONGEST_VALUE) {
+        if (!IsName(name) || value.size() > MAX_VALUE_LENGTH) {
             return false;
         }
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -136,6 +137,15 @@ private:
 
 }  // namespace
 
+uint64_t CountParameterChanges()
+{
+    return g_changes.load();
+}
+
+}  // namespace ostra::host
+
+using namespace ostra::host;
+
 int GetParameter(const char *key, const char *def, char *value, uint32_t len)
 {
     if (key == nullptr || value == nullptr) {
@@ -163,9 +173,4 @@ int SetParameter(const char *key, const char *value)
         return BAD_ARGUMENT;
     }
     return ParameterStore::GetInstance().Set(key, value) ? 0 : BAD_ARGUMENT;
-}
-
-uint64_t CountParameterChanges()
-{
-    return g_changes.load();
 }

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Tells those who keep the value of a parameter when to read it anew.
+// For code that caches the value of a parameter.
 
-#ifndef HOST_PARAMETER_CHANGES_H
-#define HOST_PARAMETER_CHANGES_H
+#ifndef HOST_PARAMETER_PARAMETER_CHANGES_H
+#define HOST_PARAMETER_PARAMETER_CHANGES_H
 
 #include <cstdint>
 
-// How often a parameter of this process was set. Thread-safe, and as cheap as reading a number.
+namespace ostra::host {
+
+/// Returns how often a parameter of this process was set: a cached value is valid while this number is unchanged.
+/// Thread-safe, and as cheap as reading an integer.
 uint64_t CountParameterChanges();
 
-#endif  // HOST_PARAMETER_CHANGES_H
+}  // namespace ostra::host
+
+#endif  // HOST_PARAMETER_PARAMETER_CHANGES_H

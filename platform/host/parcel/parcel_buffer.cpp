@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The block of a parcel, the positions in it, and blocks of bytes. What is made of them is in parcel_values.cpp.
+// The buffer of a parcel, its positions, and blocks of bytes. Single values, strings and vectors are in
+// parcel_values.cpp.
 
 #include "parcel.h"
 
@@ -12,20 +13,22 @@
 
 namespace OHOS {
 
+using namespace ostra::host;
+
 namespace {
 
 constexpr size_t DEFAULT_MAX_CAPACITY = 204800;
 constexpr size_t FIRST_CAPACITY = 64;
-constexpr size_t CAPACITY_STEP = 4096;       // up to here it doubles
-constexpr size_t MOST_BYTES = SIZE_MAX / 2;  // no block is larger, so that sums of two sizes fit
+constexpr size_t CAPACITY_STEP = 4096;      // the capacity doubles up to here
+constexpr size_t MAX_BYTES = SIZE_MAX / 2;  // so that the sum of two sizes does not overflow
 
-// The capacity for this many bytes, at most `most`. Beyond the step one step more than the whole ones, so that a parcel
-// that grows by single values does not move with each of them.
-size_t CapacityFor(size_t size, size_t most)
+// Returns the capacity for `size` bytes, at most `max`. Large buffers get a spare step, so that single values do not
+// reallocate them each time.
+size_t CapacityFor(size_t size, size_t max)
 {
     if (size > CAPACITY_STEP) {
         const size_t whole = size / CAPACITY_STEP * CAPACITY_STEP;
-        return whole > most - CAPACITY_STEP ? most : whole + CAPACITY_STEP;
+        return whole > max - CAPACITY_STEP ? max : whole + CAPACITY_STEP;
     }
     size_t capacity = FIRST_CAPACITY;
     while (capacity < size) {
@@ -232,11 +235,6 @@ const uint8_t *Parcel::ReadBuffer(size_t length)
     return Take(length);
 }
 
-const uint8_t *Parcel::ReadBuffer(size_t length, bool /*isValidate*/)
-{
-    return Take(length);  // without objects there is nothing to validate
-}
-
 const uint8_t *Parcel::ReadUnpadBuffer(size_t length)
 {
     const uint8_t *bytes = Take(length);
@@ -246,10 +244,10 @@ const uint8_t *Parcel::ReadUnpadBuffer(size_t length)
     return bytes;
 }
 
-// Room for so many bytes behind the data, padded with zeros; null when they do not fit.
+// Adds room for `size` bytes at the write position, padded with zeros. Returns null if they do not fit.
 uint8_t *Parcel::Append(size_t size)
 {
-    if (!isWritable_ || size > MOST_BYTES) {
+    if (!isWritable_ || size > MAX_BYTES) {
         return nullptr;
     }
     const size_t end = writePosition_ + PaddedSize(size);
@@ -263,7 +261,7 @@ uint8_t *Parcel::Append(size_t size)
     return bytes;
 }
 
-// The bytes at the read position, which moves behind them; null when they are not all there, or there is no block.
+// Returns the next `size` bytes and advances the read position, or null if there are fewer.
 const uint8_t *Parcel::Take(size_t size)
 {
     if (size > GetReadableBytes()) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a parcel holds: single values, texts and vectors.
+// Single values, strings and vectors in a parcel.
 
 #include <climits>
 #include <cstring>
@@ -10,6 +10,8 @@
 #include "parcel/parcel_layout.h"
 
 namespace OHOS {
+
+using namespace ostra::host;
 
 template <typename Stored, typename T>
 bool Parcel::Write(T value)
@@ -37,9 +39,9 @@ bool Parcel::Read(T &value)
 }
 
 template <typename Unit>
-bool Parcel::WriteText(const Unit *text, size_t length)
+bool Parcel::WriteChars(const Unit *chars, size_t length)
 {
-    if (text == nullptr) {
+    if (chars == nullptr) {
         return WriteInt32(-1);
     }
     if (!WriteInt32(static_cast<int32_t>(length)) || length >= INT32_MAX) {
@@ -49,16 +51,16 @@ bool Parcel::WriteText(const Unit *text, size_t length)
     if (bytes == nullptr) {
         return false;
     }
-    CopyValues<Unit>(bytes, text, length);
+    CopyValues<Unit>(bytes, chars, length);
     std::memset(bytes + length * sizeof(Unit), 0, sizeof(Unit));
     return true;
 }
 
-// Gives the length too, unless the read position stays.
+// Sets `length`, too, unless the read position is unchanged.
 template <typename Unit>
-bool Parcel::ReadText(std::basic_string<Unit> &text, int32_t &length)
+bool Parcel::ReadChars(std::basic_string<Unit> &value, int32_t &length)
 {
-    text.clear();
+    value.clear();
     const size_t begin = readPosition_;
     int32_t announced = 0;
     if (!ReadInt32(announced)) {
@@ -76,8 +78,8 @@ bool Parcel::ReadText(std::basic_string<Unit> &text, int32_t &length)
         readPosition_ = begin;
         return false;
     }
-    text.resize(count);
-    CopyValues<Unit>(text.data(), bytes, count);
+    value.resize(count);
+    CopyValues<Unit>(value.data(), bytes, count);
     SkipBytes(PaddedSize(size) - size);
     length = announced;
     return true;
@@ -111,7 +113,7 @@ bool Parcel::WritePacked(const std::vector<T> &values)
     return true;
 }
 
-// Without a count in the data there are no elements.
+// If the count cannot be read, the vector is empty.
 template <typename T>
 bool Parcel::ReadVector(std::vector<T> *values, size_t storedSize, bool (Parcel::*read)(T &))
 {
@@ -149,7 +151,7 @@ bool Parcel::ReadPacked(std::vector<T> *values)
     return true;
 }
 
-// NOLINTBEGIN(bugprone-macro-parentheses): types, which cannot stand in any
+// NOLINTBEGIN(bugprone-macro-parentheses): types cannot be put in parentheses
 #define SCALAR(Name, Type, Stored)       \
     bool Parcel::Write##Name(Type value) \
     {                                    \
@@ -191,35 +193,35 @@ uintptr_t Parcel::ReadPointer()
 }
 
 // NOLINTBEGIN(readability-const-return-type): as the platform declares them
-#define TEXT(Name, WithLength, Text, Unit)                           \
-    bool Parcel::Write##Name(const Text &value)                      \
+#define STRING(Name, WithLength, StringType, Unit)                   \
+    bool Parcel::Write##Name(const StringType &value)                \
     {                                                                \
-        return WriteText(value.data(), value.size());                \
+        return WriteChars(value.data(), value.size());               \
     }                                                                \
     bool Parcel::Write##WithLength(const Unit *value, size_t length) \
     {                                                                \
-        return WriteText(value, length);                             \
+        return WriteChars(value, length);                            \
     }                                                                \
-    bool Parcel::Read##Name(Text &value)                             \
+    bool Parcel::Read##Name(StringType &value)                       \
     {                                                                \
         int32_t length = 0;                                          \
-        return ReadText(value, length);                              \
+        return ReadChars(value, length);                             \
     }                                                                \
-    const Text Parcel::Read##Name()                                  \
+    const StringType Parcel::Read##Name()                            \
     {                                                                \
-        Text value;                                                  \
+        StringType value;                                            \
         Read##Name(value);                                           \
         return value;                                                \
     }                                                                \
-    const Text Parcel::Read##WithLength(int32_t &readLength)         \
+    const StringType Parcel::Read##WithLength(int32_t &readLength)   \
     {                                                                \
-        Text value;                                                  \
-        ReadText(value, readLength);                                 \
+        StringType value;                                            \
+        ReadChars(value, readLength);                                \
         return value;                                                \
     }
 
-TEXT(String, String8WithLength, std::string, char)
-TEXT(String16, String16WithLength, std::u16string, char16_t)
+STRING(String, String8WithLength, std::string, char)
+STRING(String16, String16WithLength, std::u16string, char16_t)
 // NOLINTEND(readability-const-return-type)
 // NOLINTEND(bugprone-macro-parentheses)
 
@@ -231,13 +233,13 @@ bool Parcel::WriteCString(const char *value)
 const char *Parcel::ReadCString()
 {
     const size_t readable = GetReadableBytes();
-    const auto *text = reinterpret_cast<const char *>(data_ + readPosition_);
-    const size_t length = readable == 0 ? 0 : strnlen(text, readable);
+    const auto *chars = reinterpret_cast<const char *>(data_ + readPosition_);
+    const size_t length = readable == 0 ? 0 : strnlen(chars, readable);
     if (length == readable) {
-        return nullptr;  // no zero byte
+        return nullptr;  // no null terminator
     }
     SkipBytes(PaddedSize(length + 1));
-    return text;
+    return chars;
 }
 
 #define VECTOR(Name, Type, Element, storedSize)                              \

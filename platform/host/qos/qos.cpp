@@ -12,6 +12,9 @@
 #include "qos/scheduling.h"
 
 namespace OHOS::QOS {
+
+using namespace ostra::host;
+
 namespace {
 
 constexpr int BAD_LEVEL = -1;
@@ -77,27 +80,6 @@ int ResetThreadQos()
 int GetThreadQos(enum QosLevel &level)
 {
     return GetQosForOtherThread(level, OwnThread());
-}
-
-QosController &QosController::GetInstance()
-{
-    static QosController controller;
-    return controller;
-}
-
-int QosController::SetThreadQosForOtherThread(enum QosLevel level, int tid)
-{
-    return SetQosForOtherThread(level, tid);
-}
-
-int QosController::ResetThreadQosForOtherThread(int tid)
-{
-    return ResetQosForOtherThread(tid);
-}
-
-int QosController::GetThreadQosForOtherThread(enum QosLevel &level, int tid)
-{
-    return GetQosForOtherThread(level, tid);
 }
 
 }  // namespace OHOS::QOS

@@ -10,7 +10,7 @@
 #include <map>
 #include <mutex>
 
-namespace OHOS::QOS {
+namespace ostra::host {
 namespace {
 
 constexpr int REFUSED = -1;
@@ -32,7 +32,7 @@ constexpr Scheduling SCHEDULING_OF_LEVEL[] = {
 };
 constexpr Scheduling SCHEDULING_WITHOUT_LEVEL = {SCHED_OTHER, 0};
 
-// Read when the library is loaded, before any thread has been given a level.
+// Read when the library is loaded, before any thread has a level.
 const int NICE_AT_START = getpriority(PRIO_PROCESS, 0);
 
 bool IsOwnThread(int tid)
@@ -42,7 +42,7 @@ bool IsOwnThread(int tid)
 
 bool Schedule(const Scheduling &wanted, int tid)
 {
-    // The nice value first: where the kernel grants it, it grants the policy too, so a refusal changes nothing.
+    // The nice value first: if the kernel grants it, it also grants the policy, so that a refusal changes nothing.
     const sched_param noRealTimePriority{};
     return setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + wanted.nice) == 0 &&
            sched_setscheduler(tid, wanted.policy, &noRealTimePriority) == 0;
@@ -54,7 +54,7 @@ bool IsScheduled(const Scheduling &wanted, int tid)
            getpriority(PRIO_PROCESS, static_cast<id_t>(tid)) == NICE_AT_START + wanted.nice;
 }
 
-// Policy, nice value and what is known of them change together.
+// The mutex also covers the scheduling calls, so that the map agrees with the kernel.
 struct Levels {
     std::mutex mutex;
     std::map<int, int> levelOfThread;
@@ -62,7 +62,7 @@ struct Levels {
 
 Levels &ProcessLevels()
 {
-    static auto &levels = *new Levels;  // never destroyed: threads may ask until the very end
+    static auto &levels = *new Levels;  // never destroyed: threads may ask until the end
     return levels;
 }
 
@@ -90,7 +90,7 @@ int LeaveQosLevel(int tid)
     return 0;
 }
 
-// Linux may give the id of a thread that ended to a new one: that has the level only if it is scheduled so.
+// Linux may reuse the id of a thread that ended: the new thread has the level only if it is scheduled accordingly.
 int QueryQosLevel(int tid, int &level)
 {
     Levels &levels = ProcessLevels();
@@ -104,4 +104,4 @@ int QueryQosLevel(int tid, int &level)
     return 0;
 }
 
-}  // namespace OHOS::QOS
+}  // namespace ostra::host

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 namespace {
 
@@ -17,14 +18,14 @@ uintptr_t Address(const void *pointer)
     return reinterpret_cast<uintptr_t>(pointer);
 }
 
-// True when one of two different blocks begins inside the other.
+// Returns whether one of two different blocks begins inside the other.
 bool Overlap(const void *dest, size_t destSize, const void *src, size_t srcSize)
 {
     return Address(dest) < Address(src) ? Address(src) - Address(dest) < destSize
                                         : Address(dest) != Address(src) && Address(dest) - Address(src) < srcSize;
 }
 
-// What every function refuses first. `clear` empties a destination of valid size.
+// The checks that every function makes first. `clear` empties a destination of valid size.
 template <typename Clear>
 errno_t CheckPointers(const void *dest, size_t destMax, const void *src, const Clear &clear)
 {
@@ -57,8 +58,8 @@ errno_t CopyBytes(void *dest, size_t destMax, const void *src, size_t count)
     return EOK;
 }
 
-// Texts: `limit` is the most characters of the source that count.
-errno_t CopyText(char *dest, size_t destMax, const char *src, size_t limit)
+// `limit` is the maximum number of characters to copy.
+errno_t CopyString(char *dest, size_t destMax, const char *src, size_t limit)
 {
     const auto clear = [=](errno_t code) {
         *dest = '\0';
@@ -79,7 +80,8 @@ errno_t CopyText(char *dest, size_t destMax, const char *src, size_t limit)
     return EOK;
 }
 
-errno_t AppendText(char *dest, size_t destMax, const char *src, size_t limit)
+// `limit` is the maximum number of characters to append, if any.
+errno_t AppendString(char *dest, size_t destMax, const char *src, std::optional<size_t> limit)
 {
     const auto clear = [=](errno_t code) {
         *dest = '\0';
@@ -88,18 +90,25 @@ errno_t AppendText(char *dest, size_t destMax, const char *src, size_t limit)
     if (const errno_t code = CheckPointers(dest, destMax, src, clear); code != EOK) {
         return code;
     }
-    if (limit > SECUREC_STRING_MAX_LEN) {
+    if (limit > SECUREC_STRING_MAX_LEN) {  // false without a limit
         return clear(ERANGE_AND_RESET);
     }
     const size_t used = strnlen(dest, destMax);
-    if (used == destMax) {
+    const size_t room = destMax - used;
+    const size_t length = strnlen(src, limit.value_or(room));
+    if (room == 0 && Address(src) >= Address(dest) + destMax) {
         return clear(EINVAL_AND_RESET);
     }
-    const size_t length = strnlen(src, limit);
-    if (Overlap(dest, used + length + 1, src, length + 1)) {
+    // The platform counts the characters alone, and takes blocks that touch for overlapping ones.
+    const bool isOverlap = Address(dest) < Address(src) ? Address(dest) + used + length >= Address(src)
+                                                        : src != dest && Address(src) + length >= Address(dest);
+    if (isOverlap) {
         return clear(EOVERLAP_AND_RESET);
     }
-    if (dest == src || length >= destMax - used) {
+    if (room == 0) {
+        return clear(EINVAL_AND_RESET);
+    }
+    if (dest == src || length >= room) {
         return clear(ERANGE_AND_RESET);
     }
     std::memcpy(dest + used, src, length);
@@ -133,22 +142,22 @@ errno_t memmove_s(void *dest, size_t destMax, const void *src, size_t count)
 
 errno_t strcpy_s(char *strDest, size_t destMax, const char *strSrc)
 {
-    return CopyText(strDest, destMax, strSrc, SECUREC_STRING_MAX_LEN);
+    return CopyString(strDest, destMax, strSrc, SECUREC_STRING_MAX_LEN);
 }
 
 errno_t strncpy_s(char *strDest, size_t destMax, const char *strSrc, size_t count)
 {
-    return CopyText(strDest, destMax, strSrc, count);
+    return CopyString(strDest, destMax, strSrc, count);
 }
 
 errno_t strcat_s(char *strDest, size_t destMax, const char *strSrc)
 {
-    return AppendText(strDest, destMax, strSrc, destMax <= SECUREC_STRING_MAX_LEN ? destMax : 0);
+    return AppendString(strDest, destMax, strSrc, std::nullopt);
 }
 
 errno_t strncat_s(char *strDest, size_t destMax, const char *strSrc, size_t count)
 {
-    return AppendText(strDest, destMax, strSrc, count);
+    return AppendString(strDest, destMax, strSrc, count);
 }
 
 char *strtok_s(char *strToken, const char *strDelimit, char **context)

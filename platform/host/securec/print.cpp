@@ -3,9 +3,11 @@
 #include "format/format.h"
 #include "securec.h"
 
+using namespace ostra::host;
+
 namespace {
 
-// Prints at most destMax - 1 characters. Returns false for a destination that cannot be written to.
+// Prints at most destMax - 1 characters. Returns false if the destination cannot be written.
 bool Print(char *dest, size_t destMax, const char *format, va_list arguments, FormatResult &result)
 {
     if (dest == nullptr || destMax == 0 || destMax > SECUREC_STRING_MAX_LEN) {
@@ -53,7 +55,7 @@ int vsnprintf_truncated_s(char *strDest, size_t destMax, const char *format, va_
     return isPrinted && result.outcome != FormatOutcome::INVALID ? static_cast<int>(result.length) : -1;
 }
 
-// Each variadic function is its v-function; what a program puts in that one's place is called.
+// Each variadic function calls its v-function, so that a program need only replace that one.
 
 int sprintf_s(char *strDest, size_t destMax, const char *format, ...)
 {

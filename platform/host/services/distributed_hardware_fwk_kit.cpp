@@ -15,8 +15,7 @@ namespace {
 
 using Listeners = std::vector<sptr<IPublisherListener>>;
 
-// A list is replaced, never changed, so that a publisher can go through the one it took without the lock. A topic is
-// here only with its list.
+// A list is replaced, never modified, so that a publisher can iterate over its copy without the lock.
 struct Registry {
     std::mutex mutex;
     std::map<DHTopic, std::shared_ptr<const Listeners>> listeners;
@@ -55,7 +54,7 @@ int32_t DistributedHardwareFwkKit::RegisterPublisherListener(const DHTopic topic
     if (std::find(listeners.begin(), listeners.end(), listener) != listeners.end()) {
         return -1;
     }
-    listeners.push_back(listener);  // the argument's count stays until the lock is gone
+    listeners.push_back(listener);  // a copy: the argument keeps the listener alive until the lock is released
     registry.Replace(topic, std::move(listeners));
     return 0;
 }
@@ -89,7 +88,7 @@ int32_t DistributedHardwareFwkKit::PublishMessage(const DHTopic topic, const std
         }
         listeners = found->second;
     }
-    // Called without the lock: a listener may register, unregister or publish itself.
+    // Without the lock: a listener may register, unregister or publish.
     for (const sptr<IPublisherListener> &listener : *listeners) {
         listener->OnMessage(topic, message);
     }

@@ -10,15 +10,15 @@ namespace OHOS {
 
 namespace {
 
-// A count that no number of pointers lifts above zero: an object that is gone stays gone.
-constexpr int GONE = INT_MIN / 2;
+// Far below zero: promotions never bring the count of a destroyed object back above zero.
+constexpr int DESTROYED = INT_MIN / 2;
 
 }  // namespace
 
 class RefCounter {
 public:
     std::atomic<int> strong{0};
-    std::atomic<int> watchers{1};  // the object itself and its weak pointers
+    std::atomic<int> watchers{1};  // the object and its weak pointers
 };
 
 RefBase::RefBase() : counter_(new RefCounter)
@@ -36,7 +36,7 @@ RefBase &RefBase::operator=(const RefBase & /*other*/)  // NOLINT(bugprone-unhan
 
 RefBase::~RefBase()
 {
-    counter_->strong = GONE;  // an object may end without ever having been counted
+    counter_->strong = DESTROYED;  // an object may end without any strong pointer
     Unwatch(counter_);
 }
 
@@ -47,9 +47,10 @@ void RefBase::IncStrongRef(const void * /*owner*/)
 
 void RefBase::DecStrongRef(const void * /*owner*/)
 {
-    // The last count and the end are one step, lest a weak pointer revive the object between the two.
+    // Dropping the last count and marking the object as destroyed is one step, so that no weak pointer revives it
+    // between.
     int count = counter_->strong;
-    while (!counter_->strong.compare_exchange_weak(count, count == 1 ? GONE : count - 1)) {
+    while (!counter_->strong.compare_exchange_weak(count, count == 1 ? DESTROYED : count - 1)) {
     }
     if (count == 1) {
         delete this;

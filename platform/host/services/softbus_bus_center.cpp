@@ -2,6 +2,7 @@
 
 #include "softbus_bus_center.h"
 
+#include <nettle/hmac.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <random>
 #include <string>
 
 namespace {
@@ -20,14 +20,14 @@ namespace {
 constexpr int32_t NULL_ARGUMENT = -1;
 constexpr int32_t CANNOT_READ = -2;
 
-// The functions below give nothing when something is there that cannot be read.
+// The functions below return nothing if reading fails.
 std::optional<std::string> HostName()
 {
     std::array<char, HOST_NAME_MAX + 1> name{};
     return gethostname(name.data(), name.size()) == 0 ? std::make_optional(std::string(name.data())) : std::nullopt;
 }
 
-// The first line of a file; an empty text when there is no such file.
+// Returns the first line of a file, or an empty string if the file does not exist.
 std::optional<std::string> FirstLine(const char *path)
 {
     const std::unique_ptr<FILE, decltype(&std::fclose)> file(std::fopen(path, "re"), &std::fclose);
@@ -41,7 +41,7 @@ std::optional<std::string> FirstLine(const char *path)
     return std::string(line.data(), std::strcspn(line.data(), "\n"));
 }
 
-// What tells this machine from others. A container may have no machine id.
+// Returns what identifies this machine. A container may have no machine id.
 std::optional<std::string> Identity()
 {
     for (const char *path : {"/etc/machine-id", "/var/lib/dbus/machine-id"}) {
@@ -53,18 +53,21 @@ std::optional<std::string> Identity()
     return HostName();
 }
 
-// The machine id itself is confidential, so it is hashed; the standard fixes what seed_seq computes.
+// The machine id is confidential: a keyed hash does not reveal it, and differs from what other programs derive from it.
 std::string NetworkId(const std::string &identity)
 {
-    std::seed_seq hash(identity.begin(), identity.end());
-    std::array<uint32_t, (NETWORK_ID_BUF_LEN - 1) / 8> words{};
-    hash.generate(words.begin(), words.end());
+    constexpr char key[] = "ostra_host_platform network id";
+    hmac_sha256_ctx context;
+    hmac_sha256_set_key(&context, sizeof(key) - 1, reinterpret_cast<const uint8_t *>(key));
+    hmac_sha256_update(&context, identity.size(), reinterpret_cast<const uint8_t *>(identity.data()));
+    std::array<uint8_t, SHA256_DIGEST_SIZE> digest{};
+    hmac_sha256_digest(&context, digest.size(), digest.data());
 
+    static_assert(2 * SHA256_DIGEST_SIZE == NETWORK_ID_BUF_LEN - 1);
     std::string networkId;
-    for (uint32_t word : words) {
-        std::array<char, 9> digits{};
-        std::snprintf(digits.data(), digits.size(), "%08x", word);
-        networkId += digits.data();
+    for (const uint8_t byte : digest) {
+        networkId += "0123456789abcdef"[byte >> 4];
+        networkId += "0123456789abcdef"[byte & 0xF];
     }
     return networkId;
 }
@@ -84,6 +87,7 @@ int32_t GetLocalNodeDeviceInfo(const char *pkgName, NodeBasicInfo *info)
     const std::string networkId = NetworkId(*identity);
     *info = NodeBasicInfo{};
     std::copy(networkId.begin(), networkId.end(), info->networkId);
-    std::copy_n(deviceName->begin(), std::min<size_t>(deviceName->size(), DEVICE_NAME_BUF_LEN - 1), info->deviceName);
+    static_assert(HOST_NAME_MAX < DEVICE_NAME_BUF_LEN);
+    std::copy(deviceName->begin(), deviceName->end(), info->deviceName);
     return 0;
 }
