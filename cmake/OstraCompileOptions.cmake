@@ -1,8 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# What every target of the project compiles and links with: all of these warnings; calls into other shared libraries
-# without a stub in between, which matters where an operation is little more than such calls; and what makes a fault in
-# the code hard to exploit.
+# What every target of the project compiles and links with: warnings, calls into other shared libraries without a stub
+# (-fno-plt), and hardening.
 include(CheckCXXCompilerFlag)
 
 add_library(ostra_compile_options INTERFACE)
@@ -10,10 +9,10 @@ target_compile_options(ostra_compile_options INTERFACE
     -Wall -Wextra -Wconversion -Wshadow -fno-plt -fstack-protector-strong)
 target_link_options(ostra_compile_options INTERFACE LINKER:-z,relro,-z,now)
 
-# Each processor has a flag of its own for the protection of jumps and returns, if any. Clang merely warns of that of
-# another one.
+# Flags that only some compilers and processors have. Clang merely warns about those of another processor.
 set(CMAKE_REQUIRED_FLAGS -Werror)
-foreach(flag -fcf-protection=full -mbranch-protection=standard)
+set(CMAKE_REQUIRED_QUIET ON) # a missing flag is no error
+foreach(flag -fcf-protection=full -mbranch-protection=standard -fstack-clash-protection)
     string(MAKE_C_IDENTIFIER "OSTRA_TAKES${flag}" takes_flag)
     check_cxx_compiler_flag(${flag} ${takes_flag})
     if(${takes_flag})
@@ -21,8 +20,9 @@ foreach(flag -fcf-protection=full -mbranch-protection=standard)
     endif()
 endforeach()
 unset(CMAKE_REQUIRED_FLAGS)
+unset(CMAKE_REQUIRED_QUIET)
 
-# The checked functions of the C library need an optimiser, and stand in the way of the sanitizers' own.
+# The fortified functions of the C library need an optimiser, and conflict with the sanitizers.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
     set(is_optimised $<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>)
     target_compile_options(ostra_compile_options INTERFACE

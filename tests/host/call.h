@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Calls functions of the printf kind with recorded arguments, whose number and types are known when the test runs.
+// Calls functions such as printf with recorded arguments, whose number and types are known at run time only.
 
-#ifndef TESTS_REPLAY_CALL_H
-#define TESTS_REPLAY_CALL_H
+#ifndef TESTS_HOST_CALL_H
+#define TESTS_HOST_CALL_H
 
 #include <algorithm>
 #include <cstdint>
@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "values.h"
+#include "host/values.h"
 
 namespace replay {
 
-// A recorded call: its format, and its arguments as far as a call passes them.
+// The format and the arguments of a recorded call.
 struct RecordedCall {
     struct Argument {
         enum { WORD, REAL } kind;
@@ -25,7 +25,7 @@ struct RecordedCall {
         double real;
     };
 
-    // From `format` on, the fields are a format and its arguments.
+    // The format is fields[at], and its arguments follow.
     RecordedCall(const Fields &fields, size_t at)
     {
         format = Target(fields.at(at));
@@ -38,12 +38,12 @@ struct RecordedCall {
         }
     }
 
-    // Gives the arguments to `function`, and a zero behind them.
+    // Passes the arguments and a final zero to `function`.
     template <typename Function, typename... Given>
     int Pass(const Function &function, Given... given) const
     {
-        constexpr size_t most = 5;
-        if constexpr (sizeof...(given) < most) {
+        constexpr size_t maxArguments = 5;
+        if constexpr (sizeof...(given) < maxArguments) {
             if (sizeof...(given) < arguments.size()) {
                 const Argument &next = arguments[sizeof...(given)];
                 if (next.kind == Argument::REAL) {
@@ -57,7 +57,7 @@ struct RecordedCall {
 
     std::optional<std::string> format;
     std::vector<Argument> arguments;
-    std::deque<std::string> texts;
+    std::deque<std::string> strings;
 
 private:
     Argument Read(const std::string &field)
@@ -67,7 +67,7 @@ private:
             return {Argument::REAL, 0, Number<double>(value)};
         }
         if (field[0] == 's') {
-            return {Argument::WORD, reinterpret_cast<intptr_t>(texts.emplace_back(Text(value)).c_str()), 0};
+            return {Argument::WORD, reinterpret_cast<intptr_t>(strings.emplace_back(Text(value)).c_str()), 0};
         }
         if (field == "null") {
             return {Argument::WORD, 0, 0};
@@ -78,4 +78,4 @@ private:
 
 }  // namespace replay
 
-#endif  // TESTS_REPLAY_CALL_H
+#endif  // TESTS_HOST_CALL_H

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "recording.h"
+#include "host/recording.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 namespace replay {
 namespace {
 
-const std::string FOLDER = OSTRA_SOURCE_FOLDER "/tests/data/host/";
+const std::string DIRECTORY = OSTRA_SOURCE_FOLDER "/tests/data/host/";
 const char DIGITS[] = "0123456789abcdef";
 
 char Byte(const std::string &text, size_t at)
@@ -21,12 +21,11 @@ char Byte(const std::string &text, size_t at)
     const std::string digits = text.substr(at, 2);
     unsigned char byte = 0;
     if (std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16).ptr != digits.data() + 2) {
-        throw std::invalid_argument("no hexadecimal byte: " + digits);
+        throw std::invalid_argument("not a hexadecimal byte: " + digits);
     }
     return static_cast<char>(byte);
 }
 
-// Bytes may be grouped.
 std::string WithoutGroups(std::string field)
 {
     if (field.find_first_not_of(std::string(DIGITS) + ' ') == std::string::npos) {
@@ -35,27 +34,27 @@ std::string WithoutGroups(std::string field)
     return field;
 }
 
-// Replays the lines up to the first that comes out differently, which the failure shows behind those before it. Returns
-// false for a case of another machine.
+// Replays the lines up to the first with another result; the failure message shows all of them. Returns false for a
+// case of another machine.
 bool ReplayCase(const std::string &name, const Case &lines, const Operations &operations)
 {
     std::string shown;
     for (const Line &line : lines) {
         shown += line.raw + '\n';
-        Fields came;
+        Fields actual;
         try {
-            came = operations.at(line.input[0])({line.input.begin() + 1, line.input.end()});
-            std::transform(came.begin(), came.end(), came.begin(), WithoutGroups);
+            actual = operations.at(line.input[0])({line.input.begin() + 1, line.input.end()});
+            std::transform(actual.begin(), actual.end(), actual.begin(), WithoutGroups);
         } catch (const OtherMachine &) {
             return false;
         } catch (const std::exception &error) {
-            came = {"not replayed:", error.what()};
+            actual = {"not replayed:", error.what()};
         }
-        if (came != line.expected) {
-            for (const std::string &field : came) {
+        if (actual != line.expected) {
+            for (const std::string &field : actual) {
                 shown += '\t' + field;
             }
-            ADD_FAILURE_AT((FOLDER + name).c_str(), line.number) << shown << "\ncame instead";
+            ADD_FAILURE_AT((DIRECTORY + name).c_str(), line.number) << shown << "\nis the result";
             break;
         }
     }
@@ -66,7 +65,7 @@ bool ReplayCase(const std::string &name, const Case &lines, const Operations &op
 
 std::vector<Case> ReadRecording(const std::string &name)
 {
-    std::ifstream file(FOLDER + name);
+    std::ifstream file(DIRECTORY + name);
     std::vector<Case> cases;
     bool isBlocks = false;
     Line line;
@@ -75,7 +74,7 @@ std::vector<Case> ReadRecording(const std::string &name)
         if (line.raw.empty() || line.raw[0] == '#') {
             continue;
         }
-        Fields fields = Split(Unfold(line.raw), '\t');
+        Fields fields = Split(Expand(line.raw), '\t');
         const bool isBegin = fields.at(0) == "case";
         isBlocks = isBlocks || isBegin;
         if (isBegin || !isBlocks) {
@@ -87,7 +86,7 @@ std::vector<Case> ReadRecording(const std::string &name)
         std::transform(fields.begin(), fields.end(), fields.begin(), WithoutGroups);
         const auto arrow = std::find(fields.begin(), fields.end(), "=>");
         if (arrow == fields.begin() || arrow == fields.end()) {
-            throw std::invalid_argument(name + ":" + std::to_string(line.number) + " is no line of a case");
+            throw std::invalid_argument(name + ":" + std::to_string(line.number) + " is not a line of a case");
         }
         line.input.assign(fields.begin(), arrow);
         line.expected.assign(arrow + 1, fields.end());
@@ -103,23 +102,23 @@ void Replay(const std::string &name, size_t count, const Operations &operations,
             const std::optional<std::string> &notOffered)
 {
     size_t replayed = 0;
-    size_t left = 0;
+    size_t skipped = 0;
     const std::vector<Case> cases = ReadRecording(name);
     for (const Case &lines : cases) {
-        const bool isLeft = std::any_of(lines.begin(), lines.end(), [&](const Line &line) {
+        const bool isSkipped = std::any_of(lines.begin(), lines.end(), [&](const Line &line) {
             return notOffered.has_value() && line.input[0].find(*notOffered) != std::string::npos;
         });
-        left += isLeft ? 1 : 0;
+        skipped += isSkipped ? 1 : 0;
         begin();
-        replayed += !isLeft && ReplayCase(name, lines, operations) ? 1 : 0;
+        replayed += !isSkipped && ReplayCase(name, lines, operations) ? 1 : 0;
     }
     EXPECT_EQ(cases.size(), count) << name;
-    EXPECT_EQ(left > 0, notOffered.has_value()) << "all that is recorded is offered";
-    EXPECT_GT(replayed, left) << "a replay that leaves most out proves nothing";
+    EXPECT_EQ(skipped > 0, notOffered.has_value()) << "every recorded operation is offered";
+    EXPECT_GT(replayed, skipped) << "most cases are skipped";
     std::cout << name << ": " << replayed << " cases replayed, " << count - replayed << " not\n";
 }
 
-std::string Unfold(const std::string &folded)
+std::string Expand(const std::string &folded)
 {
     static const std::regex piece(R"re((\+?")([^"]*)(")(?:\*(\d+))?|\b([0-9a-f]{2})\*(\d+))re");
     std::string whole;
@@ -129,7 +128,7 @@ std::string Unfold(const std::string &folded)
         whole.append(rest, found[0].first);
         rest = found[0].second;
         if (found.length(1) > 1) {
-            whole.pop_back();  // goes on with the text before it
+            whole.pop_back();  // continues the string before it
         } else {
             whole += found.str(1);
         }
@@ -145,7 +144,7 @@ std::string Unfold(const std::string &folded)
 std::string Text(const std::string &field)
 {
     if (field.size() < 2 || field.find('"') != 0 || field.find('"', 1) != field.size() - 1) {
-        throw std::invalid_argument("no text: " + field);
+        throw std::invalid_argument("not a string: " + field);
     }
     std::string text;
     for (size_t at = 1; at < field.size() - 1; ++at) {

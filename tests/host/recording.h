@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Replays the recorded files of tests/data/host/recorded/, and those of tests/data/host/handwritten/ beside them, on the host platform:
-// reads them, hands each line's input to a function of the test, and compares what the function gives with what was
-// recorded.
+// Replays the files of tests/data/host/ on the host platform: passes the input of each line to a function of the test,
+// and compares its result with the one in the file.
 //
 //     Replay("recorded/qos.txt", 67, {{"SetThreadQos", [](const Fields &in) { return Fields{...}; }}});
 
-#ifndef TESTS_REPLAY_RECORDING_H
-#define TESTS_REPLAY_RECORDING_H
+#ifndef TESTS_HOST_RECORDING_H
+#define TESTS_HOST_RECORDING_H
 
 #include <functional>
 #include <map>
@@ -23,43 +22,43 @@ using Fields = std::vector<std::string>;
 
 struct Line {
     int number = 0;   // in the file, from 1
-    std::string raw;  // as it stands there
+    std::string raw;  // verbatim
     Fields input;     // the operation, then its arguments
     Fields expected;
 };
 
 using Case = std::vector<Line>;
 
-// Gets the arguments of a line, returns its result fields. It may throw: the line is red then, as it is where an
-// argument is missing (`at`) or malformed (the functions below).
+// Maps the arguments of a line to its result fields. The line fails if it throws, as `at` and the functions below do
+// for a missing or malformed argument.
 using Operation = std::function<Fields(const Fields &arguments)>;
 using Operations = std::map<std::string, Operation>;
 
-// The cases of a file: from one line "case" to the next, or one a line where there is no such line. Their fields are
-// unfolded, and no bytes are grouped. Throws on a line that is no case and on a file that cannot be read.
+// Reads the cases of a file: from one line "case" to the next, or one per line if there is no such line. Expands their
+// fields and removes the spaces between groups of bytes. Throws if a line is malformed or the file cannot be read.
 std::vector<Case> ReadRecording(const std::string &name);
 
-// An operation raises it where its result depends on the size of long and this machine has another than the recorded.
+// Thrown by an operation whose result depends on the size of long, if that of this machine differs from the recorded
+// one.
 struct OtherMachine {};
 
-// Replays a file of so many cases, with `begin` before each, reports each case that comes out differently, and prints
-// how many cases it replayed and how many not: those with an operation whose name contains `notOffered`, and those of
-// other machines. Any other operation that is not offered is a failure, and so is it where nothing contains that.
+// Replays a file of `count` cases, with `begin` before each, reports each case with another result, and prints how many
+// cases were replayed. Skips cases of other machines and those with an operation whose name contains `notOffered`. Any
+// other operation that is missing is a failure, and so is a `notOffered` that no case contains.
 void Replay(
     const std::string &name, size_t count, const Operations &operations, const std::function<void()> &begin = [] {},
     const std::optional<std::string> &notOffered = {});
 
-// Writes repeated and joined pieces out: "x"*3+"y" is "xxxy", 00*3 01 is 000000 01.
-std::string Unfold(const std::string &folded);
+// Expands repeated and joined pieces: "x"*3+"y" is "xxxy", 00*3 01 is 000000 01.
+std::string Expand(const std::string &folded);
 
-// Text and Bytes read an unfolded field, a quoted text or hexadecimal digits, into what it stands for; Quote and Hex
-// write it.
+// Text and Bytes parse an expanded field, a quoted string or hexadecimal digits; Quote and Hex print one.
 std::string Text(const std::string &field);
 std::string Bytes(const std::string &field);
 std::string Quote(const std::string &text);
 std::string Hex(const std::string &bytes);
 
-// Splits at a separator outside quotes; "-" and "" are no elements.
+// Splits at a separator outside quotes; "-" and "" have no elements.
 Fields Split(const std::string &field, char separator = ',');
 
 // A decimal or 0x number.
@@ -76,11 +75,11 @@ T Number(const std::string &field)
         value = static_cast<T>(std::stoull(field, &end, 0));
     }
     if (end != field.size()) {
-        throw std::invalid_argument("no number: " + field);
+        throw std::invalid_argument("not a number: " + field);
     }
     return value;
 }
 
 }  // namespace replay
 
-#endif  // TESTS_REPLAY_RECORDING_H
+#endif  // TESTS_HOST_RECORDING_H

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Recorded fields as values of C++ types, and values as fields.
+// Converts recorded fields to values of C++ types and back.
 
-#ifndef TESTS_REPLAY_VALUES_H
-#define TESTS_REPLAY_VALUES_H
+#ifndef TESTS_HOST_VALUES_H
+#define TESTS_HOST_VALUES_H
 
 #include <cstdint>
 #include <iomanip>
@@ -14,7 +14,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "recording.h"
+#include "host/recording.h"
 
 namespace replay {
 
@@ -23,7 +23,7 @@ constexpr bool IS_VECTOR = false;
 template <typename T>
 constexpr bool IS_VECTOR<std::vector<T>> = true;
 
-// A text of 16-bit units is four digits a unit.
+// A string of 16-bit units has four digits per unit.
 template <typename T>
 T Value(const std::string &field)
 {
@@ -49,7 +49,7 @@ T Value(const std::string &field)
     }
 }
 
-// What a pointer points to, which may be null.
+// The target of a pointer, which may be null.
 template <typename T = std::string>
 std::optional<T> Target(const std::string &field)
 {
@@ -90,4 +90,4 @@ std::string Show(const T &value)
 
 }  // namespace replay
 
-#endif  // TESTS_REPLAY_VALUES_H
+#endif  // TESTS_HOST_VALUES_H

@@ -1,17 +1,18 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# What the environment variables do for events, parameters and the log: host_environment_test.sh COMMAND..., which runs
-# host_services_test. A FIFO must never be waited for.
+# Tests the environment variables for events, parameters and the log. A FIFO must never block.
+# Usage: host_environment_test.sh COMMAND..., which runs
+# tests/host/environment.cpp
 set -euo pipefail
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 export OSTRA_HOST_PARAMETERS='test.both=from list; test.list=a=b;nothing;;test.empty='
 
-# expect WHAT PATTERN: the text of the last run matches the extended regular expression, dots match line ends.
+# expect WHAT PATTERN: the output of the last run matches the extended regular expression, where dots match line ends.
 expect() {
-    [[ $(cat "$folder/text") =~ $2 ]] || {
-        cat "$folder/text"
+    [[ $(cat "$folder/output") =~ $2 ]] || {
+        cat "$folder/output"
         echo "FAILED: $1: no match of $2"
         exit 1
     }
@@ -19,8 +20,8 @@ expect() {
 
 # run VARIABLE VALUE
 run() {
-    env -u GTEST_REPEAT "$1=$2" timeout 20 "${command[@]}" --gtest_filter='HostEnvironment.*' >"$folder/text" 2>&1 ||
-        { cat "$folder/text"; echo "FAILED: $1=$2"; exit 1; }
+    env "$1=$2" timeout 20 "${command[@]}" >"$folder/output" 2>&1 ||
+        { cat "$folder/output"; echo "FAILED: $1=$2"; exit 1; }
 }
 
 command=("$@")
@@ -29,43 +30,45 @@ printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semi
 
 TZ=XST-5:30 run OSTRA_HOST_EVENT_OUTPUT stderr
 expect 'the zone of the clock' '"tz_":"\+0530"'
-expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 heard 2'
+expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 received 2'
 run OSTRA_HOST_EVENT_OUTPUT ''
-expect 'no output' $'\nresults 0 0 heard 2'
+expect 'no output' $'\nresults 0 0 received 2'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
-expect 'the last 100 unsent events' 'heard 2 then 101'
+expect 'the last 100 unsent events' 'received 2 then 101'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
 [ "$(grep -c '^{"domain_":.*"T":"[abc]"}$' "$folder/events")" = 6 ] || { echo "FAILED: not 6 whole lines"; exit 1; }
 run OSTRA_HOST_EVENT_OUTPUT /dev/full
-expect 'a full disk' 'results -5 -5 heard 0'
+expect 'a full disk' 'results -5 -5 received 0'
 for refused in "$folder" "$folder/fifo"; do
     run OSTRA_HOST_EVENT_OUTPUT "$refused"
-    expect "$refused" "OSTRA_HOST_EVENT_OUTPUT=$refused cannot be opened: .*results -5 -5 heard 0"
+    expect "$refused" "OSTRA_HOST_EVENT_OUTPUT=$refused cannot be opened: .*results -5 -5 received 0"
     run OSTRA_HOST_PARAMETER_FILE "$refused"
     expect "$refused" "OSTRA_HOST_PARAMETER_FILE=$refused cannot be opened: .*test.file is unset.*list is a=b"
 done
-exec 3<>"$folder/fifo" # somebody reads
+exec 3<>"$folder/fifo" # has a reader now
 run OSTRA_HOST_EVENT_OUTPUT "$folder/fifo"
-expect 'a FIFO that is read' $'Is a FIFO\nprocess .*results -5 -5 heard 0'
+expect 'a FIFO that is read' $'Is a FIFO\n.*results -5 -5 received 0'
 run OSTRA_HOST_PARAMETER_FILE "$folder/none"
 expect 'a missing file' 'cannot be opened: .*test.file is unset'
 run OSTRA_HOST_PARAMETER_FILE "$folder/parameters"
 expect 'skipped entries' 'PARAMETER_FILE: skipping malformed entry "B-D=1".*PARAMETERS: skipping malformed entry "nothing"'
-expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is a;b\ntest.list is a=b\ntest.empty is \n'
-! grep '# a=1' "$folder/text" || { echo 'FAILED: a comment is reported'; exit 1; }
+expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is a;b\ntest.list is a=b\ntest.empty is $'
+run OSTRA_HOST_PARAMETER_FILE "$folder/parameters" <&- # the file gets descriptor 0
+expect 'parameters without standard input' 'file is from file'
+! grep '# a=1' "$folder/output" || { echo 'FAILED: a comment is reported'; exit 1; }
 
-# level VALUE DELIVERED LINE...: the lines of the log with their level and message, each of one write.
+# level VALUE DELIVERED LINE...: the level and message of each line in the log, one write per line.
 level() {
     local value=$1 delivered=$2 today process
     shift 2
     today=$(date +%m-%d)
     run OSTRA_HOST_LOG_LEVEL "$value"
     today+="|$(date +%m-%d)"
-    process=$(sed -n 's/^process //p' "$folder/text")
-    sed -nE "s#^($today) [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: #\2#p" "$folder/text" \
+    process=$(sed -n 's/^process //p' "$folder/output")
+    sed -nE "s#^($today) [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: #\2#p" "$folder/output" \
         >"$folder/lines"
-    [ "$(tr '\n' ' ' <"$folder/lines")" = "${*:+$* }" ] || { cat "$folder/text"; echo "FAILED: log level $value"; exit 1; }
-    expect "log level $value" "delivered $delivered in $# writes"
+    [ "$(tr '\n' ' ' <"$folder/lines")" = "${*:+$* }" ] || { cat "$folder/output"; echo "FAILED: log level $value"; exit 1; }
+    expect "log level $value" "delivered $delivered in $# writes, errno is unchanged"
 }
 
 level debug 34567 D3 I4 W5 E6 F7
@@ -75,4 +78,4 @@ level error 4567 E6 F7
 level fatal 4567 F7
 level off 4567
 level none 4567 I4 W5 E6 F7
-expect 'an unknown level' 'OSTRA_HOST_LOG_LEVEL=none is none of debug, info, warn, error, fatal, off; taken as unset'
+expect 'an unknown level' 'OSTRA_HOST_LOG_LEVEL=none is none of debug, info, warn, error, fatal, off; ignored'

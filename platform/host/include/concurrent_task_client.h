@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Concurrent task client on the host: no service answers, a request is written to HiLog. All functions may be called
-// from any thread at once.
+/// \file
+/// Concurrent task client on the host: logs each request, because there is no service. All functions are thread-safe.
 
 #ifndef HOST_CONCURRENT_TASK_CLIENT_H
 #define HOST_CONCURRENT_TASK_CLIENT_H
@@ -12,12 +12,13 @@
 
 namespace OHOS::ConcurrentTask {
 
+/// Logs requests to the concurrent task service.
 class ConcurrentTaskClient {
 public:
     static ConcurrentTaskClient &GetInstance();
 
-    // Each writes one INFO line under the tag CONCURRENT_TASK with its numbers, then the pairs in the order of their
-    // keys: "RequestAuth pid=4711 uid=1000", "ReportData 1 2 uid=1000", "ReportSceneInfo 1 uid=1000".
+    /// Each logs one INFO line with the tag CONCURRENT_TASK: its numbers, then the pairs in the order of their keys,
+    /// such as "RequestAuth pid=4711 uid=1000", "ReportData 1 2 uid=1000", "ReportSceneInfo 1 uid=1000".
     void RequestAuth(const std::unordered_map<std::string, std::string> &mapPayload);
     void ReportData(uint32_t resType, int64_t value, const std::unordered_map<std::string, std::string> &mapPayload);
     void ReportSceneInfo(uint32_t type, const std::unordered_map<std::string, std::string> &mapPayload);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Results and limits of HiSysEvent::Write (hisysevent.h).
+/// \file
+/// Results and limits of HiSysEvent::Write (hisysevent.h).
 
 #ifndef HOST_HISYSEVENT_DEF_H
 #define HOST_HISYSEVENT_DEF_H
@@ -9,7 +10,7 @@
 
 namespace OHOS::HiviewDFX {
 
-// Refusals: the event goes to nobody. The host never gives those marked *.
+/// Errors: the event is not sent. The host never returns those marked with *.
 constexpr int SUCCESS = 0;
 constexpr int ERR_DOMAIN_NAME_INVALID = -1;
 constexpr int ERR_EVENT_NAME_INVALID = -2;
@@ -17,15 +18,15 @@ constexpr int ERR_DOES_NOT_INIT = -3;  // *
 constexpr int ERR_OVER_SIZE = -4;
 constexpr int ERR_SEND_FAIL = -5;
 constexpr int ERR_WRITE_IN_HIGH_FREQ = -6;
-constexpr int ERR_DOMAIN_MASKED = -7;             // *
-constexpr int ERR_EMPTY_EVENT = -8;               // *
-constexpr int ERR_RAW_DATA_WROTE_EXCEPTION = -9;  // *
+constexpr int ERR_DOMAIN_MASKED = -7;  // *
+constexpr int ERR_EMPTY_EVENT = -8;    // *
+constexpr int ERR_RAW_DATA_WROTE_EXCEPTION = -9;
 
-// Warnings: the event goes out.
-constexpr int ERR_KEY_NAME_INVALID = 1;       // without the key
-constexpr int ERR_VALUE_LENGTH_TOO_LONG = 2;  // with the whole text
-constexpr int ERR_KEY_NUMBER_TOO_MUCH = 3;    // without the keys above MAX_PARAM_NUMBER
-constexpr int ERR_ARRAY_TOO_MUCH = 4;         // with the first MAX_ARRAY_SIZE elements
+/// Warnings: the event is sent. The host never returns that marked with *.
+constexpr int ERR_KEY_NAME_INVALID = 1;       // the key is dropped
+constexpr int ERR_VALUE_LENGTH_TOO_LONG = 2;  // the string is sent in full
+constexpr int ERR_KEY_NUMBER_TOO_MUCH = 3;    // the keys above MAX_PARAM_NUMBER are dropped
+constexpr int ERR_ARRAY_TOO_MUCH = 4;         // the first MAX_ARRAY_SIZE elements are sent
 constexpr int ERR_VALUE_INVALID = 5;          // *
 
 constexpr size_t MAX_DOMAIN_LENGTH = 16;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Types of distributed hardware. A release may know more types than these.
+/// \file
+/// Types of distributed hardware. A release of the platform may know more types.
 
 #ifndef HOST_DEVICE_TYPE_H
 #define HOST_DEVICE_TYPE_H

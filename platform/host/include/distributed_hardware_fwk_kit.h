@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Distributed hardware SDK on the host: hands the messages published on a topic to the listeners of that topic, within
-// the process. The registrations belong to the process, so every kit object reaches the listeners registered through
-// any other, and they outlive the object. All functions may be called from any thread at once, and from OnMessage.
+/// \file
+/// Distributed hardware SDK on the host: passes the messages published on a topic to the listeners of that topic in the
+/// same process. The registrations belong to the process: every kit object reaches the listeners that were registered
+/// through any other, and they outlive the object. All functions are thread-safe and may be called from OnMessage.
 
 #ifndef HOST_DISTRIBUTED_HARDWARE_FWK_KIT_H
 #define HOST_DISTRIBUTED_HARDWARE_FWK_KIT_H
@@ -16,22 +17,22 @@
 
 namespace OHOS::DistributedHardware {
 
-// Access to the framework: publishes messages, and registers who listens to them.
+/// Publishes messages and registers listeners.
 class DistributedHardwareFwkKit final {
 public:
     DistributedHardwareFwkKit();
     ~DistributedHardwareFwkKit();  // NOLINT(performance-trivially-destructible): replaceable, as all functions here
 
-    // Adds a listener to a topic and keeps it alive while registered. Returns 0, or -1 for TOPIC_MIN, a null listener
-    // or one that the topic has already.
+    /// Adds a listener to a topic, and keeps it alive while it is registered. Returns 0, or -1 for TOPIC_MIN, a null
+    /// listener or one that is registered for the topic already.
     int32_t RegisterPublisherListener(const DHTopic topic, sptr<IPublisherListener> listener);
 
-    // Takes a listener off a topic. Returns 0, or -1 when the topic does not have it. A message that another thread is
-    // publishing meanwhile may still reach it.
+    /// Removes a listener from a topic. Returns 0, or -1 if it is not registered for the topic. A message that another
+    /// thread is publishing at the same time may still reach it.
     int32_t UnregisterPublisherListener(const DHTopic topic, sptr<IPublisherListener> listener);
 
-    // Calls every listener that the topic has at this moment, in the order of registration, in the calling thread.
-    // Returns 0, with or without listeners, or -1 for TOPIC_MIN.
+    /// Calls every listener of the topic, in the order of registration, in the calling thread. Returns 0, with or
+    /// without listeners, or -1 for TOPIC_MIN.
     int32_t PublishMessage(const DHTopic topic, const std::string &message);
 };
 

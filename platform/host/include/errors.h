@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Results of the platform's components: ERR_OK or an error. The host has no names for single errors.
+/// \file
+/// Results of the components of the platform: ERR_OK or an error. The host defines no names for errors.
 
 #ifndef HOST_ERRORS_H
 #define HOST_ERRORS_H

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// HiSysEvent on the host: writes events of the process. An event is one flat JSON object: domain_, name_, type_, time_
-// (ms since the Unix epoch), tz_ (such as "+0200"), pid_, tid_, uid_, then the event's own keys in the order given.
-//
-//     HiSysEvent::Write(__func__, __LINE__, "DOMAIN", "EVENT", HiSysEvent::BEHAVIOR, "TEXT", text, "COUNT", 3);
-//     HiSysEventWrite(HiSysEvent::Domain::DSOFTBUS, "EVENT", HiSysEvent::FAULT, "COUNT", 3);
-//
-// Listeners of the process get it (hisysevent_manager.h). OSTRA_HOST_EVENT_OUTPUT, "stderr" or the path of a file,
-// appends it there too, one line an event. All functions may be called from any thread at once.
+/// \file
+/// HiSysEvent on the host: writes the events of this process. An event is one flat JSON object: `domain_`, `name_`,
+/// `type_`, `time_` (ms since the Unix epoch), `tz_` (such as "+0200"), `pid_`, `tid_`, `uid_`, then the event's own
+/// keys in the order given.
+///
+///     HiSysEvent::Write(__func__, __LINE__, "DOMAIN", "EVENT", HiSysEvent::BEHAVIOR, "NAME", name, "COUNT", 3);
+///     HiSysEventWrite(HiSysEvent::Domain::DSOFTBUS, "EVENT", HiSysEvent::FAULT, "COUNT", 3);
+///
+/// The listeners of the process receive it (hisysevent_manager.h). If OSTRA_HOST_EVENT_OUTPUT is "stderr" or the path
+/// of a file, the event is also appended there, one line per event. All functions are thread-safe.
 
 #ifndef HOST_HISYSEVENT_H
 #define HOST_HISYSEVENT_H
@@ -23,8 +25,8 @@
 
 #include "def.h"
 
-// How many events a call site has (the threshold) in a period, in seconds. A source may set its own before it includes
-// this header.
+/// A call site may write HISYSEVENT_THRESHOLD events in HISYSEVENT_PERIOD seconds. A source file may define its own
+/// values before it includes this header.
 #ifndef HISYSEVENT_PERIOD
 #define HISYSEVENT_PERIOD 5
 #endif
@@ -32,21 +34,32 @@
 #define HISYSEVENT_THRESHOLD 100
 #endif
 
-// HiSysEvent::Write of this call site. The domain is a constant array of characters. The value is that of Write.
+/// Calls HiSysEvent::Write for this call site and returns its result. The domain is a constant array of characters.
 #define HiSysEventWrite(domain, ...) OHOS::HiviewDFX::HiSysEvent::Write<domain>(__FUNCTION__, __LINE__, __VA_ARGS__)
 
-namespace OHOS::HiviewDFX {
+/// \cond The form in which HiSysEvent::Write passes an event to the library. Not part of the platform's interface.
+namespace ostra::host {
 
-// A single value, or one element of a vector, in the form in which it goes to the library. A text is borrowed.
-struct HiSysEventScalar {
-    enum class Kind : uint8_t { SIGNED, UNSIGNED, FLOAT, DOUBLE, TEXT };
+template <typename Value>
+constexpr bool IS_EVENT_STRING = std::is_convertible_v<Value, std::string>;
+
+template <typename Value>
+constexpr bool IS_EVENT_VALUE = std::is_arithmetic_v<Value> || std::is_enum_v<Value> || IS_EVENT_STRING<Value>;
+
+/// A single value or one element of a vector. Strings are borrowed.
+struct EventScalar {
+    enum class Kind : uint8_t { SIGNED, UNSIGNED, FLOAT, DOUBLE, STRING };
 
     template <typename Value>
-    static HiSysEventScalar Of(const Value &value)
+    static EventScalar Of(const Value &value)
     {
-        HiSysEventScalar scalar;
+        static_assert(IS_EVENT_VALUE<Value>,
+                      "HiSysEvent::Write: a value is bool, an integer or floating type, an unscoped enumeration, "
+                      "std::string, a C string, or a std::vector of one of these");
+        EventScalar scalar;
         if constexpr (std::is_enum_v<Value>) {
-            static_assert(std::is_convertible_v<Value, std::underlying_type_t<Value>>, "convert scoped enumerations");
+            static_assert(std::is_convertible_v<Value, std::underlying_type_t<Value>>,
+                          "HiSysEvent::Write: convert a scoped enumeration to its underlying type");
             return Of(static_cast<std::underlying_type_t<Value>>(value));
         } else if constexpr (std::is_integral_v<Value>) {
             scalar.kind = std::is_signed_v<Value> ? Kind::SIGNED : Kind::UNSIGNED;
@@ -54,35 +67,34 @@ struct HiSysEventScalar {
         } else if constexpr (std::is_floating_point_v<Value>) {
             scalar.kind = std::is_same_v<Value, float> ? Kind::FLOAT : Kind::DOUBLE;
             scalar.floating = static_cast<double>(value);
-        } else {
-            scalar.text = Text(value);
+        } else if constexpr (IS_EVENT_STRING<Value>) {
+            scalar.string = View(value);
         }
         return scalar;
     }
 
-    // Without data for null, which ends the process where the text is needed.
-    static std::string_view Text(const char *text)
+    /// A null string has no data; using it ends the process.
+    static std::string_view View(const char *string)
     {
-        return text == nullptr ? std::string_view() : std::string_view(text);
+        return string == nullptr ? std::string_view() : std::string_view(string);
     }
 
-    static std::string_view Text(const std::string &text)
+    static std::string_view View(const std::string &string)
     {
-        return text;
+        return string;
     }
 
-    Kind kind = Kind::TEXT;
-    uint64_t bits = 0;  // of a truth value or an integer
+    Kind kind = Kind::STRING;
+    uint64_t bits = 0;  // of a bool or an integer
     double floating = 0;
-    std::string_view text;
+    std::string_view string;
 };
 
-// A key and its value in the same form.
-struct HiSysEventKeyValue {
+struct EventKeyValue {
     template <typename Value>
     void Set(const Value &value)
     {
-        elements.push_back(HiSysEventScalar::Of(value));
+        elements.push_back(EventScalar::Of(value));
     }
 
     template <typename Value>
@@ -91,55 +103,70 @@ struct HiSysEventKeyValue {
         isVector = true;
         elements.reserve(values.size());
         for (auto &&element : values) {
-            elements.push_back(HiSysEventScalar::Of(static_cast<const Value &>(element)));
+            elements.push_back(EventScalar::Of(static_cast<const Value &>(element)));
         }
     }
 
     std::string_view key;
     bool isVector = false;
-    std::vector<HiSysEventScalar> elements;  // just the value where it is no vector
+    std::vector<EventScalar> elements;  // one element if it is not a vector
 };
 
-// Where an event is written, and how often it may be.
-struct HiSysEventCallSite {
+struct EventCallSite {
     const char *func;
     int64_t line;
     int64_t period;  // in seconds
     uint32_t threshold;
 };
 
+/// HiSysEvent::Write with the number and the types of the values known at run time only.
+__attribute__((visibility("default"))) int WriteEvent(const EventCallSite &site, const std::string &domain,
+                                                      const std::string &eventName, int type,
+                                                      const EventKeyValue *params, size_t paramCount);
+
+}  // namespace ostra::host
+/// \endcond
+
+namespace OHOS::HiviewDFX {
+
+/// Writes events.
 class HiSysEvent {
 public:
     enum EventType { FAULT = 1, STATISTIC = 2, SECURITY = 3, BEHAVIOR = 4 };
 
-    // Domains of platform components that host processes name.
+    /// Domains of platform components that host processes name.
     class Domain {
     public:
         static constexpr char DISTRIBUTED_HARDWARE_FWK[] = "DISTHWFWK";
         static constexpr char DSOFTBUS[] = "DSOFTBUS";
     };
 
-    // Writes one event. func and line name the call site. keyValues are pairs: a key, which is a text, and its value:
-    // bool (as 1 or 0), an integer or floating type, an unscoped enumeration, std::string, a C string, or a std::vector
-    // of one of them. Control characters are dropped from texts, but for tab, line feed, carriage return, backspace and
-    // form feed; a number that is not finite is written as 0. A null C string ends the process.
-    //
-    // Returns a refusal, the first that applies, in this order; a refused event reaches nobody:
-    //   -6  written too often: a call site has HISYSEVENT_THRESHOLD events in a period, which begins with its first
-    //       one and ends with the first that is written in a second more than HISYSEVENT_PERIOD behind, or before it,
-    //       by the wall clock; whatever else is refused counts among them. Call sites are told apart by the first 256
-    //       bytes of eventName_func_line, and the 30 that were last used are remembered.
-    //   -1  bad domain name (at most 16 characters)
-    //   -2  bad event name (at most 32 characters)
-    //   -4  over size: the encoded event takes more than 384 KiB
-    //   -5  the configured output cannot be written; a later write that succeeds brings the event after all, of 100
-    //       such events the last
-    // Otherwise the event goes out, and the result is 0 or the last warning in the order of the keys:
-    //   1  a bad key (at most 48 characters), left out with its value
-    //   2  a text over 262144 bytes, written whole
-    //   3  more than 128 keys, those behind left out
-    //   4  a vector of more than 100 elements, cut there
-    // Names are letters, digits and '_' and begin with a letter.
+    /// Writes one event.
+    ///
+    /// `func` and `line` name the call site. `keyValues` are pairs of a key, which is a string, and its value: bool
+    /// (written as 1 or 0), an integer or floating type, an unscoped enumeration, std::string, a C string, or a
+    /// std::vector of one of these. Control characters are dropped from strings, except tab, line feed, carriage
+    /// return, backspace and form feed; a number that is not finite is written as 0. A null C string ends the process.
+    ///
+    /// Returns the first of these errors that applies, and the event is not sent:
+    ///   - -6: rate limit exceeded. A call site may write HISYSEVENT_THRESHOLD events in a period, refused ones
+    ///   included.
+    ///     The period begins with its first event and ends with the first that is written more than HISYSEVENT_PERIOD
+    ///     wall-clock seconds later, or earlier than that event. A call site is identified by the first 256 bytes of
+    ///     "EVENTNAME_FUNC_LINE"; the 30 that were used last are remembered.
+    ///   - -1: invalid domain name (at most 16 characters)
+    ///   - -2: invalid event name (at most 32 characters)
+    ///   - -4: the encoded event exceeds 384 KiB
+    ///   - -9: out of memory in cJSON
+    ///   - -5: the configured output cannot be written. The next successful write sends the last 100 such events first.
+    ///
+    /// Otherwise the event is sent, and the result is 0 or the last of these warnings in the order of the keys:
+    ///   - 1: invalid key (at most 48 characters), dropped with its value
+    ///   - 2: a string exceeds 262144 bytes; it is written in full
+    ///   - 3: more than 128 keys; the rest is dropped
+    ///   - 4: a vector has more than 100 elements; the rest is dropped
+    ///
+    /// Names consist of letters, digits and `_` and begin with a letter.
     template <typename... Types, int64_t Period = HISYSEVENT_PERIOD, uint32_t Threshold = HISYSEVENT_THRESHOLD>
     static int Write(const char *func, int64_t line, const std::string &domain, const std::string &eventName,
                      EventType type, Types... keyValues)
@@ -147,7 +174,7 @@ public:
         return WriteAt({func, line, Period, Threshold}, domain, eventName, type, keyValues...);
     }
 
-    // The same with a domain that is known when compiling.
+    /// The same with a domain that is known at compile time.
     template <const char *DomainName, typename... Types, int64_t Period = HISYSEVENT_PERIOD,
               uint32_t Threshold = HISYSEVENT_THRESHOLD>
     static int Write(const char *func, int64_t line, const std::string &eventName, EventType type, Types... keyValues)
@@ -157,43 +184,40 @@ public:
 
 private:
     template <typename... Types>
-    static int WriteAt(const HiSysEventCallSite &site, const std::string &domain, const std::string &eventName,
+    static int WriteAt(const ostra::host::EventCallSite &site, const std::string &domain, const std::string &eventName,
                        EventType type, const Types &...keyValues)
     {
-        static_assert(AreKeyValues<Types...>(), "a text as key, then its value, and so on");
-        std::array<HiSysEventKeyValue, sizeof...(Types) / 2> params{};
-        // A list in braces, not a fold: compilers limit how deep an expression nests.
+        static_assert(AreKeyValues<Types...>(),
+                      "HiSysEvent::Write: after the event type come pairs of a string as key and its value");
+        std::array<ostra::host::EventKeyValue, sizeof...(Types) / 2> params{};
+        /// An initializer list instead of a fold expression: compilers limit how deep an expression nests.
         size_t at = 0;
         const std::initializer_list<int> inOrder = {(Pack(params.data(), at++, keyValues), 0)...};
         static_cast<void>(inOrder);
-        return Send(site, domain, eventName, type, params.data(), params.size());
+        return ostra::host::WriteEvent(site, domain, eventName, type, params.data(), params.size());
     }
 
     template <typename... Types>
     static constexpr bool AreKeyValues()
     {
-        constexpr bool isText[] = {std::is_convertible_v<Types, std::string>..., true};
-        bool isRight = sizeof...(Types) % 2 == 0;
+        constexpr bool isString[] = {ostra::host::IS_EVENT_STRING<Types>..., true};
+        bool areAll = sizeof...(Types) % 2 == 0;
         for (size_t key = 0; key < sizeof...(Types); key += 2) {
-            isRight = isRight && isText[key];
+            areAll = areAll && isString[key];
         }
-        return isRight;
+        return areAll;
     }
 
     template <typename Type>
-    static void Pack(HiSysEventKeyValue *params, size_t at, const Type &keyOrValue)
+    static void Pack(ostra::host::EventKeyValue *params, size_t at, const Type &keyOrValue)
     {
-        HiSysEventKeyValue &param = params[at / 2];
+        ostra::host::EventKeyValue &param = params[at / 2];
         if (at % 2 != 0) {
             param.Set(keyOrValue);
-        } else if constexpr (std::is_convertible_v<Type, std::string>) {
-            param.key = HiSysEventScalar::Text(keyOrValue);
+        } else if constexpr (ostra::host::IS_EVENT_STRING<Type>) {
+            param.key = ostra::host::EventScalar::View(keyOrValue);
         }
     }
-
-    __attribute__((visibility("default"))) static int Send(const HiSysEventCallSite &site, const std::string &domain,
-                                                           const std::string &eventName, EventType type,
-                                                           const HiSysEventKeyValue *params, size_t paramCount);
 };
 
 }  // namespace OHOS::HiviewDFX

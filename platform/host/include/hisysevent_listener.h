@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a listener to events implements; HiSysEventManager (hisysevent_manager.h) adds it.
+/// \file
+/// The interface of event listeners. HiSysEventManager (hisysevent_manager.h) registers them.
 
 #ifndef HOST_HISYSEVENT_LISTENER_H
 #define HOST_HISYSEVENT_LISTENER_H
@@ -11,15 +12,17 @@
 
 namespace OHOS::HiviewDFX {
 
+/// Receives events.
 class HiSysEventListener {
 public:
     virtual ~HiSysEventListener() = default;
 
-    // Called for every event that one of the listener's rules matches, by several threads at once when they write at
-    // once. No lock is held meanwhile. What it throws comes out of the write; listeners behind it do not get the event.
+    /// Called for every event that matches one of the rules of the listener, in the writing thread and without a lock;
+    /// several threads may call it at the same time. An exception propagates to the writer, and later listeners do not
+    /// receive the event.
     virtual void OnEvent(std::shared_ptr<HiSysEventRecord> sysEvent) = 0;
 
-    // Never called on the host, where no service stands in between.
+    /// Never called on the host, which has no event service.
     virtual void OnServiceDied() = 0;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A written event as a listener gets it. A record does not change once it is made; any thread may read it.
+/// \file
+/// An event as a listener receives it.
 
 #ifndef HOST_HISYSEVENT_RECORD_H
 #define HOST_HISYSEVENT_RECORD_H
@@ -14,18 +15,20 @@
 
 namespace OHOS::HiviewDFX {
 
+/// Reads the fields of an event. Immutable and therefore thread-safe.
 class __attribute__((visibility("default"))) HiSysEventRecord {
 public:
-    // Takes the text of a JSON object, as AsJson gives it. Of another text AsJson alone is of use: names and texts are
-    // empty, numbers 0, and GetParamValue gives -1.
+    /// Parses a JSON object such as AsJson returns. If `json` is anything else, only AsJson is of use: strings are
+    /// empty, numbers are 0, and GetParamValue returns -1.
     explicit HiSysEventRecord(const std::string &json);
 
-    // The text that the record was made of: for a written event one line without its end.
+    /// Returns the JSON document that the record was created from: one line without a line end for a written event.
     std::string AsJson() const;
 
-    // What the platform adds to an event; empty or 0 where the event does not have it. The host writes no level, tag
-    // and trace: they come from event definitions and from tracing. GetTime is in ms since the Unix epoch, GetTimeZone
-    // reads such as "+0200".
+    /// Return the fields that the platform adds to an event, empty or 0 if the event lacks them. The host writes no
+    /// level, tag and trace, which come from event definitions and from tracing. GetTime is in ms since the Unix epoch,
+    /// GetTimeZone has the form "+0200".
+    /// \{
     std::string GetDomain() const;
     std::string GetEventName() const;
     HiSysEvent::EventType GetEventType() const;
@@ -40,22 +43,43 @@ public:
     uint64_t GetSpanId() const;
     uint64_t GetPspanId() const;
     int GetTraceFlag() const;
+    /// \}
 
-    // Replaces `params` with the event's own keys in the order in which they were written.
+    /// Replaces `params` with the event's own keys in the order in which they were written.
     void GetParamNames(std::vector<std::string> &params) const;
 
-    // Reads the value of a key, the event's own or one that the platform adds; of equal keys the first. Value is
-    // int64_t, uint64_t, double, std::string, or a std::vector of one of them. A number without fraction and exponent
-    // is an int64_t or uint64_t where it fits, every number is a double; an empty list is a vector of any. Returns 0;
-    // -1 when the record was made of no JSON object; -2 when there is no such key; -3 when its value is of another
-    // type. `value` changes only on success.
+    /// Reads the value of a key: the event's own, or one that the platform adds. Of equal keys the first counts. A
+    /// number without fraction and exponent is an int64_t or uint64_t if it fits; every number is a double; an empty
+    /// list is a vector of any type.
+    ///
+    /// Returns 0, or without changing `value`:
+    ///   - -1: the record was not created from a JSON object
+    ///   - -2: no such key
+    ///   - -3: the value has another type
+    /// \{
+    int GetParamValue(const std::string &param, int64_t &value) const;
+    int GetParamValue(const std::string &param, uint64_t &value) const;
+    int GetParamValue(const std::string &param, double &value) const;
+    int GetParamValue(const std::string &param, std::string &value) const;
+    int GetParamValue(const std::string &param, std::vector<int64_t> &value) const;
+    int GetParamValue(const std::string &param, std::vector<uint64_t> &value) const;
+    int GetParamValue(const std::string &param, std::vector<double> &value) const;
+    int GetParamValue(const std::string &param, std::vector<std::string> &value) const;
+    /// \}
+
+    /// Rejects every other type at compile time.
     template <typename Value>
-    int GetParamValue(const std::string &param, Value &value) const;
+    int GetParamValue(const std::string & /*param*/, Value & /*value*/) const
+    {
+        static_assert(
+            sizeof(Value) == 0,
+            "HiSysEventRecord::GetParamValue: the value must be an int64_t, uint64_t, double, std::string, or "
+            "a std::vector of one of these");
+        return 0;
+    }
 
 private:
     struct Content;
-    template <typename Value>
-    Value ValueOr(const char *name, Value otherwise) const;
 
     std::shared_ptr<const Content> content_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Which events a listener gets (hisysevent_manager.h).
+/// \file
+/// Selects the events that a listener receives (hisysevent_manager.h).
 
 #ifndef HOST_HISYSEVENT_RULES_H
 #define HOST_HISYSEVENT_RULES_H
@@ -12,8 +13,8 @@
 
 namespace OHOS::HiviewDFX {
 
-// Matches the events whose domain, name, tag and type all match. An empty text matches every name, and 0 every type.
-// Tags come from event definitions, which the host does not read: a rule with a tag matches nothing here.
+/// Matches the events whose domain, name, tag and type all match. An empty string matches every name, and 0 every type.
+/// Tags come from event definitions, which the host does not read: a rule with a tag matches no event.
 class ListenerRule {
 public:
     ListenerRule(const std::string &domain, const std::string &eventName, const std::string &tag,

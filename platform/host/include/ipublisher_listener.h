@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Topics of the distributed hardware framework, and the interface that receives what is published on one.
+/// \file
+/// Topics of the distributed hardware framework, and the interface of their listeners.
 
 #ifndef HOST_IPUBLISHER_LISTENER_H
 #define HOST_IPUBLISHER_LISTENER_H
@@ -12,8 +13,8 @@
 
 namespace OHOS::DistributedHardware {
 
-// A release may use more topics than it names: every value above TOPIC_MIN is a topic. Releases differ in the names
-// above 1; sources that also build for a device write those by value.
+/// Every value above TOPIC_MIN is a topic. The names above 1 differ between releases of the platform: sources that also
+/// build for a device use the values.
 enum class DHTopic : uint32_t {
     TOPIC_MIN = 0,
     TOPIC_START_DSCREEN = 1,
@@ -24,12 +25,12 @@ enum class DHTopic : uint32_t {
     TOPIC_STOP_DAUDIO = 6,
 };
 
-// Receives what is published on the topics that it is registered for.
+/// Receives the messages of the topics that it is registered for.
 class IPublisherListener : public virtual RefBase {
 public:
     ~IPublisherListener() override = default;
 
-    // Runs in the publishing thread; several threads may call it at once. May use the kit freely.
+    /// Called in the publishing thread; several threads may call it at the same time. May use the kit.
     virtual void OnMessage(const DHTopic topic, const std::string &message) = 0;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The parcel that an inter-process call carries. On the host it is a plain parcel: it carries no remote objects and no
-// file descriptors.
+/// \file
+/// The parcel of an inter-process call. On the host it carries neither remote objects nor file descriptors.
 
 #ifndef HOST_MESSAGE_PARCEL_H
 #define HOST_MESSAGE_PARCEL_H
@@ -10,6 +10,7 @@
 
 namespace OHOS {
 
+/// A parcel without further operations.
 class MessageParcel : public Parcel {};
 
 }  // namespace OHOS

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Classes that are not copied or not moved: the macro stands within the class, which names itself.
+/// \file
+/// Macros for classes that cannot be copied or moved. Use them in the class definition, with the name of the class.
 
 #ifndef HOST_NOCOPYABLE_H
 #define HOST_NOCOPYABLE_H

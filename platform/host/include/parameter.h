@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// System parameters on the host: kept for the process. At their first use they are filled from the file that
-// OSTRA_HOST_PARAMETER_FILE names, one name=value a line ('#' begins a comment line), then from OSTRA_HOST_PARAMETERS,
-// name=value entries separated by ';', which win. Blanks around an entry do not count; an entry that SetParameter would
-// refuse is reported on standard error and skipped, and so is a file that cannot be read, a directory or a FIFO. The
-// functions may be called from any thread at once. A C compiler accepts this header.
+/// \file
+/// System parameters on the host, private to the process. The first use reads the file that OSTRA_HOST_PARAMETER_FILE
+/// names, with one name=value per line ('#' starts a comment line), then OSTRA_HOST_PARAMETERS, name=value entries
+/// separated by ';', which take precedence. Blanks around an entry are ignored. An entry that SetParameter would reject
+/// is reported on standard error and skipped, and so is a file that cannot be read, a directory or a FIFO. All
+/// functions are thread-safe. A C compiler accepts this header.
 
 #ifndef HOST_PARAMETER_H
 #define HOST_PARAMETER_H
@@ -15,14 +16,18 @@
 extern "C" {
 #endif
 
-// Puts the value of the parameter `key`, or `def` when it is unset, into `value`, which holds `len` bytes, with a zero
-// byte behind. A parameter that is set to an empty text is set. Returns the length of the text; -9 for a null key or
-// buffer, or a buffer too small for the text and its zero byte; -1 for a bad name, or an unset parameter and a null
-// `def`. The buffer stays unchanged on failure.
+/// Copies the value of the parameter `key`, or `def` if it is unset, to `value`, a buffer of `len` bytes, as a
+/// null-terminated string. A parameter with an empty value is set.
+///
+/// Returns the length of the string, or without changing the buffer:
+///   - -9: the key or the buffer is null, or the buffer is too small
+///   - -1: the name is invalid, or the parameter is unset and `def` is null
 int GetParameter(const char *key, const char *def, char *value, uint32_t len);
 
-// Sets a parameter of this process. Returns 0; -9, with nothing set, for a null argument, a name that is empty, longer
-// than 96 bytes or not of letters, digits, '_' and '.', or a value longer than 96 bytes.
+/// Sets a parameter of this process.
+///
+/// Returns 0, or -9 without a change if an argument is null, the name is empty, longer than 96 bytes or contains
+/// anything but letters, digits, '_' and '.', or the value is longer than 96 bytes.
 int SetParameter(const char *key, const char *value);
 
 #ifdef __cplusplus

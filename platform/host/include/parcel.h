@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The parcel of the platform's inter-process calls: values are written one after the other and read back in the same
-// order.
-//
-//     Parcel parcel;
-//     parcel.WriteUint32(7);                       // 07 00 00 00
-//     parcel.WriteString("ab");                    // 02 00 00 00 61 62 00 00
-//     parcel.ReadUint32();                         // 7
-//     parcel.ReadString(text);                     // true, "ab"
-//
-// Everything is little-endian and takes a multiple of 4 bytes. A write that would pass the capacity returns false and
-// leaves nothing of its piece; the length of a text and the count of a vector are pieces of their own, which stay. A
-// read of what is not all there returns false, 0, null or an empty text, and leaves its argument and the read position,
-// but for what is said below. Objects, file descriptors and unaligned values are not offered. One thread at a time uses
-// a parcel.
+/// \file
+/// The parcel of the platform's inter-process calls: values are written one after the other and read back in the same
+/// order.
+///
+///     Parcel parcel;
+///     parcel.WriteUint32(7);                       // 07 00 00 00
+///     parcel.WriteString("ab");                    // 02 00 00 00 61 62 00 00
+///     parcel.ReadUint32();                         // 7
+///     parcel.ReadString(value);                    // true, "ab"
+///
+/// Everything is little-endian and padded to a multiple of 4 bytes. A write beyond the capacity returns false and adds
+/// nothing; a string or vector that does not fit still adds its length. A read beyond the end of the data returns
+/// false, 0, null or an empty string, and unless documented below leaves its argument and the read position unchanged.
+/// Objects, file descriptors and unaligned values are not supported. Not thread-safe: callers must synchronize access
+/// to a parcel.
 
 #ifndef HOST_PARCEL_H
 #define HOST_PARCEL_H
@@ -26,7 +27,7 @@
 
 namespace OHOS {
 
-// Where a parcel has its block from.
+/// Allocates the buffer of a parcel.
 class Allocator {
 public:
     virtual ~Allocator() = default;
@@ -35,7 +36,7 @@ public:
     virtual void Dealloc(void *data) = 0;
 };
 
-// malloc and its kin.
+/// Uses malloc, realloc and free.
 class DefaultAllocator : public Allocator {
 public:
     void *Realloc(void *data, size_t newSize) override;
@@ -43,18 +44,18 @@ public:
     void Dealloc(void *data) override;
 };
 
-// Values in a block, with a position to write at and one to read from.
+/// A buffer of values with a write position and a read position.
 class Parcel {
 public:
     Parcel();
-    explicit Parcel(Allocator *allocator);  // takes the allocator over; null is the default one
+    explicit Parcel(Allocator *allocator);  // owns the allocator; null selects the default one
     virtual ~Parcel();
     Parcel(const Parcel &) = delete;
     Parcel &operator=(const Parcel &) = delete;
 
-    // Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). What is narrower than 4 bytes is widened by its
-    // sign, and read from the lowest byte or two; a truth value reads true from any value but 0.
-    // NOLINTBEGIN(bugprone-macro-parentheses): types, which cannot stand in any
+    /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4; of
+    /// those, reading uses the lowest ones. ReadBool returns true for any value but 0.
+    // NOLINTBEGIN(bugprone-macro-parentheses): types cannot be put in parentheses
 #define HOST_PARCEL_SCALAR(Name, Type) \
     bool Write##Name(Type value);      \
     Type Read##Name();                 \
@@ -73,20 +74,20 @@ public:
 #undef HOST_PARCEL_SCALAR
     // NOLINTEND(bugprone-macro-parentheses)
 
-    // An address of this process, in 8 bytes.
+    /// An address of this process, in 8 bytes.
     bool WritePointer(uintptr_t value);
     uintptr_t ReadPointer();
 
-    // A text of 8 or 16 bits: its length in units as a signed 32-bit value, its units and a zero unit, padded. A null
-    // text is the length -1 alone.
+    /// A string of 8-bit or 16-bit characters: its length as a signed 32-bit value, its characters and a null
+    /// terminator, padded. A null string is the length -1 alone.
     bool WriteString(const std::string &value);
     bool WriteString16(const std::u16string &value);
     bool WriteString8WithLength(const char *value, size_t length);
     bool WriteString16WithLength(const char16_t *value, size_t length);
 
-    // An unreadable text is empty. A negative length and 0x7fffffff are consumed; otherwise the read position stays
-    // where it was, also when the unit behind the text is not zero. What the padding holds, and whether it is all
-    // there, does not matter. `readLength` gets the length that was consumed.
+    /// Returns an empty string, or false, if the length is negative or 0x7fffffff, characters are missing, or the null
+    /// terminator is missing. In the first case the length is consumed; otherwise the read position is unchanged. The
+    /// padding is ignored, and may be missing. `readLength` receives the length that was consumed.
     // NOLINTBEGIN(readability-const-return-type): as the platform declares them
     const std::string ReadString();
     const std::u16string ReadString16();
@@ -96,26 +97,27 @@ public:
     const std::u16string ReadString16WithLength(int32_t &readLength);
     // NOLINTEND(readability-const-return-type)
 
-    // A text up to its zero byte, without a length. What is read lies in the parcel and is valid until it is next
-    // written, flushed or destroyed.
+    /// A null-terminated string without a length. The result points into the parcel and is valid until the parcel is
+    /// written, flushed or destroyed.
     bool WriteCString(const char *value);
     const char *ReadCString();
 
-    // A block, padded; null and an empty one are refused. Both names do the same.
+    /// A block of bytes, padded. Null and empty blocks are rejected. Both functions are the same.
     bool WriteBuffer(const void *data, size_t size);
     bool WriteUnpadBuffer(const void *data, size_t size);
 
-    // A block whose last `typeSize` bytes are written as zeros; refused with fewer bytes than those.
+    /// A block whose last `typeSize` bytes are written as zeros. Rejects blocks of fewer bytes.
     bool WriteBufferAddTerminator(const void *data, size_t size, size_t typeSize);
 
-    // A block of this size within the parcel, valid as with ReadCString. Only ReadUnpadBuffer skips the padding.
+    /// Return a block of `length` bytes, which points into the parcel as that of ReadCString does. Only ReadUnpadBuffer
+    /// skips the padding.
     const uint8_t *ReadBuffer(size_t length);
-    const uint8_t *ReadBuffer(size_t length, bool isValidate);
     const uint8_t *ReadUnpadBuffer(size_t length);
 
-    // Vectors: the count as a signed 32-bit value, then the elements as above; those of 8 bits and UInt16 lie without
-    // gaps and are padded as one. Reading refuses, with the count consumed and the vector unchanged, a count that is
-    // negative or needs more bytes than there are (a text needs at least one); texts that cannot be read are empty.
+    /// Vectors: the count as a signed 32-bit value, then the elements as above; elements of 8 bits and of UInt16 are
+    /// packed and padded together. Reading returns false, with the count consumed and the vector unchanged, if the
+    /// count is negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read
+    /// are empty.
 #define HOST_PARCEL_VECTOR(Name, Type)                         \
     bool Write##Name##Vector(const std::vector<Type> &values); \
     bool Read##Name##Vector(std::vector<Type> *values);
@@ -134,44 +136,43 @@ public:
     HOST_PARCEL_VECTOR(String16, std::u16string)
 #undef HOST_PARCEL_VECTOR
 
-    // Bytes of data and their address; bytes behind the read position; bytes that can be written before the block must
-    // grow; bytes of the block; the most bytes that it grows to by writing, 204800 at first.
+    /// Sizes in bytes: the data; the data after the read position; the room before the buffer must grow; the buffer;
+    /// the size that writing may grow it to (204800 by default). GetData returns the address of the data.
     size_t GetDataSize() const;
     uintptr_t GetData() const;
     size_t GetReadableBytes() const;
     size_t GetWritableBytes() const;
     size_t GetDataCapacity() const;
     size_t GetMaxCapacity() const;
-    size_t GetOffsetsSize() const;  // of objects: 0
+    size_t GetOffsetsSize() const;  // of objects: always 0
     size_t GetReadPosition();
     size_t GetWritePosition();
 
-    // Gives the block this size, also beyond the most that it grows to. False when it does not exceed the data.
+    /// Resizes the buffer, also beyond the maximum capacity. Returns false unless it is larger than the data.
     bool SetDataCapacity(size_t newCapacity);
 
-    // Makes the data this long, of what the block holds; the write position stays. False beyond the block.
+    /// Sets the size of the data; the write position is unchanged. Returns false if it exceeds the buffer.
     bool SetDataSize(size_t dataSize);
 
-    // Raises the most bytes. False when it would not rise.
+    /// Increases the maximum capacity. Returns false for a smaller or equal one.
     bool SetMaxCapacity(size_t maxCapacity);
 
-    // Moves a position to so many bytes from the start; RewindWrite ends the data there. False beyond the data.
+    /// Set a position, in bytes from the start; RewindWrite also ends the data there. Return false beyond the data.
     bool RewindRead(size_t newPosition);
     bool RewindWrite(size_t newPosition);
 
-    // Moves the read position; beyond the data, to the end of the block.
+    /// Advances the read position; beyond the data, to the end of the buffer.
     void SkipBytes(size_t bytes);
 
-    // Frees the block. What ParseFrom was given still allows no write.
+    /// Frees the buffer. After ParseFrom the parcel remains read-only.
     void FlushBuffer();
 
-    // Takes an allocator over in place of the one so far. False for null and while the parcel has a block, which
-    // belongs to the allocator so far.
+    /// Replaces the allocator and owns the new one. Returns false for null and while the parcel has a buffer.
     bool SetAllocator(Allocator *allocator);
 
-    // Takes over a block that the parcel's allocator can free (malloc's by default), as data of this size, whatever
-    // the most bytes are. Nothing can be written afterwards. False, with the block still the caller's, when the parcel
-    // has a block already, and for a null block with a size.
+    /// Takes ownership of a buffer that the allocator of the parcel can free (one of malloc by default), of any size.
+    /// The parcel is read-only afterwards. Returns false, without taking ownership, if the parcel has a buffer already,
+    /// or for a null buffer with a size.
     bool ParseFrom(uintptr_t data, size_t size);
 
 private:
@@ -183,9 +184,9 @@ private:
     template <typename Stored, typename T>
     bool Read(T &value);
     template <typename Unit>
-    bool WriteText(const Unit *text, size_t length);
+    bool WriteChars(const Unit *chars, size_t length);
     template <typename Unit>
-    bool ReadText(std::basic_string<Unit> &text, int32_t &length);
+    bool ReadChars(std::basic_string<Unit> &value, int32_t &length);
     template <typename T, typename Argument>
     bool WriteVector(const std::vector<T> &values, bool (Parcel::*write)(Argument));
     template <typename T>

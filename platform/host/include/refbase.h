@@ -1,47 +1,49 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The platform's counted pointers. An object of a class that derives from RefBase counts its pointers itself: sptr
-// keeps it alive, wptr does not and tells whether it still lives.
-//
-//     class Listener : public RefBase { ... };
-//     sptr<Listener> listener = new Listener();              // or sptr<Listener>::MakeSptr()
-//     sptr<Listener> same = listener.GetRefPtr();            // counts with the first one
-//     wptr<Listener> watched = listener;
-//     if (sptr<Listener> alive = watched.promote()) { ... }  // null once the last sptr is gone
-//
-// The counts may be changed from any thread; one pointer object is one thread's at a time. Deleting an object that an
-// sptr holds, and a second count by std::shared_ptr, are errors that nothing detects.
+/// \file
+/// The platform's reference-counted pointers. An object of a class that derives from RefBase holds its own count: an
+/// sptr keeps the object alive; a wptr does not, but can be promoted while the object lives.
+///
+///     class Listener : public RefBase { ... };
+///     sptr<Listener> listener = new Listener();              // or sptr<Listener>::MakeSptr()
+///     sptr<Listener> same = listener.GetRefPtr();            // shares the count
+///     wptr<Listener> watched = listener;
+///     if (sptr<Listener> alive = watched.promote()) { ... }  // null once the last sptr is gone
+///
+/// The counts are thread-safe. A pointer object is not: callers must synchronize access to it. Deleting an object that
+/// an sptr owns, and owning it with std::shared_ptr, too, is undefined behaviour.
 
 #ifndef HOST_REFBASE_H
 #define HOST_REFBASE_H
 
+#include <type_traits>
 #include <utility>
 
 namespace OHOS {
 
-// What outlives a counted object for its weak pointers. Host sources have no use for it.
+/// Internal: outlives the object for its weak pointers.
 class RefCounter;
 
-// The base of objects that count their pointers and end with the last.
+/// The base of reference-counted objects.
 class RefBase {
 public:
     RefBase();
-    RefBase(const RefBase &other);  // a copy is an object of its own: counts are not copied
+    RefBase(const RefBase &other);  // the count is not copied
     RefBase &operator=(const RefBase &other);
     virtual ~RefBase();
 
-    // What sptr calls; `owner` tells who counts and may be anything. The object ends with its last count.
+    /// Called by sptr. `owner` is ignored. Dropping the last count deletes the object.
     void IncStrongRef(const void *owner);
     void DecStrongRef(const void *owner);
 
-    // The strong counts at this moment, 0 before the first.
+    /// Returns the current strong count, 0 before the first sptr.
     int GetSptrRefCount();
 
 private:
     template <typename T>
     friend class wptr;
 
-    // Weak counting, by way of what outlives the object. Promote counts the object strongly unless it is gone.
+    /// Weak counts. Promote increments the strong count unless the object is destroyed.
     RefCounter *Watch() const;
     static RefCounter *Watch(RefCounter *counter);
     static void Unwatch(RefCounter *counter);
@@ -50,13 +52,14 @@ private:
     RefCounter *counter_;
 };
 
-// A pointer that keeps its object.
+/// A strong pointer, which keeps its object alive.
 template <typename T>
 class sptr {
 public:
     sptr() = default;
     sptr(T *object) : object_(object)  // NOLINT(google-explicit-constructor): the platform's converts
     {
+        static_assert(std::is_base_of_v<RefBase, T>, "sptr: the class must derive from RefBase");
         if (object_ != nullptr) {
             object_->IncStrongRef(this);
         }
@@ -78,7 +81,7 @@ public:
         }
     }
 
-    // Takes any of the above, a plain pointer and null too.
+    /// Also assigns plain pointers and null.
     sptr &operator=(sptr other) noexcept
     {
         std::swap(object_, other.object_);
@@ -95,7 +98,7 @@ public:
     {
         return object_;
     }
-    operator T *() const  // comparisons are those of the plain pointers
+    operator T *() const  // also makes pointers comparable
     {
         return object_;
     }
@@ -116,7 +119,7 @@ private:
     T *object_ = nullptr;
 };
 
-// A pointer that does not keep its object, and tells whether it is still there.
+/// A weak pointer, which does not keep its object alive.
 template <typename T>
 class wptr {
 public:
@@ -146,14 +149,14 @@ public:
         return *this;
     }
 
-    // A strong pointer to the object; null when the object is gone, or was never there.
+    /// Returns a strong pointer to the object, or null if there is none or it is destroyed.
     sptr<T> promote() const
     {
         if (!RefBase::Promote(counter_)) {
             return nullptr;
         }
         const sptr<T> object(object_);
-        object_->DecStrongRef(this);  // what Promote counted, now that `object` does
+        object_->DecStrongRef(this);  // undoes Promote: `object` holds a count now
         return object;
     }
 

@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Bounds-checked functions on the host, for bytes and narrow texts: results and bytes written are those of a device.
-// All are reentrant. A C compiler accepts this header.
-//
-// `destMax` is what the destination holds. One of 0 or above SECUREC_MEM_MAX_LEN gives ERANGE, a null destination
-// EINVAL, in this order, with nothing written. Every other refusal clears the destination (all of its destMax bytes; of
-// a text the first character) and says so: EINVAL_AND_RESET for a null source, ERANGE_AND_RESET for what does not fit,
-// EOVERLAP_AND_RESET for source and destination that overlap.
+/// \file
+/// Bounds-checked functions on the host, for memory and narrow strings. All are reentrant. A C compiler accepts this
+/// header.
+///
+/// `destMax` is the size of the destination in bytes. A function that returns errno_t returns EOK, or the first of
+/// these that applies:
+///   - ERANGE: destMax is 0 or exceeds SECUREC_MEM_MAX_LEN; nothing is written
+///   - EINVAL: the destination is null; nothing is written
+///   - EINVAL_AND_RESET: the source is null
+///   - ERANGE_AND_RESET: the result does not fit
+///   - EOVERLAP_AND_RESET: source and destination overlap
+///
+/// The last three clear the destination: memory entirely, of a string the first character.
 
 #ifndef HOST_SECUREC_H
 #define HOST_SECUREC_H
@@ -38,53 +44,49 @@ typedef int errno_t;
 #define EOVERLAP_AND_RESET 182
 #endif
 
-// Sets `count` bytes. For a count above destMax it sets all destMax bytes to `c`, and gives ERANGE_AND_RESET. Setting
-// nothing is no failure where destMax is 0.
+/// Sets `count` bytes to `c`. If count exceeds destMax, sets destMax bytes to `c` and returns ERANGE_AND_RESET. Accepts
+/// a destMax of 0 if count is 0.
 errno_t memset_s(void *dest, size_t destMax, int c, size_t count);
 
-// Copy `count` bytes. memmove_s takes source and destination that overlap; to memcpy_s only a copy onto itself is none.
+/// Copy `count` bytes. memmove_s accepts overlapping blocks, memcpy_s only a copy onto itself.
 errno_t memcpy_s(void *dest, size_t destMax, const void *src, size_t count);
 errno_t memmove_s(void *dest, size_t destMax, const void *src, size_t count);
 
-// Copy a text, or its first `count` characters at most, and end it with a zero byte. A copy onto itself is no overlap.
-// A count above SECUREC_STRING_MAX_LEN gives ERANGE_AND_RESET.
+/// Copy a string, or at most its first `count` characters, and add a null terminator. Accept a copy onto itself. Return
+/// ERANGE_AND_RESET if count exceeds SECUREC_STRING_MAX_LEN.
 errno_t strcpy_s(char *strDest, size_t destMax, const char *strSrc);
 errno_t strncpy_s(char *strDest, size_t destMax, const char *strSrc, size_t count);
 
-// Append a text, or its first `count` characters at most. A destination that holds no zero byte gives EINVAL_AND_RESET;
-// a text appended to itself, whatever the room, ERANGE_AND_RESET.
+/// Append a string, or at most its first `count` characters. Return EINVAL_AND_RESET if the destination has no null
+/// terminator, and ERANGE_AND_RESET if a string is appended to itself. Overlap is checked first, and includes a source
+/// that begins right after the result or ends right before the destination.
 errno_t strcat_s(char *strDest, size_t destMax, const char *strSrc);
 errno_t strncat_s(char *strDest, size_t destMax, const char *strSrc, size_t count);
 
-// Splits a text as strtok_r does. Returns null where nothing is left, or for null delimiters or a null context.
+/// Splits a string as strtok_r does. Returns null after the last token, or if the delimiters or the context are null.
 char *strtok_s(char *strToken, const char *strDelimit, char **context);
 
-// Print. Conversions are d i u o x X c C s S p e E f F g G with the flags and sizes of C; others are refused. Return
-// the characters written, without the zero byte; -1 with an empty destination when the text does not fit or the format
-// is null or refused; -1 with nothing written for a null destination and a bad destMax. An integer's precision is cut
-// to 512.
+/// Print. The conversions are d i u o x X c C s S p e E f F g G with the flags and sizes of C; others are rejected. The
+/// precision of an integer is limited to 512.
+///
+/// Return the characters written, without the null terminator, or -1:
+///   - with an empty destination, if the result does not fit, or the format is null or rejected
+///   - with nothing written, if the destination is null or destMax invalid
 int sprintf_s(char *strDest, size_t destMax, const char *format, ...) __attribute__((format(printf, 3, 4)));
 int vsprintf_s(char *strDest, size_t destMax, const char *format, va_list argList)
     __attribute__((format(printf, 3, 0)));
 
-// The same for at most `count` characters: a longer text gives -1, and stays in the destination up to there if count is
-// below destMax. A count above SECUREC_STRING_MAX_LEN gives -1 with an empty destination.
+/// The same for at most `count` characters. For a longer result return -1; the destination then has its first `count`
+/// characters if count is less than destMax. If count exceeds SECUREC_STRING_MAX_LEN, the destination is empty.
 int snprintf_s(char *strDest, size_t destMax, size_t count, const char *format, ...)
     __attribute__((format(printf, 4, 5)));
 int vsnprintf_s(char *strDest, size_t destMax, size_t count, const char *format, va_list argList)
     __attribute__((format(printf, 4, 0)));
 
-// The same, cut where the destination ends: a text that is cut gives destMax - 1.
+/// The same, but truncate what does not fit and return destMax - 1.
 int snprintf_truncated_s(char *strDest, size_t destMax, const char *format, ...) __attribute__((format(printf, 3, 4)));
 int vsnprintf_truncated_s(char *strDest, size_t destMax, const char *format, va_list argList)
     __attribute__((format(printf, 3, 0)));
-
-// Read as sscanf does, but behind the target of s, c and [ the size of that target follows as a size_t; the compiler
-// cannot check such formats. A text that does not fit ends the reading, is no result, and leaves an empty target.
-// Conversions are d i u o x X p c s [ e E f F g G n; a number that is longer than its target keeps its low bits.
-// Return the number of results; -1 when the text ends before the first, or a text is null.
-int sscanf_s(const char *buffer, const char *format, ...);
-int vsscanf_s(const char *buffer, const char *format, va_list argList);
 
 #ifdef __cplusplus
 }

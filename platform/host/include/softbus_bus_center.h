@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// SoftBus client on the host: knows the local node only. The function may be called from any thread at once. A C
-// compiler accepts this header.
+/// \file
+/// SoftBus client on the host: describes the local node only. The function is thread-safe. A C compiler accepts this
+/// header.
 
 #ifndef HOST_SOFTBUS_BUS_CENTER_H
 #define HOST_SOFTBUS_BUS_CENTER_H
@@ -15,17 +16,20 @@ extern "C" {
 #define NETWORK_ID_BUF_LEN 65
 #define DEVICE_NAME_BUF_LEN 128
 
-// The platform's structure has further fields behind these.
+/// Describes a node. The platform's structure has further fields after these.
 typedef struct {
     char networkId[NETWORK_ID_BUF_LEN];
     char deviceName[DEVICE_NAME_BUF_LEN];
     uint16_t deviceTypeId;
 } NodeBasicInfo;
 
-// Fills `info` with the local node: a network id of 64 hexadecimal digits that is derived from the machine id and so
-// stays the same on one machine (from the host name where there is no machine id: no such file, or an empty one), the
-// host name as the device name (cut to fit), device type 0. Returns 0, or, with `info` unchanged, -1 for a null
-// argument and -2 when the machine id or the host name cannot be read: another identity is never given instead.
+/// Describes the local node. The network id has 64 hexadecimal digits and is a keyed hash (HMAC-SHA-256) of the machine
+/// id, so that it is stable and does not reveal that id; without a machine id (no such file, or an empty one) it is
+/// that of the host name. The device name is the host name, and the device type is 0.
+///
+/// Returns 0, or without changing `info`:
+///   - -1: an argument is null
+///   - -2: the machine id or the host name cannot be read
 int32_t GetLocalNodeDeviceInfo(const char *pkgName, NodeBasicInfo *info);
 
 #ifdef __cplusplus

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// HiLog on the host, the C++ interface: messages under a label, which holds type, domain and tag. Formats, delivery,
-// results and threads are those of HiLogPrint (log_c.h).
-//
-//     constexpr OHOS::HiviewDFX::HiLogLabel LABEL = {LOG_CORE, 0xD004160, "SINK"};
-//     HiLogInfo(LABEL, "%{public}d frames", count);
+/// \file
+/// HiLog on the host, the C++ interface: messages with a label, which holds type, domain and tag. Format, delivery,
+/// result and thread safety are those of HiLogPrint (log_c.h).
+///
+///     constexpr OHOS::HiviewDFX::HiLogLabel LABEL = {LOG_CORE, 0xD004160, "SINK"};
+///     HiLogInfo(LABEL, "%{public}d frames", count);
 
 #ifndef HOST_HILOG_LOG_CPP_H
 #define HOST_HILOG_LOG_CPP_H
@@ -15,14 +16,14 @@
 
 namespace OHOS::HiviewDFX {
 
-// Where a message belongs: type, domain and tag.
+/// The type, domain and tag of a message.
 struct HiLogLabel {
     LogType type;
     unsigned int domain;
     const char *tag;
 };
 
-// Logs a message, one operation for each level.
+/// Logs a message with the level in the name of the function.
 class HiLog final {
 public:
     static int Debug(const HiLogLabel &label, const char *fmt, ...) HOST_HILOG_FORMAT(2, 3);

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Which delivered messages reach standard error. Which are delivered is HiLogIsLoggable (hilog/log_c.h).
+
+#ifndef HOST_HILOG_LOG_LEVEL_H
+#define HOST_HILOG_LOG_LEVEL_H
+
+#include "hilog/log_c.h"
+
+namespace ostra::host {
+
+/// Returns whether OSTRA_HOST_LOG_LEVEL lets a delivered message of this level through to standard error. Thread-safe.
+bool IsLevelWritten(LogLevel level);
+
+}  // namespace ostra::host
+
+#endif  // HOST_HILOG_LOG_LEVEL_H

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "io/write.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <ctime>
+
+namespace ostra::host {
+namespace {
+
+// Blocks SIGPIPE in the calling thread, and on destruction discards one that arrived in the meantime. The disposition
+// of the signal belongs to the program and is unchanged.
+class BrokenPipeGuard {
+public:
+    BrokenPipeGuard()
+    {
+        sigset_t pending;
+        sigemptyset(&brokenPipe_);
+        sigaddset(&brokenPipe_, SIGPIPE);
+        sigpending(&pending);
+        wasPending_ = sigismember(&pending, SIGPIPE) != 0;
+        pthread_sigmask(SIG_BLOCK, &brokenPipe_, &mask_);
+    }
+
+    ~BrokenPipeGuard()
+    {
+        const int errorOfWrite = errno;
+        constexpr timespec atOnce{};
+        if (errorOfWrite == EPIPE && !wasPending_) {
+            sigtimedwait(&brokenPipe_, nullptr, &atOnce);
+        }
+        pthread_sigmask(SIG_SETMASK, &mask_, nullptr);
+        errno = errorOfWrite;
+    }
+
+    BrokenPipeGuard(const BrokenPipeGuard &) = delete;
+    BrokenPipeGuard &operator=(const BrokenPipeGuard &) = delete;
+
+private:
+    sigset_t brokenPipe_{};
+    sigset_t mask_{};
+    bool wasPending_ = false;
+};
+
+}  // namespace
+
+ssize_t WriteOnce(int descriptor, std::string_view data)
+{
+    const BrokenPipeGuard guard;
+    ssize_t written = 0;
+    do {
+        written = write(descriptor, data.data(), data.size());
+    } while (written < 0 && errno == EINTR);
+    return written;
+}
+
+}  // namespace ostra::host

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "qos.h"
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
+#include <string_view>
+
+#include "parameter.h"
+#include "qos/scheduling.h"
+
+namespace OHOS::QOS {
+
+using namespace ostra::host;
+
+namespace {
+
+constexpr int BAD_LEVEL = -1;
+constexpr char SWITCH[] = "persist.qosmanager.setQos.on";
+
+bool IsSwitchedOff()
+{
+    std::array<char, 128> value{};
+    GetParameter(SWITCH, "true", value.data(), value.size());
+    return std::string_view(value.data()) == "false";
+}
+
+bool IsLevel(int level)
+{
+    return level >= 0 && level < static_cast<int>(QosLevel::QOS_MAX);
+}
+
+int OwnThread()
+{
+    return static_cast<int>(syscall(SYS_gettid));
+}
+
+}  // namespace
+
+int SetQosForOtherThread(enum QosLevel level, int tid)
+{
+    if (IsSwitchedOff()) {
+        return 0;
+    }
+    const int number = static_cast<int>(level);
+    return IsLevel(number) ? ApplyQosLevel(number, tid) : BAD_LEVEL;
+}
+
+int ResetQosForOtherThread(int tid)
+{
+    return IsSwitchedOff() ? 0 : LeaveQosLevel(tid);
+}
+
+int GetQosForOtherThread(enum QosLevel &level, int tid)
+{
+    int number = -1;
+    const int result = QueryQosLevel(tid, number);
+    if (result != 0) {
+        return result;
+    }
+    if (!IsLevel(number)) {
+        return BAD_LEVEL;
+    }
+    level = static_cast<QosLevel>(number);
+    return 0;
+}
+
+int SetThreadQos(enum QosLevel level)
+{
+    return SetQosForOtherThread(level, OwnThread());
+}
+
+int ResetThreadQos()
+{
+    return ResetQosForOtherThread(OwnThread());
+}
+
+int GetThreadQos(enum QosLevel &level)
+{
+    return GetQosForOtherThread(level, OwnThread());
+}
+
+}  // namespace OHOS::QOS

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "qos/scheduling.h"
+
+#include <sched.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <map>
+#include <mutex>
+
+namespace ostra::host {
+namespace {
+
+constexpr int REFUSED = -1;
+constexpr int NO_LEVEL = -1;
+
+struct Scheduling {
+    int policy;
+    int nice;
+};
+
+constexpr Scheduling SCHEDULING_OF_LEVEL[] = {
+    {SCHED_BATCH, 0},    // QOS_BACKGROUND
+    {SCHED_BATCH, 0},    // QOS_UTILITY
+    {SCHED_OTHER, 0},    // QOS_DEFAULT
+    {SCHED_OTHER, -5},   // QOS_USER_INITIATED
+    {SCHED_OTHER, -10},  // QOS_DEADLINE_REQUEST
+    {SCHED_OTHER, -15},  // QOS_USER_INTERACTIVE
+    {SCHED_BATCH, -5},   // QOS_KEY_BACKGROUND
+};
+constexpr Scheduling SCHEDULING_WITHOUT_LEVEL = {SCHED_OTHER, 0};
+
+// Read when the library is loaded, before any thread has a level.
+const int NICE_AT_START = getpriority(PRIO_PROCESS, 0);
+
+bool IsOwnThread(int tid)
+{
+    return syscall(SYS_tgkill, getpid(), tid, 0) == 0;
+}
+
+bool Schedule(const Scheduling &wanted, int tid)
+{
+    // The nice value first: if the kernel grants it, it also grants the policy, so that a refusal changes nothing.
+    const sched_param noRealTimePriority{};
+    return setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + wanted.nice) == 0 &&
+           sched_setscheduler(tid, wanted.policy, &noRealTimePriority) == 0;
+}
+
+bool IsScheduled(const Scheduling &wanted, int tid)
+{
+    return sched_getscheduler(tid) == wanted.policy &&
+           getpriority(PRIO_PROCESS, static_cast<id_t>(tid)) == NICE_AT_START + wanted.nice;
+}
+
+// The mutex also covers the scheduling calls, so that the map agrees with the kernel.
+struct Levels {
+    std::mutex mutex;
+    std::map<int, int> levelOfThread;
+};
+
+Levels &ProcessLevels()
+{
+    static auto &levels = *new Levels;  // never destroyed: threads may ask until the end
+    return levels;
+}
+
+}  // namespace
+
+int ApplyQosLevel(int level, int tid)
+{
+    Levels &levels = ProcessLevels();
+    const std::lock_guard<std::mutex> lock(levels.mutex);
+    if (!IsOwnThread(tid) || !Schedule(SCHEDULING_OF_LEVEL[level], tid)) {
+        return REFUSED;
+    }
+    levels.levelOfThread[tid] = level;
+    return 0;
+}
+
+int LeaveQosLevel(int tid)
+{
+    Levels &levels = ProcessLevels();
+    const std::lock_guard<std::mutex> lock(levels.mutex);
+    if (!IsOwnThread(tid) || !Schedule(SCHEDULING_WITHOUT_LEVEL, tid)) {
+        return REFUSED;
+    }
+    levels.levelOfThread.erase(tid);
+    return 0;
+}
+
+// Linux may reuse the id of a thread that ended: the new thread has the level only if it is scheduled accordingly.
+int QueryQosLevel(int tid, int &level)
+{
+    Levels &levels = ProcessLevels();
+    const std::lock_guard<std::mutex> lock(levels.mutex);
+    if (!IsOwnThread(tid)) {
+        return REFUSED;
+    }
+    const auto found = levels.levelOfThread.find(tid);
+    const bool hasLevel = found != levels.levelOfThread.end() && IsScheduled(SCHEDULING_OF_LEVEL[found->second], tid);
+    level = hasLevel ? found->second : NO_LEVEL;
+    return 0;
+}
+
+}  // namespace ostra::host

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Does not compile: each case passes a type that a template of the host platform rejects with a message.
+
+#include "hisysevent_record.h"
+#include "refbase.h"
+
+using namespace OHOS;
+using namespace OHOS::HiviewDFX;
+
+enum class Scoped { VALUE };
+
+int Use(const HiSysEventRecord &record)
+{
+#if defined(CASE_GET_PARAM_VALUE)
+    int value = 0;
+    return record.GetParamValue("KEY", value);
+#elif defined(CASE_WRITE_KEYS)
+    return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", 1, 2, "value");
+#elif defined(CASE_WRITE_VALUE)
+    return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", Scoped::VALUE);
+#elif defined(CASE_SPTR)
+    const sptr<int> pointer = new int(0);
+    return *pointer;
+#endif
+}

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# Compares the names that the host platform exports with a list. Everything else must be hidden: a program's own
+# `class Arguments` would replace an exported one.
+# Usage: host_symbols_test.sh NM LIBRARY LIST
+set -euo pipefail
+
+nm=$1
+library=$2
+list=$3
+
+# Without return types, parameters and template arguments, which differ between processors. What headers define (V, W) is
+# exported or not as the compiler inlines it, but must belong to the platform.
+exported=$("$nm" -D --defined-only "$library" | sed 's/^[0-9a-f]* //' | c++filt)
+names=$(sed -n 's/^[^VvWw] //p' <<<"$exported" | sed -E 's/\[abi:[^]]*\]//; s/(\(|<).*//' | LC_ALL=C sort -u)
+names+=$(sed -n 's/^[VvWw] //p' <<<"$exported" | grep -v OHOS:: | sed 's/^/\n/' || true)
+if diff -U0 <(grep -v '^#' "$list") - <<<"$names"; then
+    echo "$(wc -l <<<"$names") names are exported, as listed"
+    exit 0
+fi
+echo "the exported names differ from $list (- missing, + unexpected)"
+exit 1
