@@ -54,12 +54,12 @@ void Run(Model &model, std::string &input)
 {
     const uint8_t how = TakeByte(input);
     const int32_t number = TakeNumber(input);
-    const std::string text = TakeString(input);
+    const std::string payload = TakeString(input);
     std::vector<uint8_t> content;
-    content.reserve(std::max(text.size(), size_t{1}));  // exact, so that the sanitizer detects an overrun
-    content.assign(text.begin(), text.end());
+    content.reserve(std::max(payload.size(), size_t{1}));  // exact, so that the sanitizer detects an overrun
+    content.assign(payload.begin(), payload.end());
     uint8_t *data = (how & 0x80) != 0 ? nullptr : content.data();
-    const int32_t size = static_cast<int32_t>(text.size()) * ((how & 0x40) != 0 ? -1 : 1);
+    const int32_t size = static_cast<int32_t>(payload.size()) * ((how & 0x40) != 0 ? -1 : 1);
     bool isValid = data != nullptr && size > 0;
     const UnPackagedEA unchanged{77, 77};
     UnPackagedEA ea = unchanged;
@@ -71,20 +71,20 @@ void Run(Model &model, std::string &input)
             if (isValid) {
                 model.bytes = Encode(static_cast<uint32_t>(number));
                 model.offset = static_cast<int32_t>(model.bytes.size());
-                model.bytes.append(text.size(), UNDEFINED);
+                model.bytes.append(payload.size(), UNDEFINED);
                 std::fill_n(model.frame.GetBuffer() + model.offset, size, UNDEFINED);
             }
             break;
         case 1:
             ExpectEqual("result of CreateFromBuffer", isValid, model.frame.CreateFromBuffer(data, size));
-            model.bytes = isValid ? text : model.bytes;
+            model.bytes = isValid ? payload : model.bytes;
             model.offset = isValid ? 0 : model.offset;
             break;
         case 2:
             isValid = isValid && int64_t{model.offset} + size <= static_cast<int64_t>(model.bytes.size());
             ExpectEqual("result of WriteContent", isValid, model.frame.WriteContent(data, size));
             if (isValid) {
-                model.bytes.replace(static_cast<size_t>(model.offset), text.size(), text);
+                model.bytes.replace(static_cast<size_t>(model.offset), payload.size(), payload);
             }
             break;
         default:
