@@ -51,9 +51,7 @@ TEST_F(ChannelProtocolTest, RejectsInvalidArguments)
     EXPECT_FALSE(CALL(frame.CreateFromBuffer(content, 0)));
 
     ASSERT_TRUE(frame.Create(-1, 3));
-    EXPECT_FALSE(CALL(frame.Create(5, INT_MIN)));
     EXPECT_FALSE(CALL(frame.WriteContent(nullptr, 1)));
-    EXPECT_FALSE(CALL(frame.WriteContent(content, 0)));
     EXPECT_FALSE(CALL(frame.WriteContent(content, 4)));
     EXPECT_FALSE(CALL(frame.WriteContent(content, INT_MAX)));
     EXPECT_FALSE(CALL(frame.WriteContent(frame.GetBuffer() + 3, 3)));  // overlaps

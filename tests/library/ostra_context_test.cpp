@@ -50,7 +50,6 @@ protected:
 
 TEST_F(OstraContextTest, PublishesTheLastEventOfEachDeviceInOrder)
 {
-    EXPECT_NE(context_.GetDHFwkKit(), nullptr);
     EXPECT_EQ(context_.GetDHFwkKit(), OstraContext::GetInstance().GetDHFwkKit());
     context_.AddWaitNotify("d2", ISOMERISM_CONNECT);
     context_.AddWaitNotify("\xE9", "");
