@@ -23,7 +23,7 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 /// A header value that ChannelProtocol::ReadEA decoded.
 struct UnPackagedEA {
     uint32_t value = 0;  ///< 0 to 0x0FFFFFFF.
-    int32_t offset = 0;  ///< Position of the byte after the header value, in bytes from the start of the frame.
+    int32_t offset = 0;  ///< Position of the byte after the header value, where the content begins.
 };
 
 /// One frame in a buffer that the object owns.

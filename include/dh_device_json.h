@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// JSON documents that describe a peer: the device (written), one of its services and that service's audio capabilities
+/// JSON documents: the device document (written), and the service document of a peer with its audio capabilities
 /// (read). OSTRADeviceService (ostra_device_service.h) writes the service document that is read here.
 ///
 ///     DHOSTRADeviceServiceJson service;
@@ -9,9 +9,9 @@
 ///         service.audioProperties_.Unmarshal(service.properties_);
 ///     }
 ///
-/// **A device document is written only:** DHOSTRADeviceJson::Unmarshal reads nothing. A receiver uses cJSON:
+/// **Device documents are written only:** DHOSTRADeviceJson::Unmarshal does nothing. A receiver uses cJSON:
 ///
-///     cJSON *root = cJSON_Parse(json);     // release it with cJSON_Delete
+///     cJSON *root = cJSON_Parse(json);     // delete it with cJSON_Delete
 ///     const char *deviceId = cJSON_GetStringValue(cJSON_GetObjectItem(root, "deviceId"));
 ///
 /// Operations return the OSTRA_JSON_ codes of ostra_constants.h, and log an error if they fail.
