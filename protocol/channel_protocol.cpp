@@ -44,7 +44,7 @@ int EncodeEA(uint32_t value, EncodedEA &ea)
     return length;
 }
 
-// Reads the groups of bytes[begin .. end-1]; a field without a stop bit ends at `end`.
+// Decodes the header value in bytes[begin .. end-1]; without a stop bit it ends at `end`.
 UnPackagedEA DecodeEA(const uint8_t *bytes, int begin, int end)
 {
     UnPackagedEA ea;
