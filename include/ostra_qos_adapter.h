@@ -27,14 +27,13 @@ extern "C" {
 /** Sets the QoS level of a thread of this process.
  *
  * `level` is the number of an OHOS::QOS::QosLevel, `tid` a thread id. Returns the platform's result, 0 for success. On
- * the host, throws std::bad_alloc if the level cannot be recorded; the thread may then already be scheduled by it.
+ * the host, throws std::bad_alloc if allocation fails; the thread may then already be scheduled at the level.
  */
 OSTRA_EXPORT int32_t SetQos(int32_t level, int32_t tid);
 
 /** Removes the QoS level of a thread.
  *
- * Returns the platform's result, 0 for success. On the host, the first call of SetQos or ResetQos in a process throws
- * std::bad_alloc if allocation fails.
+ * Returns the platform's result, 0 for success. On the host, throws std::bad_alloc if allocation fails.
  */
 OSTRA_EXPORT int32_t ResetQos(int32_t tid);
 

@@ -27,6 +27,7 @@ constexpr bool HasStopBit(uint8_t byte)
     return (byte & EA_STOP_BIT) != 0;
 }
 
+// EA is the varint encoding of a frame's header value: see docs/wire-formats.md.
 using EncodedEA = std::array<uint8_t, MAX_EA_LENGTH>;
 
 // Encodes the low 28 bits of `value` and returns the number of bytes used.
