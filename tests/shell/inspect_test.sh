@@ -170,7 +170,7 @@ check_terminals() {
     on_terminal "stty cols 5; NO_COLOR= '$inspect' events failure"
     grep -q $'^\033.*FAILED' "$folder/out" || fail 'failures do not stand out'
     on_terminal "NO_COLOR=1 '$inspect' events failure"
-    ! grep -q $'\033' "$folder/out" || fail 'colours in spite of NO_COLOR'
+    ! grep -q $'\033' "$folder/out" || fail 'colors in spite of NO_COLOR'
 }
 
 # Memory is bounded, and running out of it is an error whatever was being read. Sanitizers need more address space.
