@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Compares the events that the component declares to the platform with those in the golden file of the reports: the same
-# keys with the same types, and descriptions of 3 to 128 characters.
+# Compares the declaration of the event with the events in a golden file: the same keys and types, and descriptions of 3
+# to 128 characters.
 # Usage: event_declaration_test.sh DECLARATION GOLDEN_FILE
 set -euo pipefail
 
@@ -13,5 +13,5 @@ for line in "${heads[@]}"; do
     grep -qx "$line" "$1" || { echo "not declared: $line"; exit 1; }
 done
 [ "$(grep -c '^[^#]' "$1")" = $((${#heads[@]} + $(wc -l <<<"$declared"))) ] ||
-    { echo "a line of $1 declares nothing"; exit 1; }
-echo "declared as written: $declared"
+    { echo "$1 has an unexpected line"; exit 1; }
+echo "the declaration matches the events: $declared"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Checks the examples of the page on wire formats: its fenced blocks, whose info string is their kind. Those of the
-# computed kinds, one "input => output" each, are recomputed by inspect_test.sh; a block of another kind is output of the
-# library, and must occur word for word in a golden file.
+# Checks the examples of the page on wire formats, which are its fenced blocks with their kind as the info string.
+# inspect_test.sh and channel_pair_test.sh recompute the computed kinds, which have lines "input => output". A block of
+# another kind is output of the library, and must occur verbatim in a golden file.
 # Usage: wire_formats_test.sh PAGE GOLDEN_DIRECTORY
 set -euo pipefail
 
@@ -19,7 +19,7 @@ fail() {
     exit 1
 }
 
-# check KIND BLOCK: a line that begins with a space continues the one above, two spaces and "//" begin a comment.
+# check KIND BLOCK: a line that starts with a space continues the previous one; two spaces and "//" start a comment.
 check() {
     local text line
     text=$(sed 's|  //.*||' <<<"$2" | sed -e ':a' -e '$!N;s/\n //;ta' -e 'P;D')
@@ -38,12 +38,12 @@ while IFS= read -r line; do
     case $kind,$line in
         ,'```'*)
             kind=${line#'```'} block=
-            [ -n "${kind:+${kinds[$kind]:-}}" ] || fail "no kind is called so: $line"
+            [ -n "${kind:+${kinds[$kind]:-}}" ] || fail "unknown kind: $line"
             ;;
         ?*,'```') check "$kind" "${block%$'\n'}" && found[$kind]=1 kind= ;;
         ?*,*) block+=$line$'\n' ;;
     esac
 done <"$page"
-[ -z "$kind" ] || fail "the last block has no end"
+[ -z "$kind" ] || fail "the last block is not closed"
 [ "${#found[@]}" = "${#kinds[@]}" ] || fail "only these kinds have examples: ${!found[*]}"
-echo "the page holds: ${!found[*]}"
+echo "examples on the page: ${!found[*]}"
