@@ -14,27 +14,27 @@
 #include "parameter.h"
 #include "ratio_table.h"
 
-namespace OHOS::HiviewDFX {
+namespace ostra::host {
 
 // Replaces the platform's function: changes the line number after every hundred events and calls the original. A call
 // site may send a hundred events before the rate limiter rejects more, and rejections must not be measured.
-int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, const std::string &eventName,
-                     EventType type, const HiSysEventKeyValue *params, size_t paramCount)
+int WriteEvent(const EventCallSite &site, const std::string &domain, const std::string &eventName, int type,
+               const EventKeyValue *params, size_t paramCount)
 {
-    static const auto platformSend = [] {
+    static const auto platformWrite = [] {
         Dl_info self{};
-        dladdr(reinterpret_cast<void *>(&HiSysEvent::Send), &self);
-        return reinterpret_cast<decltype(&HiSysEvent::Send)>(dlsym(RTLD_NEXT, self.dli_sname));
+        dladdr(reinterpret_cast<void *>(&WriteEvent), &self);
+        return reinterpret_cast<decltype(&WriteEvent)>(dlsym(RTLD_NEXT, self.dli_sname));
     }();
     static int64_t count = 0;
     constexpr int64_t budget = 100;
     constexpr int64_t farFromOtherLines = 1000;
-    HiSysEventCallSite numbered = site;
+    EventCallSite numbered = site;
     numbered.line += count++ / budget * farFromOtherLines;
-    return platformSend(numbered, domain, eventName, type, params, paramCount);
+    return platformWrite(numbered, domain, eventName, type, params, paramCount);
 }
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
