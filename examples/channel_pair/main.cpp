@@ -55,6 +55,12 @@ settings; frame 3 is the first chunk of the stream.
 Exit status: 0 success, 1 failure, 2 invalid arguments, 130 interrupted.
 )";
 
+int PrintError(const std::string &message, int status = EXIT_FAILURE)
+{
+    std::fprintf(stderr, "channel_pair: %s\n", message.c_str());
+    return status;
+}
+
 // Returns the exit status if the program must end at once.
 std::optional<int> ParseOptions(int argc, char **argv, PairOptions &options)
 {
@@ -79,16 +85,15 @@ std::optional<int> ParseOptions(int argc, char **argv, PairOptions &options)
     app.add_flag("-v,--verbose", options.isVerbose);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success &help) {
+        return app.exit(help);
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == EXIT_SUCCESS ? EXIT_SUCCESS : EXIT_USAGE;
+        const std::vector<std::string> unknown = app.remaining();
+        const std::string kind =
+            unknown.empty() || unknown.front()[0] != '-' ? "unexpected argument " : "unknown option ";
+        return PrintError((unknown.empty() ? error.what() : kind + unknown.front()) + "; see --help", EXIT_USAGE);
     }
     return std::nullopt;
-}
-
-int PrintError(const std::string &message, int status = EXIT_FAILURE)
-{
-    std::fprintf(stderr, "channel_pair: %s\n", message.c_str());
-    return status;
 }
 
 int PrintSystemError(const std::string &path)

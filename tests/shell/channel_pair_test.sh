@@ -55,7 +55,7 @@ expect_demo() {
 
 # invalid STRING ARGUMENT...: both the pair and scripts/demo must reject the arguments.
 invalid() {
-    expect 2 "$@"
+    expect_error 2 "$@"
     expect_demo 2 '' "${@:2}"
 }
 
@@ -220,7 +220,8 @@ if [ -d /data/local/tmp ]; then
 fi
 
 # Invalid arguments.
-invalid '--nonsense' --nonsense
+invalid 'unknown option --nonsense' --nonsense
+expect_demo 2 "unknown option '--nonsense'" --nonsense
 invalid '--flip' --flip -1
 invalid '--faults' --faults some
 invalid '--faults' --faults 1000001 "$random"
@@ -231,7 +232,7 @@ invalid '--seed requires --faults' --seed 3
 invalid '--faults excludes --flip' --flip 3 --faults 4
 invalid 'the name is empty' ''
 invalid 'the name is empty' --output ''
-invalid 'second' first second
+invalid 'unexpected argument second' first second
 invalid 'FILE excludes --seconds' --seconds 1 "$random"
 expect 2 '--faults: at most 125 fit into 5 s of a generated tone' --faults 126
 expect 0 '--output' --help

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "inspect.h"
@@ -94,7 +95,8 @@ void AddOptions(CLI::App &app, Options &options)
     app.add_flag("--json", options.events.isJson, "print JSON");
     CLI::App *const frame = app.get_subcommand("frame");
     frame->add_option("--skip", options.frame.skip, "skip the first N bytes; 8 for a message of channel_pair")
-        ->option_text("N");
+        ->option_text("N")
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()));
     frame->add_option("--crc", options.frame.crc, "fail unless the CRC-16 of the frame is HEX")
         ->option_text("HEX")
         ->check([](const std::string &digits) {
