@@ -187,6 +187,8 @@ private:
     bool WriteChars(const Unit *chars, size_t length);
     template <typename Unit>
     bool ReadChars(std::basic_string<Unit> &value, int32_t &length);
+    bool WriteCount(size_t count);
+    bool ReadCount(size_t storedSize, size_t &count);
     template <typename T, typename Argument>
     bool WriteVector(const std::vector<T> &values, bool (Parcel::*write)(Argument));
     template <typename T>
