@@ -107,7 +107,10 @@ TEST(Qos, MatchesRecording)
                {"GetThreadQos", Call(+[] { return ResultWithLevel(GetThreadQos); })},
                {"GetQosForOtherThread", Call(+[](int tid) { return ResultWithLevel(GetQosForOtherThread, tid); })},
                {"kernel", Call(StandIn)},
-               {"switch", [](const Fields &in) { return Switch(in.at(0)); }},
+               {"switch",
+                [](const Fields &in) {
+                    return Switch(in.at(0));
+                }},
                {"case",
                 [](const Fields &) {
                     StandIn(0, -1);
