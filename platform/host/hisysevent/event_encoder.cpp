@@ -112,11 +112,6 @@ void EventEncoder::Add(const EventKeyValue &param)
     ++keyCount_;
     size_ += KEY_OVERHEAD + param.key.size() + VALUE_OVERHEAD;
     json_.append(",\"").append(param.key).append("\":");
-    AddValue(param);
-}
-
-void EventEncoder::AddValue(const EventKeyValue &param)
-{
     if (!param.isVector) {
         AddScalar(param.elements.front());
         return;

@@ -178,7 +178,6 @@ public:
 private:
     uint8_t *Append(size_t size);
     const uint8_t *Take(size_t size);
-    bool Grow(size_t size);
     template <typename Stored, typename T>
     bool Write(T value);
     template <typename Stored, typename T>

@@ -263,7 +263,7 @@ uint8_t *Parcel::Append(size_t size)
         return nullptr;
     }
     const size_t end = writePosition_ + PaddedSize(size);
-    if (end > dataCapacity_ && !Grow(end)) {
+    if (end > dataCapacity_ && (end > maxCapacity_ || !SetDataCapacity(CapacityFor(end, maxCapacity_)))) {
         return nullptr;
     }
     uint8_t *bytes = data_ + writePosition_;
@@ -282,11 +282,6 @@ const uint8_t *Parcel::Take(size_t size)
     const uint8_t *bytes = data_ + readPosition_;
     readPosition_ += size;
     return bytes;
-}
-
-bool Parcel::Grow(size_t size)
-{
-    return size <= maxCapacity_ && SetDataCapacity(CapacityFor(size, maxCapacity_));
 }
 
 template <typename Stored, typename T>
