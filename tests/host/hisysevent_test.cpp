@@ -114,25 +114,29 @@ void Set(EventKeyValue &param, const std::string &value)
     }
 }
 
-#define SETTERS(name, T)              \
-    {name, Set<T>},                   \
-    {                                 \
-        "v" name, Set<std::vector<T>> \
-    }
-const std::map<std::string, void (*)(EventKeyValue &, const std::string &)> TYPES = {
-    SETTERS("bool", bool),
-    SETTERS("i8", int8_t),
-    SETTERS("u8", uint8_t),
-    SETTERS("i16", int16_t),
-    SETTERS("u16", uint16_t),
-    SETTERS("i32", int32_t),
-    SETTERS("u32", uint32_t),
-    SETTERS("i64", int64_t),
-    SETTERS("u64", uint64_t),
-    SETTERS("float", float),
-    SETTERS("double", double),
-    SETTERS("string", std::string),
-    {"cstr", Set<std::optional<std::string>>},
+template <typename T>
+void SetAs(EventKeyValue &param, const std::string &value, bool isVector)
+{
+    isVector ? Set<std::vector<T>>(param, value) : Set<T>(param, value);
+}
+
+const std::map<std::string, void (*)(EventKeyValue &, const std::string &, bool)> TYPES = {
+    {"bool", SetAs<bool>},
+    {"i8", SetAs<int8_t>},
+    {"u8", SetAs<uint8_t>},
+    {"i16", SetAs<int16_t>},
+    {"u16", SetAs<uint16_t>},
+    {"i32", SetAs<int32_t>},
+    {"u32", SetAs<uint32_t>},
+    {"i64", SetAs<int64_t>},
+    {"u64", SetAs<uint64_t>},
+    {"float", SetAs<float>},
+    {"double", SetAs<double>},
+    {"string", SetAs<std::string>},
+    {"cstr",
+     [](EventKeyValue &param, const std::string &value, bool) {
+         Set<std::optional<std::string>>(param, value);
+     }},
 };
 
 // Returns the lines of the output from the byte `begin` on.
@@ -154,8 +158,9 @@ Fields WriteKeys(const Fields &in, int type = HiSysEvent::FAULT)
     for (size_t i = 2; i < in.size(); ++i) {
         const Fields parts = Split(in[i], '=');
         const size_t colon = parts.at(1).find(':');
+        const bool isVector = parts[1][0] == 'v';
         params.emplace_back().key = keys.emplace_back(Unquote(parts[0]));
-        TYPES.at(parts[1].substr(0, colon))(params.back(), parts[1].substr(colon + 1));
+        TYPES.at(parts[1].substr(isVector, colon - isVector))(params.back(), parts[1].substr(colon + 1), isVector);
     }
     const auto write = [&] {
         return ostra::host::WriteEvent({"Write", ++g_line, HISYSEVENT_PERIOD, HISYSEVENT_THRESHOLD}, Unquote(in.at(0)),
@@ -171,13 +176,15 @@ Fields WriteKeys(const Fields &in, int type = HiSysEvent::FAULT)
     return {Show(result), isSent ? OwnKeys(Output(begin).back()) : "-"};
 }
 
-// domain, event, COUNT: that many keys PREFIX0, PREFIX1, ...
-template <typename ShowValue>
-Fields WriteMany(const Fields &in, const std::string &prefix, const ShowValue &showValue)
+// domain, event, COUNT: so many keys K0, K1, ... with numbers; or domain, event, COUNT, LENGTH: T0, T1, ... with
+// strings
+Fields WriteMany(const Fields &in)
 {
     Fields fields(in.begin(), in.begin() + 2);
     for (size_t i = 0; i < Value<size_t>(in.at(2)); ++i) {
-        fields.push_back(Quote(prefix + std::to_string(i)) + "=" + showValue(i));
+        const std::string number = std::to_string(i);
+        fields.push_back(in.size() > 3 ? "\"T" + number + "\"=string:" + Quote(std::string(Value<size_t>(in[3]), 'x'))
+                                       : "\"K" + number + "\"=i32:" + number);
     }
     return WriteKeys(fields);
 }
@@ -237,94 +244,104 @@ Operation Gets(const T &before)
     };
 }
 
-void AddRecordOperations(Operations &operations)
+Fields PlatformFields(const HiSysEventRecord &record)
 {
-    operations["record"] = [](const Fields &in) -> Fields {
-        g_record.emplace(in.at(0));
-        return {g_record->AsJson() == in[0] ? "-" : g_record->AsJson()};
-    };
-    operations["platform"] = [](const Fields &) -> Fields {
-        const HiSysEventRecord &record = *g_record;
-        return {Show(record.GetDomain()),  Show(record.GetEventName()), Show(int{record.GetEventType()}),
-                Show(record.GetLevel()),   Show(record.GetTag()),       Show(record.GetTimeZone()),
-                Show(record.GetTime()),    Show(record.GetPid()),       Show(record.GetTid()),
-                Show(record.GetUid()),     Show(record.GetTraceId()),   Show(record.GetSpanId()),
-                Show(record.GetPspanId()), Show(record.GetTraceFlag())};
-    };
-    operations["names"] = [](const Fields &) -> Fields {
-        std::vector<std::string> names = {"old"};
-        g_record->GetParamNames(names);
-        return {Show(names)};
-    };
-    operations["i64"] = Gets<int64_t>(7);
-    operations["u64"] = Gets<uint64_t>(7);
-    operations["double"] = Gets<double>(7);
-    operations["string"] = Gets<std::string>("old");
-    operations["vi64"] = Gets<std::vector<int64_t>>({7});
-    operations["vu64"] = Gets<std::vector<uint64_t>>({7});
-    operations["vdouble"] = Gets<std::vector<double>>({7});
-    operations["vstring"] = Gets<std::vector<std::string>>({"old"});
+    return {Show(record.GetDomain()),  Show(record.GetEventName()), Show(int{record.GetEventType()}),
+            Show(record.GetLevel()),   Show(record.GetTag()),       Show(record.GetTimeZone()),
+            Show(record.GetTime()),    Show(record.GetPid()),       Show(record.GetTid()),
+            Show(record.GetUid()),     Show(record.GetTraceId()),   Show(record.GetSpanId()),
+            Show(record.GetPspanId()), Show(record.GetTraceFlag())};
 }
 
-void AddWriteOperations(Operations &operations)
+std::vector<std::string> Names(const HiSysEventRecord &record)
 {
-    operations["write"] = [](const Fields &in) {
-        return WriteKeys(in);
-    };
-    operations["keys"] = [](const Fields &in) {
-        return WriteMany(in, "K", [](size_t i) { return "i32:" + std::to_string(i); });
-    };
-    operations["texts"] = [](const Fields &in) {
-        return WriteMany(in, "T", [&](size_t) { return "string:" + Quote(std::string(Value<size_t>(in.at(3)), 'x')); });
-    };
-    operations["type"] = [](const Fields &in) {
-        return WriteKeys({Quote("DOMAIN"), Quote("EVENT"), "\"K\"=i32:1"}, Value<int>(in.at(0)));
-    };
-    operations["send"] = [](const Fields &in) -> Fields {
-        g_outputRoom = in.at(0) == "works" ? SIZE_MAX : in[0] == "fails" ? 0 : Value<size_t>(in[0]);
-        return {"-"};
-    };
-    operations["cJSON"] = [](const Fields &in) -> Fields {
-        cJSON_Hooks hooks = {[](size_t) -> void * { return nullptr; }, std::free};
-        cJSON_InitHooks(in.at(0) == "fails" ? &hooks : nullptr);
-        return {"-"};
-    };
-    operations["sent"] = [](const Fields &) -> Fields {
-        return {Show(Output().size())};
-    };
-    operations["output"] = [](const Fields &) {
-        Fields lines = Output();
-        for (std::string &line : lines) {
-            line = line.back() == '}' ? OwnKeys(line) : Show(line.size());
-        }
-        return lines;
-    };
-    operations["listen"] = Listen;
+    std::vector<std::string> names = {"old"};
+    record.GetParamNames(names);
+    return names;
 }
+
+// Which writes and allocations succeed
+Fields Send(const std::string &state)
+{
+    g_outputRoom = state == "works" ? SIZE_MAX : state == "fails" ? 0 : Value<size_t>(state);
+    return {"-"};
+}
+
+Fields UseCjson(const std::string &state)
+{
+    cJSON_Hooks failing = {[](size_t) -> void * { return nullptr; }, std::free};
+    cJSON_InitHooks(state == "fails" ? &failing : nullptr);
+    return {"-"};
+}
+
+Fields ShownOutput()
+{
+    Fields lines = Output();
+    for (std::string &line : lines) {
+        line = line.back() == '}' ? OwnKeys(line) : Show(line.size());
+    }
+    return lines;
+}
+
+Fields Begin()
+{
+    Send("works");
+    Write("FLUSH");  // sends what the case before left behind
+    g_output.clear();
+    return {};
+}
+
+const Operations OPERATIONS = {
+    {"case", Call(Begin)},
+    {"write",
+     [](const Fields &in) {
+         return WriteKeys(in);
+     }},
+    {"keys", WriteMany},
+    {"texts", WriteMany},
+    {"type", Call(+[](int type) {
+         return WriteKeys({Quote("DOMAIN"), Quote("EVENT"), "\"K\"=i32:1"}, type);
+     })},
+    {"send",
+     [](const Fields &in) {
+         return Send(in.at(0));
+     }},
+    {"cJSON",
+     [](const Fields &in) {
+         return UseCjson(in.at(0));
+     }},
+    {"sent", Call(+[] { return Output().size(); })},
+    {"output", Call(ShownOutput)},
+    {"listen", Listen},
+    {"record",
+     [](const Fields &in) {
+         return Fields{g_record.emplace(in.at(0)).AsJson() == in[0] ? "-" : "changed"};
+     }},
+    {"platform", Call(+[] { return PlatformFields(*g_record); })},
+    {"names", Call(+[] { return Names(*g_record); })},
+    {"i64", Gets<int64_t>(7)},
+    {"u64", Gets<uint64_t>(7)},
+    {"double", Gets<double>(7)},
+    {"string", Gets<std::string>("old")},
+    {"vi64", Gets<std::vector<int64_t>>({7})},
+    {"vu64", Gets<std::vector<uint64_t>>({7})},
+    {"vdouble", Gets<std::vector<double>>({7})},
+    {"vstring", Gets<std::vector<std::string>>({"old"})},
+};
 
 }  // namespace
 
 TEST(HiSysEvent, MatchesRecording)
 {
-    Operations operations;
-    AddWriteOperations(operations);
-    AddRecordOperations(operations);
-    operations["case"] = [](const Fields &) -> Fields {
-        g_outputRoom = SIZE_MAX;
-        Write("FLUSH");  // sends what the case before left behind
-        g_output.clear();
-        return {};
-    };
-    Replay("recorded/hisysevent.txt", 228, operations);
-    Replay("handwritten/hisysevent.txt", 14, operations);
+    Replay("recorded/hisysevent.txt", 228, OPERATIONS);
+    Replay("handwritten/hisysevent.txt", 14, OPERATIONS);
 }
 
 // Each case has its own call sites and starts when earlier ones have expired, so that earlier writes do not matter.
 TEST(HiSysEventRateLimiter, MatchesRecording)
 {
-    Replay("recorded/hisysevent_rate_limiter.txt", 73, {{"site", WriteAtSite}, {"case", [](const Fields &) {
-                                                                                    return Fields();
-                                                                                }}});
+    Replay("recorded/hisysevent_rate_limiter.txt", 73,
+           {{"case", Call(+[] { return Fields(); })}, {"site", WriteAtSite}});
 }
 
 TEST(HiSysEvent, WritesValuesOfEachType)
@@ -340,21 +357,15 @@ TEST(HiSysEvent, WritesValuesOfEachType)
     EXPECT_EQ(OwnKeys(event.AsJson()),
               R"({"T":"q\x22 b\x5c \x0a","time_":9223372036854775807,"U":18446744073709551615,)"
               R"("D":0.5,"E":200,"V":["1","\x22"],"N":[-1,2]})");
-    EXPECT_EQ(event.GetDomain() + event.GetEventName(), "OWNEVENT");
-    EXPECT_EQ(event.GetEventType(), HiSysEvent::SECURITY);
-    EXPECT_EQ(event.GetPid(), getpid());
-    EXPECT_EQ(event.GetUid(), static_cast<int64_t>(getuid()));
-    EXPECT_EQ(event.GetTid(), gettid());
+    const Fields fields = PlatformFields(event);
+    EXPECT_EQ(fields[0] + fields[1] + fields[2], R"("OWN""EVENT"3)");
+    EXPECT_EQ(fields[7] + " " + fields[8] + " " + fields[9],
+              Show(getpid()) + " " + Show(gettid()) + " " + Show(getuid()));
     EXPECT_NEAR(static_cast<double>(event.GetTime()), static_cast<double>(time(nullptr)) * 1000, 10000);
-    Strings names;
-    event.GetParamNames(names);
-    EXPECT_EQ(names, (Strings{"T", "time_", "U", "D", "E", "V", "N"}));
-    uint64_t largest = 0;
-    EXPECT_EQ(event.GetParamValue("U", largest), 0);
-    EXPECT_EQ(largest, UINT64_MAX);
-    std::string text;
-    EXPECT_EQ(event.GetParamValue("T", text), 0);
-    EXPECT_EQ(text, "q\" b\\ \n");
+    EXPECT_EQ(Names(event), (Strings{"T", "time_", "U", "D", "E", "V", "N"}));
+    g_record = event;
+    EXPECT_EQ(OPERATIONS.at("u64")({Quote("U")}), (Fields{"0", std::to_string(UINT64_MAX)}));
+    EXPECT_EQ(OPERATIONS.at("string")({Quote("T")}), (Fields{"0", R"("q\x22 b\x5c \x0a")"}));
     const char *const none = nullptr;
     EXPECT_DEATH(Write("EVENT", none, 1), "null key");
 }

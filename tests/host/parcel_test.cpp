@@ -159,10 +159,6 @@ TEST(ParcelAllocator, BelongsToTheParcel)
         explicit Counting(std::string &record) : calls(record)
         {
         }
-        ~Counting() override
-        {
-            calls += "end ";
-        }
         void *Realloc(void *data, size_t size) override
         {
             return size > 128 ? nullptr : DefaultAllocator::Realloc(data, size);
@@ -173,6 +169,9 @@ TEST(ParcelAllocator, BelongsToTheParcel)
             DefaultAllocator::Dealloc(data);
         }
         std::string &calls;
+        std::shared_ptr<void> atEnd{nullptr, [&record = calls](void *) {
+                                        record += "end ";
+                                    }};
     };
     std::string calls;
     {
