@@ -14,7 +14,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Not SEPARATOR: the process destroys that before its last calls.
+// Not SEPARATOR, whose destructor may run before the last call of IpcUtils.
 constexpr char KEY_END = '#';
 constexpr uint32_t MAX_ENTRIES = 10000;
 constexpr size_t MAX_INT32_LENGTH = 11;
@@ -25,7 +25,7 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
         return false;
     }
     char start[MAX_INT32_LENGTH + 1];  // key and separator
-    std::string entry;                 // reused, so that it allocates at most a few times
+    std::string entry;                 // reused for all entries, to save allocations
     for (const auto &[key, value] : params) {
         char *end = std::to_chars(std::begin(start), std::end(start) - 1, key).ptr;
         *end++ = KEY_END;
@@ -37,11 +37,11 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
     return true;
 }
 
-// Returns the value of a string that CheckIsNum accepts; nullopt if it is out of range.
-// Not std::from_chars: its inline code may rely on unsigned overflow ("-0"), which ends the process on a device.
+// Converts a string that CheckIsNum accepts; returns nullopt if the number is out of range. Not with std::from_chars,
+// whose inline code may rely on unsigned overflow (for "-0"), which aborts the process on a device.
 std::optional<int32_t> ToInt32(const std::string &number)
 {
-    const long long value = std::strtoll(number.c_str(), nullptr, 10);  // saturates, far beyond the range
+    const long long value = std::strtoll(number.c_str(), nullptr, 10);  // saturates far outside of the range
     if (value < INT32_MIN || value > INT32_MAX) {
         return std::nullopt;
     }
@@ -94,7 +94,7 @@ bool IpcUtils::UnMarshalling(MessageParcel &parcel, std::map<int32_t, std::strin
         }
         const size_t valueBegin = keyLength + 1;
         OSTRA_LOGI("the key is %d, value is %s", *key, entry.c_str() + valueBegin);
-        params.insert_or_assign(params.end(), *key, entry.substr(valueBegin));  // peers write ascending keys
+        params.insert_or_assign(params.end(), *key, entry.substr(valueBegin));  // peers send ascending keys
     }
     return true;
 }

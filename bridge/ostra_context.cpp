@@ -10,7 +10,7 @@ namespace {
 
 constexpr DHTopic NOTIFICATION_TOPIC = static_cast<DHTopic>(8);
 
-// Not DEV_ID_KEY and ISOMERISM_EVENT: the process destroys those before its last calls.
+// Not DEV_ID_KEY and ISOMERISM_EVENT, whose destructors may run before the last call of PublishMessage.
 constexpr char DEVICE_KEY[] = "dev_id";
 constexpr char EVENT_KEY[] = "isomerism_event";
 
@@ -46,12 +46,12 @@ void OstraContext::PublishMessage()
                 OSTRA_LOGE("PublishMessage, cJSON jsonObj is nullptr");
                 return;
             }
-            const JsonString text = notification.PrintUnformatted();
-            if (text == nullptr) {
+            const JsonString json = notification.PrintUnformatted();
+            if (json == nullptr) {
                 OSTRA_LOGE("PublishMessage, cJSON_PrintUnformatted failed");
                 return;
             }
-            message = text.get();
+            message = json.get();
         }
         if (dhFwkKit_ == nullptr) {
             OSTRA_LOGE("PublishMessage FwkKit is nullptr");

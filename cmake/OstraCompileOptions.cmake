@@ -22,9 +22,9 @@ endforeach()
 unset(CMAKE_REQUIRED_FLAGS)
 unset(CMAKE_REQUIRED_QUIET)
 
-# The fortified functions of the C library need an optimiser, and conflict with the sanitizers.
+# The fortified functions of the C library need an optimizer, and conflict with the sanitizers.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
-    set(is_optimised $<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>)
+    set(is_optimized $<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>)
     target_compile_options(ostra_compile_options INTERFACE
-        $<${is_optimised}:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+        $<${is_optimized}:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
 endif()

@@ -8,7 +8,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// SIZE_MAX leaves no room for the NUL, but the allocation fails anyway.
+// Adds the NUL. SIZE_MAX cannot be incremented, but its allocation fails anyway.
 size_t AllocationSize(size_t capacity)
 {
     return capacity == std::numeric_limits<size_t>::max() ? capacity : capacity + 1;
@@ -66,7 +66,7 @@ uint8_t *DHData::Data() const
 int32_t DHData::SetRange(size_t offset, size_t size)
 {
     size_t end = 0;
-    // The sum may wrap around, which is fatal for a plain addition where overflow is checked.
+    // The sum may wrap around; a plain addition would abort in builds with overflow checks.
     static_cast<void>(__builtin_add_overflow(offset, size, &end));
     if (offset > capacity_ || end > capacity_) {
         return -1;

@@ -15,9 +15,9 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Not OSTRA_PKG_NAME: the process destroys that before its last calls.
+// Not OSTRA_PKG_NAME, whose destructor may run before the last call of GetLocalDeviceNetworkId.
 constexpr char PACKAGE_NAME[] = "ohos.dhardware.osatraadapter";
-constexpr char ANONYMOUS_MIDDLE[] = "******";
+constexpr char MASK[] = "******";
 constexpr size_t MIN_LENGTH_WITH_ENDS = 3;
 constexpr size_t MIN_LENGTH_WITH_LONG_ENDS = 21;
 constexpr size_t LONG_END_LENGTH = 4;
@@ -45,7 +45,9 @@ void AppendHex(std::string &output, uint64_t value, int width)
 std::string GetRandomID()
 {
     static auto &device = *new std::random_device("/dev/urandom");  // never destroyed
-    const auto draw = [] { return uint64_t{device()} << 32 | device(); };
+    const auto draw = [] {
+        return uint64_t{device()} << 32 | device();
+    };
     const uint64_t a = draw();
     const uint64_t b = draw();
 
@@ -62,11 +64,11 @@ std::string GetRandomID()
 std::string GetAnonyString(const std::string &value)
 {
     if (value.size() < MIN_LENGTH_WITH_ENDS) {
-        return ANONYMOUS_MIDDLE;
+        return MASK;
     }
     const size_t end = value.size() < MIN_LENGTH_WITH_LONG_ENDS ? 1 : LONG_END_LENGTH;
     std::string masked(value, 0, end);
-    masked += ANONYMOUS_MIDDLE;
+    masked += MASK;
     masked.append(value, value.size() - end, end);
     return masked;
 }

@@ -29,9 +29,9 @@ struct FreeJsonString {
 };
 using JsonString = std::unique_ptr<char, FreeJsonString>;
 
-// A JSON object under construction. It refers to the keys and strings that are added instead of copying them, which
-// halves the allocations of a document: they must outlive it. It becomes null if an allocation fails, and adding to a
-// null object does nothing, so that only the result must be checked.
+// A JSON object under construction. It references keys and strings instead of copying them, which halves the
+// allocations of a document: they must outlive the object. If an allocation fails, the object becomes null, and adding
+// to a null object does nothing, so callers check once, at the end.
 class JsonObject {
 public:
     JsonObject() : tree_(cJSON_CreateObject())
@@ -85,7 +85,7 @@ public:
         return JsonString(cJSON_Print(tree_.get()));
     }
 
-    // Returns the object without white space; null if allocation fails.
+    // Returns the object without whitespace; null if allocation fails.
     JsonString PrintUnformatted() const
     {
         return JsonString(cJSON_PrintUnformatted(tree_.get()));

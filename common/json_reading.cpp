@@ -7,48 +7,48 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Skips what cJSON skips before the first value: a byte order mark and control characters and spaces.
+// Skips what cJSON skips before the first value: a byte order mark, control characters and spaces.
 const char *FirstValue(const char *json)
 {
     constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
     constexpr size_t markLength = sizeof(byteOrderMark) - 1;
-    const char *at = std::strncmp(json, byteOrderMark, markLength) == 0 ? json + markLength : json;
-    while (*at > '\0' && *at <= ' ') {
-        ++at;
+    const char *position = std::strncmp(json, byteOrderMark, markLength) == 0 ? json + markLength : json;
+    while (*position > '\0' && *position <= ' ') {
+        ++position;
     }
-    return at;
+    return position;
 }
 
-// Returns the quotation mark that closes the string begun at `quote`, or the NUL if none does.
+// Returns the quotation mark that ends the string starting at `quote`, or the NUL of an unterminated string.
 const char *EndOfString(const char *quote)
 {
-    const char *at = quote + 1;
-    while (*at != '\0' && *at != '"') {
-        at += at[0] == '\\' && at[1] != '\0' ? 2 : 1;
+    const char *position = quote + 1;
+    while (*position != '\0' && *position != '"') {
+        position += position[0] == '\\' && position[1] != '\0' ? 2 : 1;
     }
-    return at;
+    return position;
 }
 
 // Counts the occurrences of `character`, up to one more than the nesting limit.
-int CountToLimit(const std::string &json, char character)
+int CountUpToLimit(const std::string &json, char character)
 {
     int count = 0;
-    for (size_t at = json.find(character); at != std::string::npos && count <= MAX_JSON_NESTING; ++count) {
-        at = json.find(character, at + 1);
+    for (size_t position = json.find(character); position != std::string::npos && count <= MAX_JSON_NESTING; ++count) {
+        position = json.find(character, position + 1);
     }
     return count;
 }
 
 }  // namespace
 
-bool IsNestedTooDeep(const char *json)
+bool IsNestedTooDeeply(const char *json)
 {
-    const char *at = FirstValue(json);
-    if (*at != '[' && *at != '{') {
+    const char *position = FirstValue(json);
+    if (*position != '[' && *position != '{') {
         return false;
     }
-    for (int depth = 0; *at != '\0'; ++at) {
-        switch (*at) {
+    for (int depth = 0; *position != '\0'; ++position) {
+        switch (*position) {
             case '[':
             case '{':
                 if (++depth > MAX_JSON_NESTING) {
@@ -62,8 +62,8 @@ bool IsNestedTooDeep(const char *json)
                 }
                 break;
             case '"':
-                at = EndOfString(at);
-                if (*at == '\0') {
+                position = EndOfString(position);
+                if (*position == '\0') {
                     return false;
                 }
                 break;
@@ -76,9 +76,9 @@ bool IsNestedTooDeep(const char *json)
 
 JsonTree ParseJson(const std::string &json)
 {
-    // Most documents open too few arrays and objects to exceed the limit; counting is much faster than scanning.
-    const bool mayBeTooDeep = CountToLimit(json, '[') + CountToLimit(json, '{') > MAX_JSON_NESTING;
-    const bool isTooDeep = mayBeTooDeep && IsNestedTooDeep(json.c_str());
+    // Most documents contain too few arrays and objects to exceed the limit; counting is much faster than scanning.
+    const bool mayBeTooDeep = CountUpToLimit(json, '[') + CountUpToLimit(json, '{') > MAX_JSON_NESTING;
+    const bool isTooDeep = mayBeTooDeep && IsNestedTooDeeply(json.c_str());
     return JsonTree(isTooDeep ? nullptr : cJSON_Parse(json.c_str()));
 }
 

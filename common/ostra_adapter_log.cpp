@@ -32,7 +32,7 @@ LogLevel ToHiLogLevel(DHLogLevel level)
 
 void DHLog(DHLogLevel level, const char *format, ...)
 {
-    // Not cleared: only what is written here is read, up to its NUL.
+    // Not cleared: vsprintf_s null-terminates what it writes.
     char message[MESSAGE_BUFFER_SIZE];
     va_list arguments;
     va_start(arguments, format);

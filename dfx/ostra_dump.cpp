@@ -10,8 +10,8 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Not DUMP_WRITE_ENABLE_KEY and DUMP_PATH_PREFIX: the process destroys those before its last calls.
-constexpr char SWITCH_PARAMETER[] = "sys.ostra.audio.dump.write.enable";
+// Not DUMP_WRITE_ENABLE_KEY and DUMP_PATH_PREFIX, whose destructors may run before the last call of OstraDump.
+constexpr char ENABLE_PARAMETER[] = "sys.ostra.audio.dump.write.enable";
 constexpr char PATH_PREFIX[] = "/data/local/tmp/";
 constexpr char UNSET_MARKER[] = "-1";
 constexpr uint32_t PARAMETER_BUFFER_SIZE = 30;
@@ -29,7 +29,7 @@ void OstraDump::Init()
 {
     OSTRA_LOGI("Dump init");
     std::string value;
-    if (GetSysPara(SWITCH_PARAMETER, value) && !value.empty()) {
+    if (GetSysPara(ENABLE_PARAMETER, value) && !value.empty()) {
         dumpMode_ = value;
         enable_.exchange(true);
         return;
@@ -78,7 +78,7 @@ void OstraDump::DumpStreamData(const std::string &fileName, const unsigned char 
     }
     const auto count = static_cast<size_t>(size);
     const bool isWritten = fwrite(data, 1, count, file) == count;
-    const bool isClosed = fclose(file) == 0;  // writes what is still buffered
+    const bool isClosed = fclose(file) == 0;  // flushes the buffer, which may fail
     if (!isWritten || !isClosed) {
         OSTRA_LOGE("Failed to write the file");
     }

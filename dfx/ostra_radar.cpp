@@ -12,7 +12,7 @@ namespace {
 
 using HiviewDFX::HiSysEvent;
 
-// Not the constants of the header: the process destroys those before its last calls.
+// Not the constants of the header, whose destructors may run before the last event is reported.
 constexpr char DOMAIN[] = "OSTRAADAPTER";
 constexpr char EVENT_NAME[] = "OSTRA_ADAPTER_BEHAVIOR";
 constexpr char REPORTING_PACKAGE[] = "ostra_adapter";
@@ -20,7 +20,7 @@ constexpr char REPORTING_PACKAGE[] = "ostra_adapter";
 constexpr int32_t RESULT_SUCCESS = 1;
 constexpr int32_t RESULT_FAILURE = 2;
 
-constexpr int32_t FAILURE_LINES = 100;  // greater than the line of any success
+constexpr int32_t FAILURE_LINE_OFFSET = 100;  // greater than any stage
 
 constexpr int32_t NO_STATE = 0;
 constexpr int32_t STATE_START = 1;
@@ -28,7 +28,7 @@ constexpr int32_t STATE_STOP = 2;
 
 struct Step {
     const char *method;
-    const char *nameInLog;  // not always that of the method
+    const char *nameInLog;  // differs from `method` in some log lines
     int32_t stage;
     int32_t state;
 };
@@ -54,7 +54,7 @@ constexpr HostPackage HOST_PACKAGES[] = {{1, "car_distributed_engine"},
                                          {3, "collaboration_service"},
                                          {10, "CollaborationFwk"}};
 
-// What the caller reports about a step.
+// The caller's arguments and the state that go into an event.
 struct Report {
     const std::string &function;
     std::string host;
@@ -63,14 +63,15 @@ struct Report {
     const std::string *calledPackage = nullptr;
 };
 
-// Returns the line number by which the platform's write limiter counts. Failures have their own, so that no number of
-// successes suppresses them.
+// Returns the line number under which the platform's rate limiter counts the event. Failures are counted separately, so
+// that successes never suppress them.
 int32_t LineOf(const Step &step, bool isSuccess)
 {
-    return isSuccess ? step.stage : FAILURE_LINES + step.stage;
+    return isSuccess ? step.stage : FAILURE_LINE_OFFSET + step.stage;
 }
 
-// The platform takes the keys of an event as arguments, so each lambda adds arguments to those of its caller.
+// The platform takes the keys and values of an event as arguments, so each lambda appends those it adds to the
+// arguments of its caller.
 int WriteEvent(const Step &step, const Report &report)
 {
     const bool isSuccess = report.errorCode == 0;

@@ -16,7 +16,7 @@ int main()
         return 1;
     }
 
-    // sent.GetBufferSize() bytes from sent.GetBuffer() travel to the other side.
+    // Send sent.GetBufferSize() bytes from sent.GetBuffer() to the other side, which parses them:
     ChannelProtocol received;
     UnPackagedEA header;
     if (!received.CreateFromBuffer(sent.GetBuffer(), sent.GetBufferSize()) || !received.ReadEA(header, 0)) {

@@ -9,7 +9,7 @@
 ///     Send(out.GetBuffer(), out.GetBufferSize());       in.ReadEA(ea, 0);   // content: ea.offset to the end
 ///
 /// The header value (EA) is a 28-bit varint: little-endian groups of 7 bits, bit 7 set on the last byte (stop bit). 5
-/// is encoded as 85, 300 as 2C 82. A frame does not contain its CRC; where that travels is up to the services.
+/// is encoded as 85, 300 as 2C 82. A frame does not contain its CRC; services that use one agree on where to send it.
 
 #ifndef CHANNEL_PROTOCOL_H
 #define CHANNEL_PROTOCOL_H
@@ -23,7 +23,7 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 /// A header value that ChannelProtocol::ReadEA decoded.
 struct UnPackagedEA {
     uint32_t value = 0;  ///< 0 to 0x0FFFFFFF.
-    int32_t offset = 0;  ///< Where the content begins, in bytes from the start of the frame.
+    int32_t offset = 0;  ///< Position of the byte after the header value, where the content begins.
 };
 
 /// One frame in a buffer that the object owns.
@@ -31,8 +31,8 @@ struct UnPackagedEA {
 /// Call Create or CreateFromBuffer once per object: a further call replaces the buffer without releasing it. Callers
 /// may read the members but must not change them.
 ///
-/// Every operation that fails logs an error unless its comment says otherwise. Nothing is thrown; a failed allocation
-/// makes the operation return false.
+/// Operations that fail log an error unless their comment says otherwise. Nothing is thrown: an operation whose
+/// allocation fails returns false.
 ///
 /// Not thread-safe: callers must synchronize access to an object. GetCrc and HasEA use no object state and are
 /// thread-safe.
@@ -54,21 +54,22 @@ public:
     ///
     /// Returns false if:
     /// - `eaValue` is greater than 0x0FFFFFFF or `contentSize` is negative; the object is unchanged.
-    /// - The frame would exceed INT_MAX bytes, or allocation fails; this is not logged. The buffer is then null,
+    /// - The frame would exceed INT_MAX bytes, or allocation fails; this is not logged. The buffer is then null, and
     ///   bufferSize_ and offset_ are unchanged.
-    /// - The header value cannot be copied; the buffer is then null, bufferSize_ and offset_ are unchanged.
+    /// - The header value cannot be copied; the buffer is then null, and bufferSize_ and offset_ are unchanged.
     OSTRA_EXPORT bool Create(int eaValue, int contentSize);
 
     /// Copies a received frame of `size` bytes into this object.
     ///
     /// Returns false if:
     /// - `buffer` is null or `size` is less than 1; the object is unchanged.
-    /// - Allocation or copying fails; the buffer is then null, bufferSize_ and offset_ are unchanged.
+    /// - Allocation or copying fails; the buffer is then null, and bufferSize_ and offset_ are unchanged.
     OSTRA_EXPORT bool CreateFromBuffer(unsigned char *buffer, int size);
 
-    /// Copies `length` bytes of content to offset_: behind the header after Create, over it after CreateFromBuffer.
+    /// Copies `length` bytes of content to offset_.
     ///
-    /// Does not move offset_, so the content must be written in one call. `data` may be the destination itself.
+    /// After Create that is the first byte after the header, after CreateFromBuffer the start of the frame. Does not
+    /// advance offset_, so the whole content must be written in one call. `data` may be the destination itself.
     ///
     /// Returns false if:
     /// - `data` is null, `length` is less than 1, or there is no frame; the frame is unchanged.
@@ -78,9 +79,9 @@ public:
 
     /// Decodes the header value at `offset` and moves offset_ to the byte after it.
     ///
-    /// Reads up to the first byte with a stop bit, four bytes, or the end of the frame, whichever comes first. A value
-    /// that ends without a stop bit is accepted. At or past the end nothing is read: the value is 0 and `ea.offset` is
-    /// `offset`.
+    /// Stops after the first byte with a stop bit, after four bytes, or at the end of the frame, whichever comes first.
+    /// A value without a stop bit is accepted. If `offset` is at or past the end, nothing is read: the value is 0, and
+    /// `ea.offset` is `offset`.
     ///
     /// Returns false, with `ea` and the object unchanged, if `offset` is negative or there is no frame.
     OSTRA_EXPORT bool ReadEA(UnPackagedEA &ea, int offset);
@@ -90,18 +91,18 @@ public:
 
     /// Returns the CRC-16/ARC of `length` bytes at `data`, and logs it, masked, at info level.
     ///
-    /// Reflected polynomial 0xA001, start value 0; "123456789" gives 0xBB3D. Returns 0 if `data` is null or `length` is
-    /// less than 1.
+    /// Reflected polynomial 0xA001, initial value 0, no final XOR: the CRC of "123456789" is 0xBB3D. Returns 0 if
+    /// `data` is null or `length` is less than 1.
     OSTRA_EXPORT uint32_t GetCrc(unsigned char *data, int length) const;
 
-    /// Returns the whole frame, which the object keeps; null if there is none.
+    /// Returns the whole frame, which the object continues to own; null if there is none.
     OSTRA_EXPORT unsigned char *GetBuffer() const;
 
     /// Returns the size of the whole frame in bytes; 0 before one is created.
     OSTRA_EXPORT int32_t GetBufferSize() const;
 
     int32_t bufferSize_ = 0;  ///< In bytes.
-    /// After Create the first content byte, after CreateFromBuffer 0, after ReadEA the byte after the header value.
+    /// Position of the first content byte after Create, 0 after CreateFromBuffer, `ea.offset` after ReadEA.
     int32_t offset_ = 0;
     unsigned char *protocolBuffer_ = nullptr;  ///< The whole frame.
 };

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Records and helpers that services pass around: a byte buffer with a movable range, connections, random identifiers,
+/// Records and helpers that services share: a byte buffer with a movable range, connections, random identifiers,
 /// masking of identifiers for logs, timestamps and conversions.
 ///
 ///     DHConnectInfo info;
 ///     info.sinkIp = "192.168.1.10";
 ///     puts(info.String().c_str());          // ... sinkIp: 1******0 ...
 ///
-/// Records are thread-compatible: callers must synchronize access to an object. Functions are thread-safe, except
+/// Records are not thread-safe: callers must synchronize access to an object. Functions are thread-safe, except
 /// GetRandomID. Operations that return, store or compare strings or allocate a buffer throw std::bad_alloc if
 /// allocation fails; their outputs are then unchanged. After fork() in a process with several threads, the child must
-/// call nothing of this library before exec(): another thread may have held a lock.
+/// not call this library before exec(): another thread may have held a lock.
 
 #ifndef DH_UTILS_TOOLS_H
 #define DH_UTILS_TOOLS_H
@@ -32,11 +32,11 @@ enum class DHBusinessId : uint32_t;
 /// The kind of a connection's channel. The services that use the library define the values.
 enum class DHChannelType : uint32_t;
 
-/// A byte buffer of fixed capacity that owns its bytes, with a movable range on it.
+/// A byte buffer of fixed capacity that owns its bytes, with a movable range in it.
 struct DHData {
-    /// Allocates `capacity` bytes and a NUL after them, all zero; the range covers the whole capacity.
+    /// Allocates `capacity` zeroed bytes and a NUL after them. The range covers the whole capacity.
     ///
-    /// Allocates nothing if `capacity` is 0. Throws std::bad_alloc if allocation fails, also for SIZE_MAX.
+    /// Allocates nothing if `capacity` is 0. Throws std::bad_alloc if allocation fails, as it always does for SIZE_MAX.
     OSTRA_EXPORT explicit DHData(size_t capacity);
     OSTRA_EXPORT ~DHData();
     DHData(const DHData &) = delete;
@@ -52,11 +52,11 @@ struct DHData {
     /// Returns the first byte of the range; null if the capacity is 0.
     OSTRA_EXPORT uint8_t *Data() const;
 
-    /// Moves the range to `size` bytes from `offset`, both in bytes.
+    /// Sets the range to `size` bytes, starting at `offset` bytes from the start of the buffer.
     ///
     /// An empty range at the end is valid. Returns 0, or -1, with the range unchanged, if `offset` or `offset + size`
-    /// exceeds the capacity. The sum is taken modulo the width of size_t: callers must ensure that it does not wrap
-    /// around, since a result within the capacity would be accepted.
+    /// exceeds the capacity. Callers must ensure that the sum does not wrap around: a wrapped sum within the capacity
+    /// would be accepted.
     OSTRA_EXPORT int32_t SetRange(size_t offset, size_t size);
 
     uint64_t capacity_ = 0;
@@ -67,21 +67,22 @@ struct DHData {
 
 /// One connection from a source device to a sink device.
 ///
-/// The five addresses and the port identify it; extraInfo, extraData and extraParam are not printed or compared.
+/// Network ids, IP addresses, MAC address and port identify it; extraInfo, extraData and extraParam are neither printed
+/// nor compared.
 struct DHConnectInfo {
-    /// Returns one line for logs, every identifying field masked with GetAnonyString or GetAnonyInt32.
+    /// Returns a one-line description for logs, with every field masked by GetAnonyString or GetAnonyInt32.
     ///
-    /// Its first label is spelled "sourceNetworId: ".
+    /// The first label is "sourceNetworId: ", without a "k".
     OSTRA_EXPORT std::string String() const;
 
-    /// Returns true if the five addresses and the port are equal.
+    /// Returns true if all network ids, IP addresses, MAC addresses and ports are equal.
     OSTRA_EXPORT bool operator==(const DHConnectInfo &other) const;
 
-    /// Orders connections as keys of ordered containers.
+    /// Orders connections, for use as keys of ordered containers.
     ///
     /// Compares, byte by byte, the concatenation of sourceNetworkId, sinkNetworkId, sourceIp, sinkIp, sinkBrMac and the
-    /// decimal port, without separators. Connections that split the same string differently are therefore the same key,
-    /// though they are not equal, and port 10 orders before port 9.
+    /// port in decimal, without separators. Different connections whose concatenations are equal are therefore
+    /// equivalent as keys, and port 10 orders before port 9.
     OSTRA_EXPORT bool operator<(const DHConnectInfo &other) const;
 
     std::string sourceNetworkId;
@@ -95,15 +96,15 @@ struct DHConnectInfo {
     std::string extraParam;
 };
 
-/// A connection with the handle of its channel.
+/// A connection and its channel.
 struct DHConnectDevice {
-    /// Stores the three values unchanged, and a copy of the whole connection.
+    /// Stores the handle of the channel, the business and the kind of channel unchanged, and copies the connection.
     OSTRA_EXPORT DHConnectDevice(int session, DHBusinessId business, DHChannelType channel, DHConnectInfo &connection);
     OSTRA_EXPORT ~DHConnectDevice();
     DHConnectDevice(const DHConnectDevice &) = default;
     DHConnectDevice &operator=(const DHConnectDevice &) = default;
 
-    int32_t sessionId{};
+    int32_t sessionId{};  ///< Handle of the channel; not interpreted.
     DHConnectInfo connectInfo;
     DHBusinessId businessId{};
     DHChannelType channelType{};
@@ -111,7 +112,7 @@ struct DHConnectDevice {
 
 /// Returns a new random identifier of 32 lowercase hexadecimal digits: a version 4 UUID without its dashes.
 ///
-/// Digit 13 is "4", digit 17 is one of 8, 9, a, b. Throws std::runtime_error, or its subclass std::system_error, if
+/// The 13th digit is 4, the 17th is 8, 9, a or b. Throws std::runtime_error, or its subclass std::system_error, if
 /// /dev/urandom cannot be opened or read; the next call tries again.
 ///
 /// Not thread-safe: callers must synchronize calls. The first call may be made from any thread.
@@ -119,46 +120,47 @@ OSTRA_EXPORT std::string GetRandomID();
 
 /// Masks the middle of `value` with six asterisks.
 ///
-/// Keeps 4 bytes at each end of a string of 21 bytes or more, 1 byte of a string of 3 to 20 bytes, and none of a
-/// shorter one. Counts bytes, not characters.
+/// Keeps 4 bytes at each end of a string of 21 bytes or more, 1 byte at each end of a string of 3 to 20 bytes, and none
+/// of a shorter one. Counts bytes, not characters.
 OSTRA_EXPORT std::string GetAnonyString(const std::string &value);
 
 /// Returns `value` in decimal, with every character after the first replaced by an asterisk.
 ///
-/// The first character may be the minus sign; a single digit becomes "*". Returns an empty string if the number cannot
-/// be printed.
+/// The first character of a negative number is its minus sign; a single digit becomes "*". Returns an empty string if
+/// formatting fails.
 OSTRA_EXPORT std::string GetAnonyInt32(int32_t value);
 
 /// Fetches the local device's network id from the soft bus.
 ///
-/// Returns 0 and sets `networkId`, or returns the soft bus's error code, which is logged, with `networkId` unchanged.
+/// Returns 0 and sets `networkId`. If the soft bus returns an error code, logs and returns it; `networkId` is then
+/// unchanged.
 OSTRA_EXPORT int32_t GetLocalDeviceNetworkId(std::string &networkId);
 
-/// Returns the milliseconds since the Unix epoch by the wall clock, which may be set back.
+/// Returns the milliseconds since the Unix epoch. Uses the system clock, which may be set back.
 OSTRA_EXPORT int64_t GetNowTimeStampMs();
 
-/// Returns the microseconds since the Unix epoch by the wall clock, which may be set back.
+/// Returns the microseconds since the Unix epoch. Uses the system clock, which may be set back.
 OSTRA_EXPORT int64_t GetNowTimeStampUs();
 
 /// Writes `value` to byteArray[0..3], most significant byte first.
 ///
-/// `byteSize` is the size of the array and must be 4. Any other size, or a null array, is logged as an error and
-/// nothing is written.
+/// `byteSize` is the size of the array in bytes and must be 4. If it is not, or the array is null, logs an error and
+/// writes nothing.
 OSTRA_EXPORT void OSTRAIntToByte(uint32_t value, uint8_t *byteArray, uint32_t byteSize);
 
-/// Returns true if `value` is an optional sign followed by decimal digits (see NUMBER_PATTERN), at most 100 characters
-/// in all.
+/// Returns true if `value` consists of an optional sign and decimal digits (see NUMBER_PATTERN), and has at most 100
+/// characters.
 ///
-/// An empty or longer string is logged as an error. The magnitude of the number is not checked.
+/// Logs an error if `value` is empty or longer. The magnitude of the number is not checked.
 OSTRA_EXPORT bool CheckIsNum(const std::string &value);
 
 /// Appends `size` bytes of `data` to a file, which is created if it does not exist.
 ///
-/// A size of 0 creates the file. Logs an error, and neither creates nor changes the file, if:
+/// A size of 0 creates the file if necessary. Logs an error, and neither creates nor changes the file, if:
 /// - `size` is negative, or `data` is null and `size` is greater than 0.
 /// - The file cannot be opened.
 ///
-/// A failed write is not reported. If std::bad_alloc is thrown, a new file may have been created, empty.
+/// A failed write is not reported. If std::bad_alloc is thrown, an empty file may have been created.
 OSTRA_EXPORT void SaveFile(std::string fileName, uint8_t *data, int32_t size);
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -8,8 +8,8 @@
 ///         OSTRA_LOGI("open port %d", port);   // [ostraadapterutils][Connect]:open port 8080
 ///     }
 ///
-/// The macros compose prefix and message at compile time, so a call costs nothing beyond that of DHLog. Programs that
-/// use the library may use them, too. Thread-safe.
+/// The macros compose prefix and message at compile time, so they cost no more than a call of DHLog. Programs that use
+/// the library may use them, too. Thread-safe.
 
 #ifndef OSTRA_ADAPTER_LOG_H
 #define OSTRA_ADAPTER_LOG_H
@@ -31,11 +31,11 @@ enum DHLogLevel : int32_t {
 /// Formats a message like printf and writes it to HiLog, unmasked: type LOG_CORE, domain 0xD004160, tag
 /// "OSTRA_ADAPTER".
 ///
-/// A message holds at most 4095 bytes. A longer one, or one whose format is invalid, is replaced as a whole by
-/// "DH log length error." at the same level. The library itself filters no level.
+/// A message has at most 4095 bytes. A longer one, or one whose format is invalid, is replaced by
+/// "DH log length error." at the same level. DHLog itself does not filter by level.
 ///
-/// Never fails towards the caller, throws nothing and allocates nothing. Its own frame takes 4 KiB of stack; a whole
-/// call on the host needs up to 16 KiB.
+/// Reports no errors, throws nothing and allocates nothing. Uses 4 KiB of stack for the message; a whole call on the
+/// host needs up to 16 KiB.
 OSTRA_EXPORT void DHLog(DHLogLevel level, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
@@ -44,9 +44,9 @@ OSTRA_EXPORT void DHLog(DHLogLevel level, const char *format, ...) __attribute__
 
 /// Logs a message at debug level, after "[ostraadapterutils][FUNCTION]:".
 ///
-/// The first argument is the message, a string literal; the others are the arguments of its conversions, which the
-/// compiler checks. FUNCTION is the bare name of the enclosing function, without its class. Inside a lambda it is
-/// "operator()": log outside of it. Prefix and message together are the format of DHLog.
+/// The first argument is a string literal in the format of printf; the compiler checks the other arguments against it.
+/// FUNCTION is the name of the enclosing function, without its class. Inside a lambda it would be "operator()": log
+/// outside of the lambda. Prefix and message together are the format of DHLog.
 #define OSTRA_LOGD(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_DEBUG, __VA_ARGS__)
 /// Logs a message at info level; see OSTRA_LOGD.
 #define OSTRA_LOGI(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_INFO, __VA_ARGS__)

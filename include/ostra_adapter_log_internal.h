@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the macros of ostra_adapter_log.h are made of: include that header instead. Nothing here is part of the
-// interface.
+// Implementation of the macros in ostra_adapter_log.h; include that header instead. Not part of the interface.
 
 #ifndef OSTRA_ADAPTER_LOG_INTERNAL_H
 #define OSTRA_ADAPTER_LOG_INTERNAL_H
@@ -18,19 +17,19 @@ inline constexpr char LOG_PREFIX_TAG[] = "ostraadapterutils";
 
 // A null-terminated string of at most CAPACITY - 1 bytes, composed at compile time.
 template <size_t CAPACITY>
-struct LogText {
+struct LogFormat {
     char chars[CAPACITY];
 };
 
 // Returns "[" + LOG_PREFIX_TAG + "][" + function + "]:" + message.
 template <size_t FUNCTION_SIZE, size_t MESSAGE_SIZE>
-constexpr auto ComposeLogText(const char (&function)[FUNCTION_SIZE], const char (&message)[MESSAGE_SIZE])
+constexpr auto ComposeLogFormat(const char (&function)[FUNCTION_SIZE], const char (&message)[MESSAGE_SIZE])
 {
-    LogText<sizeof(LOG_PREFIX_TAG) + FUNCTION_SIZE + MESSAGE_SIZE + sizeof("[][]:")> text{};
+    LogFormat<sizeof(LOG_PREFIX_TAG) + FUNCTION_SIZE + MESSAGE_SIZE + sizeof("[][]:")> format{};
     size_t length = 0;
-    const auto append = [&text, &length](const char *part) {
+    const auto append = [&format, &length](const char *part) {
         for (; *part != '\0'; ++part) {
-            text.chars[length++] = *part;
+            format.chars[length++] = *part;
         }
     };
     append("[");
@@ -39,36 +38,36 @@ constexpr auto ComposeLogText(const char (&function)[FUNCTION_SIZE], const char 
     append(function);
     append("]:");
     append(message);
-    return text;
+    return format;
 }
 
-// Never called: with it the compiler checks the conversions of a message against its arguments.
+// Never called: lets the compiler check the arguments against the conversions of the message.
 __attribute__((format(printf, 1, 2))) inline void CheckLogMessage(const char * /* message */, ...)
 {
 }
 
-// Passes a composed message to DHLog through a pointer without the format check, which accepts only string literals.
-// `message` is there because a macro cannot drop it from its arguments.
+// Calls DHLog through a pointer without the format attribute, since the compiler checks string literals only. `message`
+// is unused: OSTRA_LOG cannot remove it from its arguments.
 template <typename... Arguments>
-inline void LogComposed(DHLogLevel level, const char *text, const char * /* message */, Arguments... arguments)
+inline void LogComposed(DHLogLevel level, const char *format, const char * /* message */, Arguments... arguments)
 {
     constexpr void (*log)(DHLogLevel, const char *, ...) = DHLog;
-    log(level, text, arguments...);
+    log(level, format, arguments...);
 }
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 
 #define OSTRA_LOG_FIRST(first, ...) first
 
-// The arguments after the level are the message and the arguments of its conversions.
-#define OSTRA_LOG(level, ...)                                                                                     \
-    do {                                                                                                          \
-        static constexpr auto ostraLogText_ =                                                                     \
-            ::OHOS::DistributedHardware::OstraAdapter::ComposeLogText(__func__, OSTRA_LOG_FIRST(__VA_ARGS__, 0)); \
-        if (false) {                                                                                              \
-            ::OHOS::DistributedHardware::OstraAdapter::CheckLogMessage(__VA_ARGS__);                              \
-        }                                                                                                         \
-        ::OHOS::DistributedHardware::OstraAdapter::LogComposed(level, ostraLogText_.chars, __VA_ARGS__);          \
+// The arguments after the level are the message and the values for its conversions.
+#define OSTRA_LOG(level, ...)                                                                                       \
+    do {                                                                                                            \
+        static constexpr auto ostraLogFormat_ =                                                                     \
+            ::OHOS::DistributedHardware::OstraAdapter::ComposeLogFormat(__func__, OSTRA_LOG_FIRST(__VA_ARGS__, 0)); \
+        if (false) {                                                                                                \
+            ::OHOS::DistributedHardware::OstraAdapter::CheckLogMessage(__VA_ARGS__);                                \
+        }                                                                                                           \
+        ::OHOS::DistributedHardware::OstraAdapter::LogComposed(level, ostraLogFormat_.chars, __VA_ARGS__);          \
     } while (false)
 
 /// @endcond

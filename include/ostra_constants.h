@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Constants that the library and the services that use it share.
+/// Constants that the library shares with the services that use it.
 ///
 ///     context.AddWaitNotify(deviceId, ISOMERISM_CONNECT);
 ///
-/// Each string, here and in the other headers, belongs to the program or library that includes it: it is built when
-/// that is loaded, and released when that is unloaded or the process exits. Threads and destructors that run later must
+/// Each string constant, here and in the other headers, is constructed when the program or library that includes it is
+/// loaded, and destroyed when that is unloaded or the process exits: threads and static destructors that run later must
 /// not use it. Thread-safe until then.
 
 #ifndef OSTRA_CONSTANTS_H
@@ -17,37 +17,37 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-/// Package name of the adapter at the platform's services, spelled as it is registered.
+/// Package name under which the adapter is registered with the platform, spelling included.
 inline const std::string OSTRA_PKG_NAME = "ohos.dhardware.osatraadapter";
 /// Permission of the distributed hardware framework.
 inline const std::u16string DH_ACCESS_TOKEN_PERMISSION = u"ohos.distributedhardware.accessToken";
 
-/// Message for success.
+/// Result text: success.
 inline const std::string DH_SUCCESS_TEXT = "DH_SUCCESS";
-/// Message for failure.
+/// Result text: failure.
 inline const std::string DH_FAILED_TEXT = "DH_FAILED";
-/// Message for initialisation.
+/// Name of the initialization event.
 inline const std::string OSTRA_ADAPTER_INIT_TEXT = "OSTRA_ADAPTER_INIT";
 
-/// Separates key and value of an entry that IpcUtils writes.
+/// Separator of key and value in the entries that IpcUtils writes.
 inline const std::string SEPARATOR = "#";
-/// What CheckIsNum accepts, as an ECMAScript regular expression.
+/// ECMAScript regular expression for the strings that CheckIsNum accepts.
 inline const std::string NUMBER_PATTERN = "^[-+]?[0-9]+$";
 
-/// Value of a notification about a change.
+/// Value of an isomerism event: something changed.
 inline const std::string ISOMERISM_CHANGE = "change";
 /// Key of the event in a notification.
 inline const std::string ISOMERISM_EVENT = "isomerism_event";
-/// Event of a device that connected.
+/// Event: a device connected.
 inline const std::string ISOMERISM_CONNECT = "isomerism_connect";
-/// Event of a device that disconnected.
+/// Event: a device disconnected.
 inline const std::string ISOMERISM_DISCONNECT = "isomerism_disconnect";
 /// Key of the device id in a notification.
 inline const std::string DEV_ID_KEY = "dev_id";
 
 /// A JSON operation succeeded.
 inline constexpr int32_t OSTRA_JSON_SUCCESS = 0;
-/// Allocation failed for a JSON object, one of its members, or its printed form.
+/// Allocation failed for a JSON object, one of its members, or its serialized form.
 inline constexpr int32_t OSTRA_JSON_CREATE_FAILED = -70001;
 /// The JSON root is null.
 inline constexpr int32_t OSTRA_JSON_ROOT_MISSING = -70003;

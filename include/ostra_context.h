@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Notifications to the distributed hardware framework about devices whose state changed, and the names that belong to
-/// them.
+/// Notifications to the distributed hardware framework about devices whose state changed, and the names of services,
+/// streams, packages and device types.
 ///
 ///     #include "ostra_constants.h"
 ///     #include "ostra_context.h"
@@ -11,7 +11,7 @@
 ///     context.AddWaitNotify(deviceId, ISOMERISM_CONNECT);
 ///     context.PublishMessage();       // {"dev_id":"...","isomerism_event":"isomerism_connect"} on topic 8
 ///
-/// Thread-safe. The strings have the lifetime that ostra_constants.h describes.
+/// Thread-safe. For the lifetime of the string constants see ostra_constants.h.
 
 #ifndef OSTRA_CONTEXT_H
 #define OSTRA_CONTEXT_H
@@ -88,9 +88,9 @@ inline const std::string PIXEL_FORMAT_YUVI420 = "yuvi420";
 /// Pixel format RGBA8888.
 inline const std::string PIXEL_FORMAT_RGBA8888 = "rgba8888";
 
-/// Names of device types. Keys are values, since not every release of the framework has an enumerator for each.
+/// Names of device types. Keys are numbers, since not every release of the framework defines every enumerator.
 using DHTypeNames = std::unordered_map<DHType, std::string>;
-/// Names in capitals.
+/// Names in upper case.
 inline const DHTypeNames DHTYPE_NAME_MAP = {
     {static_cast<DHType>(0x1), "CAMERA"},  {static_cast<DHType>(0x2), "AUDIO"},
     {static_cast<DHType>(0x8), "SCREEN"},  {static_cast<DHType>(0x10), "GPS"},
@@ -98,7 +98,7 @@ inline const DHTypeNames DHTYPE_NAME_MAP = {
     {static_cast<DHType>(0x80), "A2D"},    {static_cast<DHType>(0x100), "VIRMODEM_AUDIO"},
     {static_cast<DHType>(0x200), "MODEM"},
 };
-/// Names for display, of the types that are shown.
+/// Display names of the types that are shown to users.
 inline const DHTypeNames DHTYPE_DISPLAY_NAME_MAP = {
     {static_cast<DHType>(0x1), "Camera"},
     {static_cast<DHType>(0x8), "Screen"},
@@ -107,29 +107,30 @@ inline const DHTypeNames DHTYPE_DISPLAY_NAME_MAP = {
 
 /// The process-wide queue of notifications, and the framework's SDK object.
 ///
-/// AddWaitNotify and PublishMessage hold a lock, also while the framework is called: a listener must not call either
-/// from OnMessage, nor wait there for a thread that does. GetInstance, AddWaitNotify and PublishMessage throw
-/// std::bad_alloc if a string cannot be allocated; the queue is then unchanged, and the context remains usable.
+/// AddWaitNotify and PublishMessage hold a lock, even while the framework is called: a listener deadlocks if its
+/// OnMessage calls either of them, or waits for a thread that does. GetInstance, AddWaitNotify and PublishMessage throw
+/// std::bad_alloc if allocation fails; the queue is then unchanged, and the context remains usable.
 class OstraContext {
 public:
-    /// Returns the only context, which is created by the first call and never destroyed.
+    /// Returns the context of the process, which the first call creates and which is never destroyed.
     OSTRA_EXPORT static OstraContext &GetInstance();
 
     OstraContext(const OstraContext &) = delete;
     OstraContext &operator=(const OstraContext &) = delete;
 
-    /// Queues `event` for the device `devId`, replacing an earlier one that is not published yet.
+    /// Queues `event` for the device `devId`. Replaces an earlier event of the device that is not published yet.
     ///
-    /// Nothing is validated: empty strings are queued as well. The notification contains strings up to their first NUL.
+    /// Does not validate its arguments: empty strings are queued as well. Strings are published up to their first NUL.
     OSTRA_EXPORT void AddWaitNotify(const std::string &devId, const std::string &event);
 
     /// Publishes the queued notifications on topic 8 and empties the queue.
     ///
     /// Each notification is the compact JSON object {"dev_id":...,"isomerism_event":...}; they are published in
-    /// ascending byte order of device id. The framework's results are ignored.
+    /// ascending byte order of device ids. The framework's results are ignored.
     ///
-    /// If cJSON cannot allocate a notification, an error is logged and the queue is unchanged: the next call publishes
-    /// all of it, including what was published already. The same holds if a listener throws; the exception propagates.
+    /// If allocation fails inside cJSON, logs an error and leaves the queue unchanged: the next call publishes all of
+    /// it, including notifications that were published already. The same applies if a listener throws; the exception
+    /// propagates to the caller.
     OSTRA_EXPORT void PublishMessage();
 
     /// Returns the framework's SDK object, shared with the context; never null. Takes no lock.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// One service that the local device offers, and the service document that describes it to a peer.
+/// A service that the local device offers, and the service document that describes it to a peer.
 ///
 ///     OSTRADeviceService service;
 ///     service.deviceId_ = "d1";
@@ -27,20 +27,20 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 struct OSTRADeviceService {
     /// Replaces `out` with the service document: compact JSON in UTF-8, not null-terminated.
     ///
-    /// Nothing is validated; strings are written up to their first NUL. Returns OSTRA_JSON_SUCCESS, or
-    /// OSTRA_JSON_CREATE_FAILED, and logs an error, if the document cannot be built. Throws std::bad_alloc if `out`
-    /// cannot grow. `out` is unchanged on failure.
+    /// Does not validate the members; strings are written up to their first NUL. Returns OSTRA_JSON_SUCCESS, or
+    /// OSTRA_JSON_CREATE_FAILED, and logs an error, if allocation of the document fails. Throws std::bad_alloc if
+    /// allocation for `out` fails. `out` is unchanged on failure.
     OSTRA_EXPORT int32_t PackServiceData(std::vector<uint8_t> &out) const;
 
-    /// Returns one line for logs: identifiers and type masked, without the maps. Throws std::bad_alloc if allocation
-    /// fails.
+    /// Returns a one-line description for logs: identifiers, name and type, all masked. Throws std::bad_alloc if
+    /// allocation fails.
     OSTRA_EXPORT std::string String() const;
 
     std::string deviceId_;
     std::string deviceName_;
     std::string serviceId_;
     int32_t serviceType_ = 0;
-    std::map<std::string, std::string> properties_;  ///< "2102" holds the audio capabilities as a JSON document.
+    std::map<std::string, std::string> properties_;  ///< "2102" holds the audio capabilities, as JSON.
     std::map<std::string, std::string> status_;
 };
 

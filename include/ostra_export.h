@@ -2,15 +2,16 @@
  */
 
 /** @file
- * The mark of exported functions. Compiles as C and C++.
+ * Marks the functions that the shared library exports. Compiles as C and C++.
  *
- * Everything else has hidden visibility. The version script libostra_adapter_utils.map limits the exports, too.
+ * Everything else has hidden visibility. Exported functions must also be listed in the version script
+ * libostra_adapter_utils.map.
  */
 
 #ifndef OSTRA_EXPORT_H
 #define OSTRA_EXPORT_H
 
-/** Precedes each function that the shared library exports. */
+/** Gives a function default visibility, in front of its declaration. */
 #define OSTRA_EXPORT __attribute__((visibility("default")))
 
 #endif /* OSTRA_EXPORT_H */

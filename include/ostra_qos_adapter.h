@@ -2,14 +2,15 @@
  */
 
 /** @file
- * C functions for thread QoS and process authorisation. They need no C++ first.
+ * C interface of thread QoS and process authorization. Requires no C++ setup.
  *
  *     SetQos(level, tid);      // in C++: (int32_t)OHOS::QOS::QosLevel::QOS_USER_INITIATED, with qos.h
  *     ...
  *     ResetQos(tid);
  *
- * They pass their arguments to the platform, without validation or log. Thread-safe. Compiles as C and C++; qos.h, with
- * the names of the levels, is C++ only. Compile C callers with -fexceptions if they must unwind exceptions.
+ * The functions pass their arguments to the platform without validation, and log nothing. Thread-safe. Compiles as C
+ * and C++; qos.h, which defines the levels, is C++ only. Compile C callers with -fexceptions if exceptions must
+ * propagate through them.
  */
 
 #ifndef OSTRA_QOS_ADAPTER_H
@@ -25,21 +26,20 @@ extern "C" {
 
 /** Sets the QoS level of a thread of this process.
  *
- * `level` is the number of an OHOS::QOS::QosLevel, `tid` a thread id. Returns the platform's result: 0 for success. On
- * the host, throws std::bad_alloc if the level cannot be recorded; the thread may already be scheduled by it.
+ * `level` is the number of an OHOS::QOS::QosLevel, `tid` a thread id. Returns the platform's result, 0 for success. On
+ * the host, throws std::bad_alloc if allocation fails; the thread may then already be scheduled at the level.
  */
 OSTRA_EXPORT int32_t SetQos(int32_t level, int32_t tid);
 
 /** Removes the QoS level of a thread.
  *
- * Returns the platform's result: 0 for success. On the host, the first call of SetQos or ResetQos in a process throws
- * std::bad_alloc if allocation fails.
+ * Returns the platform's result, 0 for success. On the host, throws std::bad_alloc if allocation fails.
  */
 OSTRA_EXPORT int32_t ResetQos(int32_t tid);
 
-/** Requests authorisation of a process.
+/** Requests authorization of a process.
  *
- * `pid` is the process id in decimal; it must not be null and is passed on as it is. Throws std::bad_alloc if
+ * `pid` is the process id in decimal; it must not be null, and is passed on unchanged. Throws std::bad_alloc if
  * allocation fails.
  */
 OSTRA_EXPORT void RequestAuth(const char *pid);

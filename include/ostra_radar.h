@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// System events about the steps of the adapter's work: which stage of which business ran, in which package, and
-/// whether it succeeded. Programs that listen to the events include hisysevent_manager.h as well.
+/// System events that report the steps of the adapter's business flows: which stage of which business ran, in which
+/// package, and whether it succeeded. Programs that listen to the events include hisysevent_manager.h as well.
 ///
 ///     OstraRadar &radar = OstraRadar::GetInstance();
 ///     radar.SetCurBusinessId(2);
 ///     radar.AudioOpenRes(__func__, ret);        // 0 is success; other values are reported as ERROR_CODE
 ///
-/// Thread-safe once business id and process name are set.
+/// Thread-safe after the business id and the process name are set.
 
 #ifndef OSTRA_RADAR_H
 #define OSTRA_RADAR_H
@@ -29,46 +29,47 @@ inline const std::string ORG_PKG_NAME = "ostra_adapter";
 /// Package name of the platform's soft bus, for callers that report it as the called package.
 inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 
-/// The process-wide reporter of steps, one event each, with the business id and process name that all events share.
+/// The process-wide reporter of steps, which writes one event per step, with a common business id and process name.
 ///
-/// Operations that report a step take the function that ran it (`funcName`), 0 for success or any other value for
-/// failure (`errCode`), and the package that it called (`toCallPkg`), for instance SOFTBUS_PKG_NAME.
+/// The operations that report a step take the name of the function that ran it (`funcName`), its error code (`errCode`,
+/// 0 for success), and some the package that it called (`toCallPkg`), for instance SOFTBUS_PKG_NAME.
 ///
 /// They return true if the platform accepted the event. They return false, and log the platform's code as an error, if:
-/// - The platform refused it (code below 0), for instance because it accepts at most 100 events of one operation in
-///   about 5 seconds, with successes and failures counted separately.
-/// - The platform sent it with a warning (code above 0): truncated, or with a string that it finds too long.
+/// - The platform rejected it (code below 0), for instance because of its rate limit of 100 events per operation in
+///   about 5 seconds, which counts successes and failures separately.
+/// - The platform wrote it with a warning (code above 0): truncated, or with a string longer than its limit.
 ///
 /// EnableVirtualRes, AudioOpenRes, AudioCloseRes and DisconnectDeviceRes log "UpdatePortRes error", with their own name
 /// in the prefix.
 ///
 /// SetCurBusinessId and SetProcessName must not run while another thread reports; the other operations are thread-safe.
-/// All throw std::bad_alloc if a string cannot be allocated.
+/// All throw std::bad_alloc if allocation of a string fails.
 class OstraRadar {
 public:
-    /// Returns the only reporter, which is created by the first call and never destroyed.
+    /// Returns the reporter of the process, which the first call creates and which is never destroyed.
     OSTRA_EXPORT static OstraRadar &GetInstance();
 
     OstraRadar(const OstraRadar &) = delete;
     OstraRadar &operator=(const OstraRadar &) = delete;
 
-    /// Sets the business id of later events, their BIZ_SCENE; -1 until set. Any number is accepted.
+    /// Sets the business id (BIZ_SCENE) of later events; it is -1 until set. Any number is accepted.
     OSTRA_EXPORT void SetCurBusinessId(int businessId);
 
-    /// Sets the host package of later events, their HOST_PKG. If empty, as it is until set, the business id decides.
+    /// Sets the host package (HOST_PKG) of later events. If it is empty, which is the default, the business id
+    /// determines the package; see GetProcessName.
     OSTRA_EXPORT void SetProcessName(std::string processName);
 
-    /// Returns the host package: the process name if set, else the package of the business id (1:
-    /// car_distributed_engine, 2 and 3: collaboration_service, 10: CollaborationFwk), else an empty string.
+    /// Returns the host package: the process name if it is set, otherwise the package of the business id (1:
+    /// car_distributed_engine, 2 and 3: collaboration_service, 10: CollaborationFwk), otherwise an empty string.
     OSTRA_EXPORT std::string GetProcessName();
 
     /// Reports stage 1, the start of the service. `bizScene` replaces the business id in the event; `extra` is ignored.
     OSTRA_EXPORT bool ServiceStartRes(std::string funcName, int bizScene, std::string extra, int errCode);
     /// Reports stage 9, the stop of the service.
     OSTRA_EXPORT bool ServiceStopRes(std::string funcName, int errCode);
-    /// Reports stage 10, loading a service of the sink.
+    /// Reports stage 10, loading a sink service.
     OSTRA_EXPORT bool LoadSinkServiceRes(std::string funcName, int errCode);
-    /// Reports stage 11, unloading a service of the sink.
+    /// Reports stage 11, unloading a sink service.
     OSTRA_EXPORT bool UnLoadSinkServiceRes(std::string funcName, int errCode);
     /// Reports stage 2, connecting a device. The C function RadarWrite reports it, too.
     OSTRA_EXPORT bool ConnectDeviceRes(std::string funcName, int errCode, std::string toCallPkg);

@@ -2,14 +2,14 @@
  */
 
 /** @file
- * C functions for system events about the steps of the adapter's work.
+ * C interface of the events that report the steps of the adapter's business flows.
  *
  *     RadarWrite(__func__, result, "dsoftbus");
  *
- * **Need C++ first:** the events have business id -1 and no host package until the host calls
+ * **Requires C++ setup:** the events have business id -1 and an empty host package until the host process calls
  * OstraRadar::SetCurBusinessId or SetProcessName (ostra_radar.h) in C++; neither must run during a call. Otherwise
- * thread-safe. Throw std::bad_alloc if allocation fails: compile C callers with -fexceptions if they must unwind.
- * Compiles as C and C++.
+ * thread-safe. Throws std::bad_alloc if allocation fails: compile C callers with -fexceptions if exceptions must
+ * propagate through them. Compiles as C and C++.
  */
 
 #ifndef OSTRA_RADAR_ADAPTER_H
@@ -23,8 +23,8 @@ extern "C" {
 
 /** Reports the connection of a device; see OstraRadar::ConnectDeviceRes.
  *
- * `funcName` is the reporting function, `errCode` 0 for success or any other value for failure, `toCallPkg` the called
- * package. Neither string may be null.
+ * `funcName` is the name of the reporting function, `errCode` its error code (0 for success), `toCallPkg` the called
+ * package. Neither string may be null. Failures to write the event are only logged.
  */
 OSTRA_EXPORT void RadarWrite(const char *funcName, int errCode, const char *toCallPkg);
 

@@ -11,21 +11,21 @@ namespace {
 constexpr char CAPABILITIES_KEY[] = "2102";
 constexpr char DEFAULT_PROFILE[] = "48000,2,16;";
 constexpr size_t MAX_ENTRIES = 1000;
-constexpr uint32_t KNOWN_CODECS = 3;  // codes 0, 1 and 2; the bit of a code is 1 << code
+constexpr uint32_t KNOWN_CODEC_COUNT = 3;  // codecs 0, 1 and 2; the bit of a codec is 1 << codec
 
-struct CodeMeaning {
+struct CodeValue {
     int32_t code;
-    int32_t meaning;
+    int32_t value;
 };
-constexpr CodeMeaning CHANNEL_COUNTS[] = {{1, 1}, {3, 2}, {12, 2}, {16, 1}};
-constexpr CodeMeaning BITS_PER_SAMPLE[] = {{1, 16}, {2, 8}, {3, 32}, {4, 24}};
+constexpr CodeValue CHANNEL_COUNTS[] = {{1, 1}, {3, 2}, {12, 2}, {16, 1}};
+constexpr CodeValue BITS_PER_SAMPLE[] = {{1, 16}, {2, 8}, {3, 32}, {4, 24}};
 
 template <size_t SIZE>
-int32_t MeaningOf(const CodeMeaning (&table)[SIZE], int32_t code)
+int32_t ValueOfCode(const CodeValue (&table)[SIZE], int32_t code)
 {
-    for (const CodeMeaning &row : table) {
+    for (const CodeValue &row : table) {
         if (row.code == code) {
-            return row.meaning;
+            return row.value;
         }
     }
     return 0;
@@ -75,9 +75,9 @@ int32_t DHOSTRAAudioProperties::Unmarshal(const std::string &in)
     return OSTRA_JSON_SUCCESS;
 }
 
-int32_t DHOSTRAAudioProperties::UnmarshalAudioCapablities(const std::string &text)
+int32_t DHOSTRAAudioProperties::UnmarshalAudioCapablities(const std::string &json)
 {
-    if (text.empty()) {
+    if (json.empty()) {
         OSTRA_LOGE("DHOSTRAAudioProperties UnmarshalAudioCapablities audioCapablitiesStr is null");
         return OSTRA_JSON_INPUT_INVALID;
     }
@@ -85,7 +85,7 @@ int32_t DHOSTRAAudioProperties::UnmarshalAudioCapablities(const std::string &tex
         OSTRA_LOGE("profiles_ or codecs_ too large");
         return OSTRA_JSON_INPUT_INVALID;
     }
-    const JsonTree root = ParseJson(text);
+    const JsonTree root = ParseJson(json);
     if (root == nullptr) {
         OSTRA_LOGE("cJSON_Parse audioCapablitiesStr failed");
         return OSTRA_JSON_INPUT_INVALID;
@@ -153,7 +153,7 @@ void DHOSTRAAudioProperties::UpdataAudioCodec()
         return;
     }
     for (uint32_t codec : codecs_) {
-        if (codec < KNOWN_CODECS) {
+        if (codec < KNOWN_CODEC_COUNT) {
             audioCodecType_ |= 1U << codec;
         } else {
             OSTRA_LOGE("DHOSTRAAudioProperties UpdataAudioCodec current codec invalid, is %d",
@@ -185,12 +185,12 @@ void DHOSTRAAudioProperties::UpdateAudioProfiles()
 
 int32_t DHOSTRAAudioProperties::AudioChannelConvert(int32_t channel) const
 {
-    return MeaningOf(CHANNEL_COUNTS, channel);
+    return ValueOfCode(CHANNEL_COUNTS, channel);
 }
 
 int32_t DHOSTRAAudioProperties::AudioFormatConvert(int32_t format) const
 {
-    return MeaningOf(BITS_PER_SAMPLE, format);
+    return ValueOfCode(BITS_PER_SAMPLE, format);
 }
 
 std::string DHOSTRAAudioProperties::String() const

@@ -47,7 +47,7 @@ int32_t DHOSTRADeviceJson::AddProperties()
         OSTRA_LOGE("DHOSTRADeviceJson AddProperties failed, cJSON versionMapRoot is nullptr");
         return OSTRA_JSON_CREATE_FAILED;
     }
-    // The peer parses the table a second time: it is a JSON document inside a string, not an object.
+    // The table is a string that contains JSON, not an object: the peer parses it separately.
     JsonObject supportVersionRoot;
     supportVersionRoot.AddString(SUPPORTED_VERSIONS_KEY, versionMap.get());
     const JsonString supportVersion = supportVersionRoot.Print();
@@ -87,12 +87,12 @@ int32_t DHOSTRADeviceJson::Marshal(std::string &out)
         }
         document.Add("properties", std::move(properties));
     }
-    const JsonString text = document.Print();
-    if (text == nullptr) {
+    const JsonString json = document.Print();
+    if (json == nullptr) {
         OSTRA_LOGE("DHOSTRADeviceJson Marshal failed, cJSON jsonObj is nullptr");
         return OSTRA_JSON_CREATE_FAILED;
     }
-    out = text.get();
+    out = json.get();
     return OSTRA_JSON_SUCCESS;
 }
 

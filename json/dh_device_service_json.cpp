@@ -17,18 +17,18 @@ void ReadString(const cJSON *root, const char *key, std::string &member)
     }
 }
 
-// Reads an object as compact JSON. Returns false if it cannot be printed.
+// Stores an object as compact JSON. A missing object is not an error. Returns false if allocation fails.
 bool ReadObject(const cJSON *root, const char *key, std::string &member)
 {
     const cJSON *item = cJSON_GetObjectItem(root, key);
     if (cJSON_IsObject(item) == 0) {
         return true;
     }
-    const JsonString text(cJSON_PrintUnformatted(item));
-    if (text == nullptr) {
+    const JsonString json(cJSON_PrintUnformatted(item));
+    if (json == nullptr) {
         return false;
     }
-    member = text.get();
+    member = json.get();
     return true;
 }
 

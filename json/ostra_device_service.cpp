@@ -46,14 +46,14 @@ int32_t OSTRADeviceService::PackServiceData(std::vector<uint8_t> &out) const
         return OSTRA_JSON_CREATE_FAILED;
     }
     document.AddObject("status", std::move(status));
-    const JsonString text = document.PrintUnformatted();
-    if (text == nullptr) {
+    const JsonString json = document.PrintUnformatted();
+    if (json == nullptr) {
         OSTRA_LOGE("OSTRADeviceService PackServiceData failed, cJSON jsonObject is nullptr");
         return OSTRA_JSON_CREATE_FAILED;
     }
-    const size_t length = std::strlen(text.get());
-    out.reserve(length);  // assign may free the old bytes before it allocates the new ones
-    out.assign(text.get(), text.get() + length);
+    const size_t length = std::strlen(json.get());
+    out.reserve(length);  // assign alone may free the old bytes before it allocates, and then throw
+    out.assign(json.get(), json.get() + length);
     return OSTRA_JSON_SUCCESS;
 }
 

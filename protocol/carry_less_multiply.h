@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Carry-less multiplication of 64-bit numbers, where the target has it: CARRY_LESS_MULTIPLY says whether the rest is
-// there. Functions that call CarryLessMultiply need the attribute CARRY_LESS_TARGET.
+// Carry-less multiplication of 64-bit numbers. CARRY_LESS_MULTIPLY is 1 if the target architecture supports it; the
+// other names, except Block, are defined only then. Functions that call CarryLessMultiply need the attribute
+// CARRY_LESS_TARGET.
 
 #ifndef CARRY_LESS_MULTIPLY_H
 #define CARRY_LESS_MULTIPLY_H

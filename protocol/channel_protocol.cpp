@@ -27,6 +27,7 @@ constexpr bool HasStopBit(uint8_t byte)
     return (byte & EA_STOP_BIT) != 0;
 }
 
+// EA is the varint encoding of a frame's header value: see docs/wire-formats.md.
 using EncodedEA = std::array<uint8_t, MAX_EA_LENGTH>;
 
 // Encodes the low 28 bits of `value` and returns the number of bytes used.
@@ -44,7 +45,7 @@ int EncodeEA(uint32_t value, EncodedEA &ea)
     return length;
 }
 
-// Reads the groups of bytes[begin .. end-1]; a field without a stop bit ends at `end`.
+// Decodes the header value in bytes[begin .. end-1]; without a stop bit it ends at `end`.
 UnPackagedEA DecodeEA(const uint8_t *bytes, int begin, int end)
 {
     UnPackagedEA ea;

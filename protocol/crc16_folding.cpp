@@ -13,19 +13,21 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 namespace {
 
-// A block is 16 bytes of the message as a polynomial, reflected like a remainder: the low half holds the higher powers.
+// A block is 16 bytes of the message as a polynomial. Like a remainder it is reflected: the low half holds the higher
+// powers of x.
 constexpr size_t BLOCK_BYTES = sizeof(Block);
 constexpr size_t LANES = 4;
 constexpr size_t STEP_BYTES = LANES * BLOCK_BYTES;
 
-// Returns the factors that move a block ahead by `bytes`, after "Fast CRC Computation for Generic Polynomials Using
-// PCLMULQDQ Instruction" (Gopal et al., 2009). A block is low * x^64 + high; times x^n, n = 8 * bytes, it leaves the
-// same remainder as
+// Returns the constants that fold a block over a distance of `bytes`, as in "Fast CRC Computation for Generic
+// Polynomials Using PCLMULQDQ Instruction" (Gopal et al., 2009). A block is low * x^64 + high. Multiplied by x^n,
+// n = 8 * bytes, it has the same remainder as
 //     low * (x^(n + 64) mod P) + high * (x^n mod P),
-// which again has less than 128 bits: any distance costs two multiplications and an addition. The product of two
-// reflected 64-bit numbers is one bit short of 128, which counts as a factor x, so both powers are one lower. The
-// remainder's 16 bits belong to the low powers: the top of a reflected number.
-constexpr Block Ahead(size_t bytes)
+// which has less than 128 bits again: folding costs two multiplications and an addition, whatever the distance. The
+// product of two reflected 64-bit numbers has 127 bits; read as a reflected 128-bit number it has an additional factor
+// x, so both powers are lower by one. The 16 bits of a remainder are the low powers of x: the top bits of a reflected
+// number.
+constexpr Block FoldConstants(size_t bytes)
 {
     constexpr uint16_t one = 0x8000;
     constexpr int top = 64 - 16;
@@ -33,8 +35,8 @@ constexpr Block Ahead(size_t bytes)
     return Block{uint64_t{TimesPowerOfX(one, n + 64 - 1)} << top, uint64_t{TimesPowerOfX(one, n - 1)} << top};
 }
 
-constexpr Block STEP_AHEAD = Ahead(STEP_BYTES);
-constexpr Block BLOCK_AHEAD = Ahead(BLOCK_BYTES);
+constexpr Block FOLD_BY_STEP = FoldConstants(STEP_BYTES);
+constexpr Block FOLD_BY_BLOCK = FoldConstants(BLOCK_BYTES);
 
 inline Block Load(const uint8_t *data)
 {
@@ -58,15 +60,15 @@ CARRY_LESS_TARGET uint16_t ExtendCrc16ByFolding(uint16_t crc, const uint8_t *dat
     for (data += STEP_BYTES, length -= STEP_BYTES; length >= STEP_BYTES; data += STEP_BYTES, length -= STEP_BYTES) {
 #pragma GCC unroll 4
         for (size_t lane = 0; lane < LANES; ++lane) {
-            lanes[lane] = CarryLessMultiply(lanes[lane], STEP_AHEAD) ^ Load(data + lane * BLOCK_BYTES);
+            lanes[lane] = CarryLessMultiply(lanes[lane], FOLD_BY_STEP) ^ Load(data + lane * BLOCK_BYTES);
         }
     }
     Block last = lanes[0];
     for (size_t lane = 1; lane < LANES; ++lane) {
-        last = CarryLessMultiply(last, BLOCK_AHEAD) ^ lanes[lane];
+        last = CarryLessMultiply(last, FOLD_BY_BLOCK) ^ lanes[lane];
     }
     for (; length >= BLOCK_BYTES; data += BLOCK_BYTES, length -= BLOCK_BYTES) {
-        last = CarryLessMultiply(last, BLOCK_AHEAD) ^ Load(data);
+        last = CarryLessMultiply(last, FOLD_BY_BLOCK) ^ Load(data);
     }
     std::array<uint8_t, BLOCK_BYTES> bytes{};
     std::memcpy(bytes.data(), &last, bytes.size());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The implementations behind ExtendCrc16, each with its contract, slowest first.
+// The implementations of ExtendCrc16, from the slowest to the fastest.
 
 #ifndef CRC16_INTERNAL_H
 #define CRC16_INTERNAL_H
@@ -10,17 +10,17 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// One table look-up per byte.
+// One table lookup per byte.
 uint16_t ExtendCrc16ByByte(uint16_t crc, const uint8_t *data, size_t length);
 
-// Sixteen independent table look-ups per sixteen bytes.
+// Sixteen independent table lookups per 16 bytes.
 uint16_t ExtendCrc16ByTables(uint16_t crc, const uint8_t *data, size_t length);
 
-// Carry-less multiplication, 64 bytes per step.
+// Folding by carry-less multiplication, 64 bytes per step.
 // REQUIRES: HasCarryLessMultiplication()
 uint16_t ExtendCrc16ByFolding(uint16_t crc, const uint8_t *data, size_t length);
 
-// Returns whether this processor has carry-less multiplication: PCLMULQDQ on x86-64, PMULL on 64-bit Arm.
+// Returns true if this processor has carry-less multiplication: PCLMULQDQ on x86-64, PMULL on 64-bit Arm.
 bool HasCarryLessMultiplication();
 
 // Multiplies a remainder by x^power. Remainders are reflected, like the bits of the message: bit 15 is the coefficient

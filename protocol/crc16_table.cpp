@@ -11,7 +11,7 @@ namespace {
 constexpr size_t BLOCK_BYTES = 16;
 using Table = std::array<uint16_t, 256>;
 
-// Row k is the effect of a byte that is followed by k more bytes; row 0 is the usual table of a byte-wise CRC.
+// Row k holds the CRCs of a byte that is followed by k bytes of value 0; row 0 is the usual table of a byte-wise CRC.
 constexpr std::array<Table, BLOCK_BYTES> MakeTables()
 {
     std::array<Table, BLOCK_BYTES> tables{};
@@ -45,7 +45,7 @@ uint16_t ExtendCrc16ByTables(uint16_t crc, const uint8_t *data, size_t length)
         for (size_t i = sizeof(crc); i < BLOCK_BYTES; ++i) {
             next ^= TABLES[BLOCK_BYTES - 1 - i][data[i]];
         }
-        // Last, so that only these two look-ups wait for the step before.
+        // Last, so that only these two lookups depend on the previous step.
         next ^= TABLES[BLOCK_BYTES - 1][data[0] ^ (crc & 0xFF)];
         next ^= TABLES[BLOCK_BYTES - 2][data[1] ^ (crc >> CHAR_BIT)];
         crc = static_cast<uint16_t>(next);

@@ -1,24 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <cJSON.h>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <memory>
-#include <utility>
 
-#include "input.h"
+#include "inspect.h"
 #include "ostra_radar.h"
-#include "subjects.h"
 
 using OHOS::DistributedHardware::OstraAdapter::ADAPTER_BEHAVIOR_EVENT;
 using OHOS::DistributedHardware::OstraAdapter::OSTRA_DOMAIN;
@@ -31,226 +22,149 @@ constexpr std::array<const char *, 11> STAGES = {
     "AudioOpenRes",         "AudioCloseRes",    "DisconnectDeviceRes", "ServiceStopRes", "LoadSinkServiceRes",
     "UnLoadSinkServiceRes",
 };
-constexpr int SUCCESS = 1;
-constexpr int NANOSECONDS_PER_MS = 1000000;
-constexpr int MS_PER_SECOND = 1000;
+constexpr int SUCCESS = 1;                    // of STAGE_RES
+constexpr size_t MAX_EVENT_BYTES = 1U << 20;  // more than the platform takes; a longer line is not parsed
+constexpr std::array<size_t, 7> WIDTHS = {23, 7, 22, 8, 20, 16, 0};
 
-// The event of one line; its members are read by name.
-class Event {
-public:
-    explicit Event(const std::string &line) : fields_(cJSON_Parse(line.c_str()), &cJSON_Delete)
-    {
-    }
-
-    bool IsOfLibrary() const
-    {
-        return Text("domain_") == OSTRA_DOMAIN && Text("name_") == ADAPTER_BEHAVIOR_EVENT && Has("BIZ_STAGE") &&
-               Has("STAGE_RES");
-    }
-
-    bool Has(const char *key) const
-    {
-        return cJSON_GetObjectItemCaseSensitive(fields_.get(), key) != nullptr;
-    }
-
-    std::string Text(const char *key) const
-    {
-        const char *const text = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(fields_.get(), key));
-        return text == nullptr ? "" : text;
-    }
-
-    int64_t Number(const char *key) const
-    {
-        const cJSON *const item = cJSON_GetObjectItemCaseSensitive(fields_.get(), key);
-        constexpr double mostExact = 9007199254740992.0;  // 2^53
-        const bool isInteger = cJSON_IsNumber(item) != 0 && std::fabs(item->valuedouble) <= mostExact;
-        return isInteger ? static_cast<int64_t>(item->valuedouble) : 0;
-    }
-
-private:
-    std::unique_ptr<cJSON, decltype(&cJSON_Delete)> fields_;
-};
-
-std::string StageName(int64_t stage)
+const cJSON *Member(const cJSON *object, const char *key)
 {
-    const bool isKnown = stage >= 1 && stage <= static_cast<int64_t>(STAGES.size());
-    return isKnown ? STAGES[static_cast<size_t>(stage) - 1] : "stage " + std::to_string(stage);
+    return cJSON_GetObjectItemCaseSensitive(object, key);
+}
+
+bool IsFailure(const cJSON *event)
+{
+    return cJSON_IsTrue(Member(event, "success")) == 0;
+}
+
+std::string StageName(const cJSON *stage)
+{
+    const bool isKnown =
+        cJSON_IsNumber(stage) != 0 && stage->valueint >= 1 && stage->valueint <= static_cast<int>(STAGES.size());
+    return isKnown ? STAGES[static_cast<size_t>(stage->valueint) - 1] : "unknown";
 }
 
 // Local time with milliseconds.
-std::string TimeText(int64_t epochMs)
+std::string TimeText(const cJSON *epochMs)
 {
-    const auto seconds = static_cast<time_t>(epochMs / MS_PER_SECOND);
+    constexpr double maxTime = 253402300799999;  // the end of the year 9999
+    constexpr int64_t msPerSecond = 1000;
+    if (cJSON_IsNumber(epochMs) == 0 || epochMs->valuedouble < 0 || epochMs->valuedouble > maxTime) {
+        return Cell(epochMs);
+    }
+    const auto ms = static_cast<int64_t>(epochMs->valuedouble);
+    const auto seconds = static_cast<time_t>(ms / msPerSecond);
     tm local{};
     localtime_r(&seconds, &local);
     char day[32];
-    char text[40];
     std::strftime(day, sizeof(day), "%Y-%m-%d %H:%M:%S", &local);
-    std::snprintf(text, sizeof(text), "%s.%03d", day, static_cast<int>(epochMs % MS_PER_SECOND));
-    return text;
+    return std::string(day) + "." + std::to_string(msPerSecond + ms % msPerSecond).substr(1);
 }
 
-Report EventReport(const Event &event)
+std::string ResultText(const cJSON *event)
 {
-    Report report;
-    report.Add("time", event.Has("time_") ? Report::Value(event.Number("time_")) : Report::Value());
-    report.Add("pid", event.Has("pid_") ? Report::Value(event.Number("pid_")) : Report::Value());
-    report.Add("host", event.Text("HOST_PKG"));
-    report.Add("scenario", event.Number("BIZ_SCENE"));
-    report.Add("stage", event.Number("BIZ_STAGE"));
-    report.Add("operation", StageName(event.Number("BIZ_STAGE")));
-    report.Add("function", event.Text("FUNC"));
-    if (event.Has("TO_CALL_PKG")) {
-        report.Add("called", event.Text("TO_CALL_PKG"));
-    }
-    report.Add("success", event.Number("STAGE_RES") == SUCCESS);
-    report.Add("error_code", event.Number("ERROR_CODE"));
-    return report;
+    const cJSON *const name = Member(event, "error_name");
+    return IsFailure(event)
+               ? "FAILED, error " + Cell(Member(event, "error_code")) + (name == nullptr ? "" : " " + Cell(name))
+               : "ok";
 }
 
-std::string EventLine(const Event &event)
+std::string Row(const std::array<std::string, WIDTHS.size()> &cells)
 {
-    const auto orDash = [](const std::string &text) {
-        return text.empty() ? std::string("-") : Printable(text);
-    };
-    const bool isFailure = event.Number("STAGE_RES") != SUCCESS;
-    const std::string time = event.Has("time_") ? TimeText(event.Number("time_")) : "-";
-    char columns[128];
-    std::snprintf(columns, sizeof(columns), "  scenario %-2lld  %-20s  ",
-                  static_cast<long long>(event.Number("BIZ_SCENE")), StageName(event.Number("BIZ_STAGE")).c_str());
-    std::string host = orDash(event.Text("HOST_PKG"));
-    constexpr size_t hostWidth = 22;
-    host.resize(std::max(host.size(), hostWidth), ' ');
-    std::string line = time + "  " + host + columns;
-    line += isFailure ? "FAILED, error " + std::to_string(event.Number("ERROR_CODE")) : "ok";
-    line += "  (" + orDash(event.Text("FUNC"));
-    line += event.Has("TO_CALL_PKG") ? " calls " + orDash(event.Text("TO_CALL_PKG")) + ")" : ")";
-    return line;
+    std::string row;
+    for (size_t i = 0; i < cells.size(); ++i) {
+        row += (i == 0 ? "" : "  ") + Padded(cells[i], WIDTHS[i]);
+    }
+    return row;
 }
 
-class EventPrinter {
-public:
-    explicit EventPrinter(bool isJson) : isJson_(isJson)
-    {
-        const char *const noColor = std::getenv("NO_COLOR");
-        isColored_ = isatty(STDOUT_FILENO) != 0 && (noColor == nullptr || *noColor == '\0');
-    }
+bool IsShown(const cJSON *event, const EventOptions &options)
+{
+    const cJSON *const pid = Member(event, "pid");
+    const bool isOfProcess = !options.pid || (cJSON_IsNumber(pid) != 0 && pid->valueint == *options.pid);
+    return (IsFailure(event) || !options.isFailedOnly) && isOfProcess;
+}
 
-    void Print(const std::string &text)
-    {
-        ++lines_;
-        const Event event(text);
-        if (!event.IsOfLibrary()) {
-            firstForeign_ = foreign_++ == 0 ? lines_ : firstForeign_;
-            return;
-        }
-        const bool isMarked = isColored_ && !isJson_ && event.Number("STAGE_RES") != SUCCESS;
-        const std::string line = isJson_ ? ToJson(EventReport(event), false) : EventLine(event);
-        std::printf("%s%s%s\n", isMarked ? "\033[1;31m" : "", line.c_str(), isMarked ? "\033[0m" : "");
-        std::fflush(stdout);
+void Print(const cJSON *event, const EventOptions &options, bool isFirst)
+{
+    const char *const noColor = std::getenv("NO_COLOR");
+    const bool isColored = IsFailure(event) && isatty(STDOUT_FILENO) != 0 && (noColor == nullptr || *noColor == '\0');
+    if (options.isJson) {
+        std::printf("%s\n", ToJson(event, false).c_str());
+    } else {
+        const std::string heading = Row({"time", "pid", "host", "scenario", "operation", "result", "function"}) + "\n";
+        std::printf("%s%s%s%s\n", isFirst ? heading.c_str() : "", isColored ? "\033[1;31m" : "",
+                    EventRow(event).c_str(), isColored ? "\033[0m" : "");
     }
-
-    // Raises InputError when there were lines of another kind.
-    void Finish() const
-    {
-        if (foreign_ > 0) {
-            throw InputError(std::to_string(foreign_) + " of " + std::to_string(lines_) +
-                             " lines are no events of the library, the first is line " + std::to_string(firstForeign_));
-        }
-    }
-
-private:
-    bool isJson_;
-    bool isColored_ = false;
-    size_t lines_ = 0;
-    size_t foreign_ = 0;
-    size_t firstForeign_ = 0;
-};
-
-// A file that is read line by line as it grows.
-class LineReader {
-public:
-    LineReader(const std::string &path, bool isFollowed) : name_(path == "-" ? "standard input" : path)
-    {
-        descriptor_ = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        struct stat status {};
-        if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) {
-            throw InputError(name_ + ": " + std::strerror(errno));
-        }
-        isFollowed_ = isFollowed && S_ISREG(status.st_mode);  // anything else tells itself when it has ended
-    }
-    ~LineReader()
-    {
-        if (descriptor_ > STDIN_FILENO) {
-            close(descriptor_);
-        }
-    }
-    LineReader(const LineReader &) = delete;
-    LineReader &operator=(const LineReader &) = delete;
-
-    // Gives the next line without its end; false at the end of what is not followed.
-    bool Next(std::string &line)
-    {
-        size_t end = pending_.find('\n');
-        for (; end == std::string::npos; end = pending_.find('\n')) {
-            if (!ReadMore()) {
-                line = std::exchange(pending_, {});
-                return !line.empty();
-            }
-        }
-        line = pending_.substr(0, end);
-        pending_.erase(0, end + 1);
-        return true;
-    }
-
-private:
-    bool ReadMore()
-    {
-        char piece[4096];
-        for (;;) {
-            const ssize_t count = read(descriptor_, piece, sizeof(piece));
-            if (count > 0) {
-                pending_.append(piece, static_cast<size_t>(count));
-                return true;
-            }
-            if (count < 0 && errno != EINTR) {
-                throw InputError(name_ + ": " + std::strerror(errno));
-            }
-            if (count == 0 && !isFollowed_) {
-                return false;
-            }
-            StartOverIfCut();
-            constexpr timespec pause = {0, 100 * NANOSECONDS_PER_MS};
-            nanosleep(&pause, nullptr);
-        }
-    }
-
-    // A file that became shorter is a new one.
-    void StartOverIfCut()
-    {
-        struct stat status {};
-        if (isFollowed_ && fstat(descriptor_, &status) == 0 && status.st_size < lseek(descriptor_, 0, SEEK_CUR)) {
-            lseek(descriptor_, 0, SEEK_SET);
-            pending_.clear();
-        }
-    }
-
-    std::string name_;
-    std::string pending_;
-    int descriptor_ = -1;
-    bool isFollowed_ = false;
-};
+    std::fflush(stdout);  // for those who follow a pipe
+}
 
 }  // namespace
 
-void PrintEvents(const EventOptions &options)
+JsonTree ParseEvent(const std::string &line)
 {
-    LineReader lines(options.path, options.isFollowed);
-    EventPrinter printer(options.isJson);
-    for (std::string line; lines.Next(line);) {
-        if (!line.empty()) {
-            printer.Print(line);
+    const JsonTree fields(line.size() > MAX_EVENT_BYTES ? nullptr : cJSON_Parse(line.c_str()));
+    const auto field = [&fields](const char *key) {
+        return Member(fields.get(), key);
+    };
+    if (Cell(field("domain_")) != OSTRA_DOMAIN || Cell(field("name_")) != ADAPTER_BEHAVIOR_EVENT ||
+        cJSON_IsNumber(field("BIZ_STAGE")) == 0 || cJSON_IsNumber(field("STAGE_RES")) == 0) {
+        return nullptr;
+    }
+    JsonTree event = NewObject();
+    AddCopy(event.get(), "time", field("time_"));
+    AddCopy(event.get(), "pid", field("pid_"));
+    AddCopy(event.get(), "host", field("HOST_PKG"));
+    AddCopy(event.get(), "scenario", field("BIZ_SCENE"));
+    AddCopy(event.get(), "stage", field("BIZ_STAGE"));
+    AddString(event.get(), "operation", StageName(field("BIZ_STAGE")));
+    AddCopy(event.get(), "function", field("FUNC"));
+    if (field("TO_CALL_PKG") != nullptr) {
+        AddCopy(event.get(), "called", field("TO_CALL_PKG"));
+    }
+    const bool isSuccess = field("STAGE_RES")->valueint == SUCCESS;
+    const cJSON *const code = field("ERROR_CODE");
+    cJSON_AddBoolToObject(event.get(), "success", isSuccess ? 1 : 0);
+    AddNumber(event.get(), "error_code", cJSON_IsNumber(code) != 0 ? code->valueint : 0);
+    if (!isSuccess && cJSON_IsNumber(code) != 0 && !ResultName(code->valueint).empty()) {
+        AddString(event.get(), "error_name", ResultName(code->valueint));
+    }
+    return event;
+}
+
+std::string EventRow(const cJSON *event)
+{
+    const cJSON *const called = Member(event, "called");
+    return Row({TimeText(Member(event, "time")), Cell(Member(event, "pid")), Cell(Member(event, "host")),
+                Cell(Member(event, "scenario")), Cell(Member(event, "operation")), ResultText(event),
+                Cell(Member(event, "function")) + (called == nullptr ? "" : " calls " + Cell(called))});
+}
+
+void PrintEvents(const std::string &path, const EventOptions &options)
+{
+    const InputFile file = OpenInput(path);
+    size_t lines = 0;
+    size_t others = 0;
+    size_t firstOther = 0;
+    size_t printed = 0;
+    char *buffer = nullptr;
+    size_t capacity = 0;
+    while (getline(&buffer, &capacity, file.get()) >= 0) {
+        ++lines;
+        const std::string line = buffer;
+        const JsonTree event = ParseEvent(line);
+        if (event != nullptr && IsShown(event.get(), options)) {
+            Print(event.get(), options, printed++ == 0);
+        }
+        if (event == nullptr && line.find_first_not_of("\r\n") != std::string::npos) {
+            firstOther = others++ == 0 ? lines : firstOther;
         }
     }
-    printer.Finish();
+    std::free(buffer);
+    if (std::feof(file.get()) == 0) {
+        throw InputError(path + ": " + std::strerror(errno));
+    }
+    if (others > 0) {
+        throw InputError(std::to_string(others) + " of " + std::to_string(lines) +
+                         " lines are not events of the library, the first is line " + std::to_string(firstOther));
+    }
 }

@@ -1,108 +1,127 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include <climits>
+#include <utility>
 
 #include "channel_protocol.h"
-#include "input.h"
-#include "subjects.h"
+#include "dh_utils_tools.h"
+#include "inspect.h"
 
 using OHOS::DistributedHardware::OstraAdapter::ChannelProtocol;
+using OHOS::DistributedHardware::OstraAdapter::OSTRAIntToByte;
 using OHOS::DistributedHardware::OstraAdapter::UnPackagedEA;
 
 namespace {
 
-constexpr int LONGEST_HEADER = 4;
-constexpr uint32_t EA_BITS = 28;
-constexpr int OFFSET_DIGITS = 4;
-constexpr size_t ROW = 16;
-constexpr size_t MOST_ROWS = 32;
+constexpr int MAX_HEADER = 4;  // bytes
+constexpr uint32_t HEADER_VALUE_BITS = 28;
+constexpr int HEX = 16;
+constexpr int CRC_DIGITS = 4;
+constexpr size_t PREFIX_BYTES = 8;  // that the example pair sends ahead of each frame: size and CRC
+constexpr size_t SIZE_BYTES = 4;
 
-// Offset, bytes and characters, 16 bytes a line.
-std::string HexView(const std::string &bytes)
+uint32_t Crc(const std::string &bytes, size_t begin)
 {
-    std::string view;
-    for (size_t begin = 0; begin < bytes.size(); begin += ROW) {
-        if (begin == MOST_ROWS * ROW) {
-            return view + "... " + std::to_string(bytes.size() - begin) + " more\n";
-        }
-        const std::string row = bytes.substr(begin, ROW);
-        std::string hex = ToHex(row);
-        hex.resize(ROW * 3, ' ');
-        std::string characters;
-        for (const char byte : row) {
-            characters += byte >= ' ' && byte <= '~' ? byte : '.';
-        }
-        view += ToHex(static_cast<uint32_t>(begin), OFFSET_DIGITS);
-        view.append("  ").append(hex).append(" |").append(characters).append("|\n");
-    }
-    return view;
+    // The library takes a pointer to mutable bytes and only reads them.
+    auto *const data = reinterpret_cast<unsigned char *>(const_cast<char *>(bytes.data()));
+    return ChannelProtocol().GetCrc(data + begin, static_cast<int>(bytes.size() - begin));
 }
 
-std::string CrcText(ChannelProtocol &frame, int begin)
+void AddPrefixHint(List &warnings, const std::string &bytes)
 {
-    return ToHex(frame.GetCrc(frame.GetBuffer() + begin, frame.GetBufferSize() - begin), 4);
+    if (bytes.size() <= PREFIX_BYTES) {
+        return;
+    }
+    std::string prefix(PREFIX_BYTES, '\0');
+    auto *const begin = reinterpret_cast<uint8_t *>(prefix.data());
+    OSTRAIntToByte(static_cast<uint32_t>(bytes.size() - PREFIX_BYTES), begin, SIZE_BYTES);
+    OSTRAIntToByte(Crc(bytes, PREFIX_BYTES), begin + SIZE_BYTES, PREFIX_BYTES - SIZE_BYTES);
+    if (bytes.compare(0, SIZE_BYTES, prefix, 0, SIZE_BYTES) == 0) {
+        const bool isIntact = bytes.rfind(prefix, 0) == 0;
+        warnings.Add("the first 8 bytes look like the size and CRC that channel_pair sends ahead of a frame (the CRC " +
+                     std::string(isIntact ? "matches" : "differs: corrupted") + "); use --skip 8");
+    }
 }
 
-// How many bytes the writer takes for the value.
-int NeededBytes(uint32_t value)
+void AddWarnings(cJSON *report, const std::string &bytes, const UnPackagedEA &header)
 {
-    ChannelProtocol frame;
-    return frame.Create(static_cast<int>(value), 0) ? frame.GetBufferSize() : LONGEST_HEADER;
-}
-
-Report Warnings(const ChannelProtocol &frame, const UnPackagedEA &ea)
-{
-    Report warnings("warnings", Report::Shape::LIST);
-    const auto warn = [&warnings](const std::string &text) {
-        warnings.Add("", text);
-    };
-    const bool hasEnd = ChannelProtocol::HasEA(frame.GetBuffer()[ea.offset - 1]);
-    if (!hasEnd && ea.offset == LONGEST_HEADER) {
-        const int64_t negative = static_cast<int64_t>(ea.value) - (int64_t{1} << EA_BITS);
-        warn("the header value has no end mark; a writer does so for a negative value, such as " +
-             std::to_string(negative));
-    } else if (!hasEnd) {
-        warn("the header value has no end mark: the frame ends within it");
+    List warnings(report, "warnings");
+    const auto size = static_cast<size_t>(header.offset);
+    const bool hasStopBit = ChannelProtocol::HasEA(static_cast<unsigned char>(bytes[size - 1]));
+    ChannelProtocol shortest;
+    shortest.Create(static_cast<int>(header.value), 0);
+    if (!hasStopBit && header.offset == MAX_HEADER) {
+        const int64_t negative = static_cast<int64_t>(header.value) - (int64_t{1} << HEADER_VALUE_BITS);
+        warnings.Add("the header value has no stop bit; a writer encodes a negative value so, such as " +
+                     std::to_string(negative));
+    } else if (!hasStopBit) {
+        warnings.Add("truncated: the frame ends within the header value, which has no stop bit");
+    } else if (shortest.GetBufferSize() < header.offset) {
+        warnings.Add("overlong encoding: the header value has " + std::to_string(header.offset) + " bytes and needs " +
+                     std::to_string(shortest.GetBufferSize()));
     }
-    const int needed = NeededBytes(ea.value);
-    if (hasEnd && needed < ea.offset) {
-        warn("the header value has needless groups: it takes " + std::to_string(ea.offset) + " bytes and needs " +
-             std::to_string(needed));
+    if (bytes.size() == size) {
+        warnings.Add("the frame has no content");
     }
-    if (frame.GetBufferSize() == ea.offset) {
-        warn("the frame ends with its header: there is no content");
+    if (bytes.find_first_not_of("0123456789abcdefABCDEFxX, \t\r\n") == std::string::npos && bytes.size() > 1) {
+        warnings.Add("the input looks like hexadecimal digits, not bytes; xxd -r -p converts it");
     }
-    return warnings;
+    AddPrefixHint(warnings, bytes);
 }
 
 }  // namespace
 
-Finding InspectFrame(const std::string &bytes)
+std::string HexView(const std::string &bytes)
 {
+    constexpr size_t rowBytes = 16;
+    constexpr size_t maxBytes = 32 * rowBytes;
+    constexpr int offsetDigits = 4;
+    std::string view;
+    for (size_t begin = 0; begin < bytes.size(); begin += rowBytes) {
+        if (begin == maxBytes) {
+            return view + "  ... " + std::to_string(bytes.size() - begin) + " more bytes\n";
+        }
+        const std::string row = bytes.substr(begin, rowBytes);
+        view +=
+            "  " + ToHex(static_cast<uint32_t>(begin), offsetDigits) + "  " + Padded(ToHex(row), rowBytes * 3) + " |";
+        for (const char byte : row) {
+            view += byte >= ' ' && byte <= '~' ? byte : '.';
+        }
+        view += "|\n";
+    }
+    return view;
+}
+
+Finding InspectFrame(std::string bytes, const FrameOptions &options)
+{
+    if (bytes.size() <= options.skip) {
+        throw InputError("truncated: the input has " + std::to_string(bytes.size()) + " bytes, and " +
+                         std::to_string(options.skip) + " are skipped");
+    }
+    bytes.erase(0, options.skip);
     if (bytes.size() > INT_MAX) {
         throw InputError("a frame has at most " + std::to_string(INT_MAX) + " bytes");
     }
     Finding finding;
     ChannelProtocol frame;
-    UnPackagedEA ea;
-    std::string copy = bytes;
-    if (!frame.CreateFromBuffer(reinterpret_cast<unsigned char *>(copy.data()), static_cast<int>(copy.size())) ||
-        !frame.ReadEA(ea, 0)) {
-        finding.log = TakeLog();
-        finding.refusal = "no frame: " + Reasons(finding.log, "not enough memory");
-        return finding;
+    UnPackagedEA header;
+    if (!frame.CreateFromBuffer(reinterpret_cast<unsigned char *>(bytes.data()), static_cast<int>(bytes.size())) ||
+        !frame.ReadEA(header, 0)) {
+        throw InputError("not a frame: " + TakeReasons());
     }
-    const std::string content = bytes.substr(static_cast<size_t>(ea.offset));
-    Report &report = finding.report;
-    report.Add("value", ea.value, std::to_string(ea.value) + " (0x" + ToHex(ea.value, 1) + ")");
-    report.Add("header", ToHex(bytes.substr(0, static_cast<size_t>(ea.offset))));
-    report.Add("offset", ea.offset);
-    report.Add("content_length", frame.GetBufferSize() - ea.offset);
-    report.Add("crc", CrcText(frame, 0));
-    report.Add("content_crc", CrcText(frame, ea.offset));
-    report.Add("content", ToHex(content), HexView(content));
-    finding.log = TakeLog();
-    report.Add(Warnings(frame, ea));
-    TakeLog();
+    const auto offset = static_cast<size_t>(header.offset);
+    const uint32_t crc = Crc(bytes, 0);
+    cJSON *const report = finding.report.get();
+    AddNumber(report, "value", header.value);
+    AddString(report, "header", ToHex(bytes.substr(0, offset)));
+    AddNumber(report, "offset", header.offset);
+    AddNumber(report, "content_length", static_cast<int64_t>(bytes.size() - offset));
+    AddString(report, "crc", ToHex(crc, CRC_DIGITS));
+    AddString(report, "content_crc", ToHex(Crc(bytes, offset), CRC_DIGITS));
+    AddWarnings(report, bytes, header);
+    if (!options.crc.empty() && std::stoul(options.crc, nullptr, HEX) != crc) {
+        finding.refusal = "corrupted: the CRC is " + ToHex(crc, CRC_DIGITS) + ", expected " + options.crc;
+    }
+    finding.content = std::move(bytes.erase(0, offset));
     return finding;
 }

@@ -1,81 +1,91 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "input.h"
-
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
+
+#include "inspect.h"
 
 namespace {
 
-constexpr char STANDARD_INPUT[] = "-";
-constexpr size_t LONGEST_NAME = 255;
-
-bool IsFile(const std::string &path)
+std::string ReadAll(const std::string &path)
 {
+    const InputFile file = OpenInput(path);
     struct stat status {};
-    return stat(path.c_str(), &status) == 0;
-}
-
-bool IsText(const std::string &bytes)
-{
-    return std::all_of(bytes.begin(), bytes.end(),
-                       [](char byte) { return (byte >= ' ' && byte <= '~') || (byte >= '\t' && byte <= '\r'); });
-}
-
-}  // namespace
-
-std::string ReadFile(const std::string &path)
-{
-    const bool isStandardInput = path == STANDARD_INPUT;
-    const std::string name = isStandardInput ? "standard input" : path;
-    const auto close = [isStandardInput](FILE *file) {
-        return isStandardInput ? 0 : std::fclose(file);
-    };
-    const std::unique_ptr<FILE, decltype(close)> file(isStandardInput ? stdin : std::fopen(path.c_str(), "rb"), close);
-    if (file == nullptr) {
-        throw InputError(name + ": " + std::strerror(errno));
-    }
     std::string bytes;
-    char piece[65536];
+    if (fstat(fileno(file.get()), &status) == 0 && S_ISREG(status.st_mode)) {
+        bytes.reserve(static_cast<size_t>(status.st_size));
+    }
+    char block[65536];
     for (size_t count = 1; count > 0;) {
-        count = std::fread(piece, 1, sizeof(piece), file.get());
-        bytes.append(piece, count);
+        count = std::fread(block, 1, sizeof(block), file.get());
+        bytes.append(block, count);
     }
     if (std::ferror(file.get()) != 0) {
-        throw InputError(name + ": " + std::strerror(errno));
+        throw InputError(path + ": " + std::strerror(errno));
     }
     return bytes;
 }
 
-std::string ReadText(const std::string &argument)
+}  // namespace
+
+InputFile OpenInput(const std::string &path)
 {
-    if (!argument.empty() && argument.front() == '{' && !IsFile(argument)) {
-        return argument;
+    if (path.empty() && isatty(STDIN_FILENO) != 0) {
+        throw InputError("no input: standard input is a terminal; see --help for the kinds of input");
     }
-    return ReadFile(argument.empty() ? STANDARD_INPUT : argument);
+    InputFile file(path.empty() || path == "-" ? stdin : std::fopen(path.c_str(), "rb"), &std::fclose);
+    if (file == nullptr) {
+        throw InputError(path + ": " + std::strerror(errno));
+    }
+    return file;
 }
 
-std::string ReadBytes(const std::vector<std::string> &arguments, bool isRaw)
+std::string ParseHex(const std::string &digits)
 {
-    const bool isStandardInput = arguments.empty() || (arguments.size() == 1 && arguments.front() == STANDARD_INPUT);
-    if (isStandardInput || (arguments.size() == 1 && IsFile(arguments.front()))) {
-        const std::string bytes = ReadFile(isStandardInput ? STANDARD_INPUT : arguments.front());
-        return isRaw || !IsText(bytes) ? bytes : FromHex(bytes);
+    constexpr char separators[] = " \t\r\n,";
+    std::string bytes;
+    size_t end = 0;
+    for (size_t at = digits.find_first_not_of(separators); at < digits.size();
+         at = digits.find_first_not_of(separators, end)) {
+        end = std::min(digits.find_first_of(separators, at), digits.size());
+        const bool hasPrefix = digits[at] == '0' && at + 1 < end && (digits[at + 1] | ' ') == 'x';
+        const std::string group = digits.substr(at, end - at);
+        const size_t count = group.size() - (hasPrefix ? 2 : 0);
+        if (count == 0 || count % 2 != 0 ||
+            group.find_first_not_of("0123456789abcdefABCDEF", group.size() - count) != std::string::npos) {
+            throw InputError("neither a file nor pairs of hexadecimal digits: " + group);
+        }
+        for (size_t i = group.size() - count; i < group.size(); i += 2) {
+            bytes += static_cast<char>(std::stoi(group.substr(i, 2), nullptr, 16));
+        }
     }
-    std::string text;
+    return bytes;
+}
+
+std::string ReadBytes(const std::vector<std::string> &arguments)
+{
+    if (arguments.empty()) {
+        return ReadAll("");
+    }
+    if (arguments.size() == 1 && (arguments.front() == "-" || access(arguments.front().c_str(), F_OK) == 0)) {
+        return ReadAll(arguments.front());
+    }
+    std::string digits;
     for (const std::string &argument : arguments) {
-        text += argument + " ";
+        digits += argument + " ";
     }
-    try {
-        return FromHex(text);
-    } catch (const InputError &error) {
-        const bool mayBeName = arguments.size() == 1 && text.size() <= LONGEST_NAME && text.size() > 1;
-        throw mayBeName ? InputError(arguments.front() + ": no such file, and " + error.what()) : error;
+    if (digits.find_first_not_of(' ') == std::string::npos) {
+        throw InputError("no input: the argument is empty");
     }
+    return ParseHex(digits);
+}
+
+std::string ReadDocument(const std::string &argument)
+{
+    const bool isDocument = !argument.empty() && argument.front() == '{' && access(argument.c_str(), F_OK) != 0;
+    return isDocument ? argument : ReadAll(argument);
 }

@@ -1,52 +1,49 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ostra-inspect: shows what the library makes of a frame, a document, a parcel, events or a stream dump.
+// ostra-inspect: shows what the library reads from a frame, a document, a parcel or events.
+
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <exception>
-#include <functional>
-#include <memory>
-#include <utility>
+#include <new>
 
-#include "input.h"
+#include "inspect.h"
 #include "ostra_version.h"
-#include "subjects.h"
 
 namespace {
 
 constexpr char PROGRAM[] = "ostra-inspect";
 constexpr char DESCRIPTION[] =
-    "Shows what libostra_adapter_utils makes of what travels: a frame, a document, a parcel, events, a stream dump.\n"
-    "Input comes from the arguments, a file, or standard input when there is none.";
+    "Shows what libostra_adapter_utils reads from a frame, a document, a parcel or events, and what it ignores.";
 constexpr char FOOTER[] =
-    "HEX is written as logs and dumps do: 85 68 65, 8568, 0x85,0x68, the columns of hexdump -C, xxd or od -t x1.\n"
-    "A file holds the bytes themselves or such a text.\n\n"
-    "Exits with 0 when the input could be read, 1 when not, 2 for a wrong call. What the library refuses is told in\n"
-    "its own words, which are those of its log.\n\n"
-    "Levels are in dB of full scale, silence is below -60 dB, samples are little-endian. The JSON of events is one\n"
-    "object a line; lines that are no events are counted, and make the status 1.";
-
+    "HEX is pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68. A FILE\n"
+    "and standard input hold the bytes themselves: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
+    "Control characters, and bytes that are not UTF-8, are shown as \\x and two digits. The JSON of events is one\n"
+    "object per line. The exit status is 0 if the input is valid, 1 if it is refused or cannot be read, and 2 for a\n"
+    "wrong command line.\n\n"
+    "Examples:\n"
+    "  $ ostra-inspect frame 85 68 65 6C 6C 6F\n"
+    "  $ ostra-inspect frame --crc A1CD 8568656C6C6F\n"
+    "  $ xxd -r message.hex | ostra-inspect frame --skip 8 --content - > content.bin\n"
+    "  $ ostra-inspect service '{\"deviceId\":\"d1\",\"properties\":{\"2102\":\"{}\"}}'\n"
+    "  $ ostra-inspect --json parcel parcel.bin\n"
+    "  $ ostra-inspect events --failed --pid 4711 events.txt\n"
+    "  $ tail -f events.txt | ostra-inspect events -";
 constexpr int EXIT_USAGE = 2;
-constexpr int HIGHEST_RATE = 768000;
-constexpr int MOST_CHANNELS = 32;
+constexpr size_t MAX_CRC_DIGITS = 8;  // the example pair sends a CRC as 4 bytes
 
 struct Options {
     std::vector<std::string> arguments;
-    std::string text;
-    DumpOptions dump;
+    std::string path;
+    FrameOptions frame;
     EventOptions events;
-    bool isRaw = false;
-    bool isLogShown = false;
-    bool isJson = false;
+    bool isContentOnly = false;
 };
 
-using Inspect = std::function<Finding()>;
-
-// In the help of all subcommands, which the manual page is made from, each is a heading of its own.
+// --help-all, which the manual page is made from, shows each subcommand under a heading of its own.
 class PageFormatter : public CLI::Formatter {
 public:
     std::string make_expanded(const CLI::App *subject) const override
@@ -59,137 +56,133 @@ public:
     }
 };
 
-void AddBytes(CLI::App &app, const char *name, const char *help, Options &options,
-              Finding (*inspect)(const std::string &), Inspect &chosen)
-{
-    CLI::App *const subject = app.add_subcommand(name, help);
-    subject->add_option("HEX|FILE", options.arguments, "the bytes, or the file that holds them; - is standard input")
-        ->option_text(" ");
-    subject->add_flag("--raw", options.isRaw, "take the bytes of a file as they are, even if they look like HEX");
-    subject->callback([&options, &chosen, inspect] {
-        chosen = [&options, inspect] {
-            return inspect(ReadBytes(options.arguments, options.isRaw));
-        };
-    });
-}
-
-void AddDocument(CLI::App &app, const char *name, const char *help, Options &options,
-                 Finding (*inspect)(const std::string &), Inspect &chosen)
-{
-    CLI::App *const subject = app.add_subcommand(name, help);
-    subject->add_option("FILE", options.text, "the document; - is standard input, and {... the document itself")
-        ->option_text(" ");
-    subject->callback([&options, &chosen, inspect] {
-        chosen = [&options, inspect] {
-            return inspect(ReadText(options.text));
-        };
-    });
-}
-
-void AddEvents(CLI::App &app, EventOptions &options, Inspect &chosen)
-{
-    CLI::App *const subject =
-        app.add_subcommand("events", "business-flow events, one a line, as OSTRA_HOST_EVENT_OUTPUT writes them");
-    subject->add_option("FILE", options.path, "the events; - is standard input")->option_text(" ");
-    subject->add_flag("-f,--follow", options.isFollowed, "wait for more at the end of the file");
-    subject->callback([&options, &chosen] {
-        chosen = [&options] {
-            PrintEvents(options);
-            return Finding();
-        };
-    });
-}
-
-void AddDump(CLI::App &app, DumpOptions &options, Inspect &chosen)
-{
-    CLI::App *const subject =
-        app.add_subcommand("dump", "a stream dump: length, levels, clipped samples, silence, waveform");
-    subject->add_option("FILE", options.path, "the dump; - is standard input")->option_text(" ")->required();
-    subject->add_option("--rate", options.rate, "samples a second and channel; 48000 by default")
-        ->option_text("N")
-        ->check(CLI::Range(1, HIGHEST_RATE));
-    subject->add_option("--channels", options.channels, "number of channels; 2 by default")
-        ->option_text("N")
-        ->check(CLI::Range(1, MOST_CHANNELS));
-    subject->add_option("--bits", options.bits, "bits of a sample: 8 (unsigned), 16, 24 or 32; 16 by default")
-        ->option_text("N")
-        ->check(CLI::IsMember({8, 16, 24, 32}));
-    subject->add_option("--wav", options.wavPath, "write the sound to a WAV file")->option_text("OUT");
-    subject->add_option("--image", options.imagePath, "let sox draw a spectrogram")->option_text("OUT.png");
-    subject->callback([&options, &chosen] {
-        chosen = [&options] {
-            return InspectDump(options);
-        };
-    });
-}
-
-// The error as one line, whatever was in the input's name.
+// The error on one line, whatever characters the input's name has.
 int Fail(const std::string &error)
 {
     std::fprintf(stderr, "%s: %s\n", PROGRAM, Printable(error).c_str());
     return EXIT_FAILURE;
 }
 
-int Print(Finding finding, const Options &options)
+[[noreturn]] void ExitOutOfMemory()
 {
-    if (options.isLogShown) {
-        finding.report.Add(LogReport(finding.log));
-    }
-    if (options.isJson) {
-        if (!finding.refusal.empty()) {
-            finding.report.Add("error", finding.refusal);
-        }
-        std::printf("%s\n", ToJson(finding.report, true).c_str());
-    } else {
-        std::printf("%s", ToText(finding.report).c_str());
-    }
-    return finding.refusal.empty() ? EXIT_SUCCESS : Fail(finding.refusal);
+    std::fprintf(stderr, "%s: out of memory\n", PROGRAM);
+    std::_Exit(EXIT_FAILURE);
 }
 
-int Run(const Inspect &chosen, const Options &options, bool isPrinted)
+void AddInputs(CLI::App &app, Options &options)
 {
-    int status = EXIT_SUCCESS;
-    try {
-        const Finding finding = chosen();
-        status = isPrinted ? Print(finding, options) : EXIT_SUCCESS;
-    } catch (const std::exception &error) {
-        if (options.isJson && isPrinted) {
-            Report report;
-            report.Add("error", std::string(error.what()));
-            std::printf("%s\n", ToJson(report, true).c_str());
+    const auto add = [&app](const char *name, const char *help, const char *kind, auto &input, const char *inputHelp) {
+        CLI::App *const subject = app.add_subcommand(name, help);
+        subject->add_option(kind, input, inputHelp)->option_text(" ");
+    };
+    constexpr char bytes[] = "the bytes, or a file that holds them; - is standard input";
+    constexpr char document[] = "the document; - is standard input, and {... the document itself";
+    add("frame", "a channel frame: header value, content, CRC-16", "HEX|FILE", options.arguments, bytes);
+    add("service", "a device service document", "FILE", options.path, document);
+    add("audio", "audio capabilities: a properties object with the member 2102", "FILE", options.path, document);
+    add("device", "a device document, with its table of versions", "FILE", options.path, document);
+    add("parcel", "a map from integers to strings in a parcel", "HEX|FILE", options.arguments, bytes);
+    add("events", "business-flow events, one a line, as OSTRA_HOST_EVENT_OUTPUT writes them", "FILE", options.path,
+        "the events; - is standard input");
+}
+
+void AddOptions(CLI::App &app, Options &options)
+{
+    app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION);
+    app.set_help_all_flag("--help-all", "Print this help message with that of all subcommands and exit");
+    app.add_flag("--json", options.events.isJson, "print JSON");
+    CLI::App *const frame = app.get_subcommand("frame");
+    frame->add_option("--skip", options.frame.skip, "ignore the first N bytes; 8 for a message of channel_pair")
+        ->option_text("N");
+    frame->add_option("--crc", options.frame.crc, "fail unless the CRC-16 of the frame is HEX")
+        ->option_text("HEX")
+        ->check([](const std::string &digits) {
+            const bool isHex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+            return isHex && !digits.empty() && digits.size() <= MAX_CRC_DIGITS ? "" : "not a CRC: " + digits;
+        });
+    frame->add_flag("--content", options.isContentOnly, "write the content alone, as it is, to a pipe or file");
+    CLI::App *const events = app.get_subcommand("events");
+    events->add_flag("--failed", options.events.isFailedOnly, "show failures only");
+    events->add_option("--pid", options.events.pid, "show the events of this process only")->option_text("PID");
+}
+
+Finding Inspect(const std::string &subject, Options &options)
+{
+    if (subject == "frame") {
+        return InspectFrame(ReadBytes(options.arguments), options.frame);
+    }
+    if (subject == "parcel") {
+        return InspectParcel(ReadBytes(options.arguments));
+    }
+    if (subject == "events") {
+        PrintEvents(options.path, options.events);
+        return {};
+    }
+    const std::string document = ReadDocument(options.path);
+    return subject == "service" ? InspectService(document)
+           : subject == "audio" ? InspectAudio(document)
+                                : InspectDevice(document);
+}
+
+void Print(const Finding &finding, const Options &options)
+{
+    cJSON *const report = finding.report.get();
+    if (options.isContentOnly) {
+        std::fwrite(finding.content.data(), 1, finding.content.size(), stdout);
+    } else if (!options.events.isJson) {
+        const char *const heading = finding.content.empty() ? "" : "content\n";
+        std::printf("%s%s%s", ToText(report).c_str(), heading, HexView(finding.content).c_str());
+    } else {
+        if (!finding.refusal.empty()) {
+            AddString(report, "error", finding.refusal);
         }
-        status = Fail(error.what());
+        if (cJSON_HasObjectItem(report, "content_length") != 0) {
+            AddString(report, "content", ToHex(finding.content));
+        }
+        std::printf("%s\n", ToJson(report, true).c_str());
+    }
+}
+
+int Run(const std::string &subject, Options &options)
+{
+    Finding finding;
+    try {
+        if (options.isContentOnly && isatty(STDOUT_FILENO) != 0) {
+            throw InputError("--content writes bytes that a terminal cannot show; redirect standard output");
+        }
+        finding = Inspect(subject, options);
+    } catch (const InputError &error) {
+        finding.refusal = error.what();
+    }
+    if (subject != "events") {
+        Print(finding, options);
     }
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         return Fail(std::string("standard output: ") + std::strerror(errno));
     }
-    return status;
+    return finding.refusal.empty() ? EXIT_SUCCESS : Fail(finding.refusal);
 }
 
 }  // namespace
 
 int main(int argc, char **argv)
 {
+    // cJSON and the library report a failed allocation as invalid JSON or a missing member, so none may fail.
+    std::set_new_handler(ExitOutOfMemory);
+    cJSON_Hooks hooks = {[](size_t size) { return ::operator new(size); },
+                         [](void *memory) {
+                             ::operator delete(memory);
+                         }};
+    cJSON_InitHooks(&hooks);
     CollectLog();
     Options options;
-    Inspect chosen;
     CLI::App app(DESCRIPTION, PROGRAM);
     app.footer(FOOTER);
     app.formatter(std::make_shared<PageFormatter>());
-    app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION);
-    app.set_help_all_flag("--help-all", "Print this help message with that of all subcommands and exit");
-    app.add_flag("--json", options.isJson, "print JSON");
-    app.add_flag("--log", options.isLogShown, "show what the library logs");
     app.require_subcommand(1);
     app.fallthrough();
-    AddBytes(app, "frame", "a channel frame: header value, content, CRC-16", options, InspectFrame, chosen);
-    AddDocument(app, "service", "a device service document", options, InspectService, chosen);
-    AddDocument(app, "audio", "audio capabilities: a properties object with the member 2102", options, InspectAudio,
-                chosen);
-    AddDocument(app, "device", "a device document, with its table of versions", options, InspectDevice, chosen);
-    AddBytes(app, "parcel", "a map of integers and texts as it travels in a parcel", options, InspectParcel, chosen);
-    AddEvents(app, options.events, chosen);
-    AddDump(app, options.dump, chosen);
+    AddInputs(app, options);
+    AddOptions(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &help) {
@@ -197,9 +190,10 @@ int main(int argc, char **argv)
     } catch (const CLI::ParseError &error) {
         // CLI11 misses the subcommand before it sees that there is an unknown one.
         const std::vector<std::string> unknown = app.remaining();
-        Fail(unknown.empty() ? error.what() : "not expected: " + unknown.front());
+        const std::string kind =
+            unknown.empty() || unknown.front()[0] != '-' ? "unexpected argument " : "unknown option ";
+        Fail((unknown.empty() ? error.what() : kind + unknown.front()) + "; see --help");
         return EXIT_USAGE;
     }
-    options.events.isJson = options.isJson;
-    return Run(chosen, options, !app.got_subcommand("events"));
+    return Run(app.get_subcommands().front()->get_name(), options);
 }

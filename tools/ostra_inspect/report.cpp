@@ -2,252 +2,229 @@
 
 #include "report.h"
 
-#include <cJSON.h>
-
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
-#include <cwchar>
-#include <memory>
-#include <new>
-#include <string_view>
+#include <cstring>
 #include <utility>
 
 namespace {
 
-constexpr char INDENT[] = "  ";
-constexpr char LABEL_GAP[] = "  ";
+constexpr char GAP[] = "  ";  // between columns, and of an indented row
 
-using JsonTree = std::unique_ptr<cJSON, decltype(&cJSON_Delete)>;
+struct Character {
+    size_t length = 0;  // in bytes; 0 if the string does not begin with UTF-8
+    char32_t value = 0;
+};
 
-// The length of the UTF-8 character at the start of the text; 0 when there is none.
-size_t CharacterLength(std::string_view text)
+Character Decode(std::string_view text)
 {
-    struct Form {
-        uint8_t mask;
-        uint8_t lead;
-        uint32_t least;  // a smaller value has a shorter form
-    };
-    constexpr Form forms[] = {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}};
-    const auto first = static_cast<uint8_t>(text.front());
-    for (size_t length = 1; length <= std::size(forms); ++length) {
-        const Form &form = forms[length - 1];
-        if ((first & form.mask) != form.lead) {
-            continue;
-        }
-        if (text.size() < length) {
-            return 0;
-        }
-        uint32_t value = first & static_cast<uint8_t>(~form.mask);
-        for (size_t i = 1; i < length; ++i) {
-            const auto next = static_cast<uint8_t>(text[i]);
-            if ((next & 0xC0) != 0x80) {
-                return 0;
-            }
-            value = value << 6 | (next & 0x3F);
-        }
-        const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
-        return value < form.least || value > 0x10FFFF || isSurrogate ? 0 : length;
+    const auto lead = static_cast<uint8_t>(text.front());
+    if (lead < 0x80) {
+        return {1, lead};
     }
-    return 0;
+    constexpr char32_t minima[] = {0x80, 0x800, 0x10000};  // of 2, 3 and 4 bytes; smaller values are overlong
+    const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
+        return {};
+    }
+    char32_t value = lead & (0x7FU >> length);
+    for (const char next : text.substr(1, length - 1)) {
+        if ((static_cast<uint8_t>(next) & 0xC0) != 0x80) {
+            return {};
+        }
+        value = value << 6 | (static_cast<uint8_t>(next) & 0x3F);
+    }
+    const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
+    return value < minima[length - 2] || value > 0x10FFFF || isSurrogate ? Character() : Character{length, value};
 }
 
-// True for the control characters of ASCII, and for those that UTF-8 writes as C2 80 to C2 9F.
-bool IsControl(std::string_view character)
+// Control characters, line separators, and characters that change the direction of those around them.
+bool IsControl(char32_t value)
 {
-    const auto first = static_cast<uint8_t>(character.front());
-    if (character.size() == 1) {
-        return first < 0x20 || first == 0x7F;
-    }
-    return first == 0xC2 && static_cast<uint8_t>(character[1]) < 0xA0;
+    constexpr std::pair<char32_t, char32_t> ranges[] = {{0, 0x1F},        {0x7F, 0x9F},     {0x61C, 0x61C},
+                                                        {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+    return std::any_of(std::begin(ranges), std::end(ranges),
+                       [value](const auto &range) { return value >= range.first && value <= range.second; });
 }
 
+// Shows each byte that is not UTF-8, and the characters for which `isEscaped` is true, as \x and digits; as \u for
+// JSON.
 template <typename Predicate>
-std::string Escaped(const std::string &text, Predicate isEscaped)
+std::string Escaped(std::string_view text, Predicate isEscaped, bool isJson = false)
 {
     std::string escaped;
-    for (std::string_view rest = text; !rest.empty();) {
-        const size_t length = CharacterLength(rest);
-        const std::string_view character = rest.substr(0, std::max<size_t>(length, 1));
-        rest.remove_prefix(character.size());
-        if (length > 0 && !isEscaped(character)) {
-            escaped += character;
-            continue;
-        }
-        for (const char byte : character) {
-            escaped += "\\x" + ToHex(static_cast<uint8_t>(byte), 2);
+    while (!text.empty()) {
+        const Character character = Decode(text);
+        const std::string_view bytes = text.substr(0, std::max<size_t>(character.length, 1));
+        text.remove_prefix(bytes.size());
+        if (character.length > 0 && !isEscaped(character.value)) {
+            escaped += bytes;
+        } else if (isJson) {
+            escaped += "\\u" + ToHex(static_cast<uint32_t>(character.value), 4);
+        } else {
+            for (const char byte : bytes) {
+                escaped += "\\x" + ToHex(static_cast<uint8_t>(byte), 2);
+            }
         }
     }
     return escaped;
 }
 
-std::string ForJson(const std::string &text)
+std::string ForJson(std::string_view text)
 {
-    return Escaped(text, [](std::string_view character) { return character.front() == '\0'; });
+    return Escaped(text, [](char32_t character) { return character == 0; });
 }
 
-std::string Number(double value)
+std::string Print(const cJSON *value, bool isIndented)
 {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.10g", value);
-    return text;
+    const JsonString text(isIndented ? cJSON_Print(value) : cJSON_PrintUnformatted(value));
+    return text == nullptr ? "" : text.get();
 }
 
-std::string ValueText(const Report::Value &value)
+std::string Label(const cJSON *member)
 {
-    if (const auto *flag = std::get_if<bool>(&value)) {
-        return *flag ? "yes" : "no";
-    }
-    if (const auto *integer = std::get_if<int64_t>(&value)) {
-        return std::to_string(*integer);
-    }
-    if (const auto *real = std::get_if<double>(&value)) {
-        return Number(*real);
-    }
-    const auto *text = std::get_if<std::string>(&value);
-    if (text == nullptr) {
-        return "none";
-    }
-    return text->empty() ? "(empty)" : Printable(*text);
-}
-
-std::string Label(const Report &report)
-{
-    std::string label = Printable(report.key);
+    std::string label = member->string;
     std::replace(label.begin(), label.end(), '_', ' ');
     return label;
 }
 
-void AppendBlock(std::string &text, const std::string &indent, const std::string &block)
+// "key value  key value" on one line.
+std::string ElementRow(const cJSON *element)
 {
-    for (size_t begin = 0; begin < block.size();) {
-        const size_t end = std::min(block.find('\n', begin), block.size());
-        text += indent + block.substr(begin, end - begin) + "\n";
-        begin = end + 1;
+    if (cJSON_IsObject(element) == 0) {
+        return Cell(element);
     }
+    std::string row;
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, element)
+    {
+        row += (row.empty() ? "" : GAP) + Label(member) + " " + Cell(member);
+    }
+    return row;
 }
 
-// Multi-line texts are the tool's own and printed as they are.
-void AppendText(std::string &text, const Report &report, const std::string &indent)
+void AppendRows(std::string &text, const cJSON *parent, const std::string &indent)
 {
     size_t width = 0;
-    for (const Report &member : report.members) {
-        width = std::max(width, Label(member).size());
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, parent)
+    {
+        width = std::max(width, member->string == nullptr ? 0 : std::strlen(member->string));
     }
-    for (const Report &member : report.members) {
-        std::string label = Label(member);
-        const bool isParent = member.shape == Report::Shape::OBJECT || member.shape == Report::Shape::LIST;
-        if (member.shown.find('\n') != std::string::npos) {
-            text += indent + label + "\n";
-            AppendBlock(text, indent + INDENT, member.shown);
-        } else if (!member.shown.empty() || !isParent) {
-            const std::string shown = member.shown.empty() ? ValueText(member.value) : Printable(member.shown);
-            label.resize(width, ' ');
-            text.append(indent).append(label).append(width == 0 ? "" : LABEL_GAP).append(shown).append("\n");
-        } else if (!member.members.empty()) {
-            text += indent + label + "\n";
-            AppendText(text, member, indent + INDENT);
+    cJSON_ArrayForEach(member, parent)
+    {
+        if (member->string == nullptr) {
+            text += indent + ElementRow(member) + "\n";
+        } else if (cJSON_IsArray(member) == 0 && cJSON_IsObject(member) == 0) {
+            text += indent + Padded(Label(member), width) + GAP + Cell(member) + "\n";
+        } else if (member->child != nullptr) {
+            text += indent + Label(member) + "\n";
+            AppendRows(text, member, indent + GAP);
         }
     }
-}
-
-JsonTree Owned(cJSON *tree)
-{
-    if (tree == nullptr) {
-        throw std::bad_alloc();
-    }
-    return {tree, &cJSON_Delete};
-}
-
-JsonTree ToTree(const Report &report)
-{
-    if (report.shape == Report::Shape::VALUE) {
-        if (const auto *flag = std::get_if<bool>(&report.value)) {
-            return Owned(cJSON_CreateBool(*flag ? 1 : 0));
-        }
-        if (const auto *text = std::get_if<std::string>(&report.value)) {
-            return Owned(cJSON_CreateString(ForJson(*text).c_str()));
-        }
-        const bool isNone = std::holds_alternative<std::monostate>(report.value);
-        return Owned(isNone ? cJSON_CreateNull() : cJSON_CreateRaw(ValueText(report.value).c_str()));
-    }
-    const bool isList = report.shape == Report::Shape::LIST;
-    JsonTree tree = Owned(isList ? cJSON_CreateArray() : cJSON_CreateObject());
-    for (const Report &member : report.members) {
-        if (member.shape == Report::Shape::PICTURE) {
-            continue;
-        }
-        cJSON *const item = ToTree(member).release();
-        if (isList) {
-            cJSON_AddItemToArray(tree.get(), item);
-        } else {
-            cJSON_AddItemToObject(tree.get(), ForJson(member.key).c_str(), item);
-        }
-    }
-    return tree;
 }
 
 }  // namespace
 
-Report::Report(std::string name, Shape form) : key(std::move(name)), shape(form)
+JsonTree NewObject()
+{
+    return JsonTree(cJSON_CreateObject());
+}
+
+void AddString(cJSON *object, const char *key, std::string_view value)
+{
+    cJSON_AddStringToObject(object, key, ForJson(value).c_str());
+}
+
+void AddNumber(cJSON *object, const char *key, int64_t value)
+{
+    cJSON_AddNumberToObject(object, key, static_cast<double>(value));
+}
+
+void AddCopy(cJSON *object, const char *key, const cJSON *value)
+{
+    if (cJSON_IsString(value) != 0) {
+        AddString(object, key, value->valuestring);
+    } else if (cJSON_IsNumber(value) != 0 && std::isinf(value->valuedouble)) {  // which cJSON prints as null
+        AddString(object, key, value->valuedouble > 0 ? "infinity" : "-infinity");
+    } else {
+        cJSON_AddItemToObject(object, key, value == nullptr ? cJSON_CreateNull() : cJSON_Duplicate(value, 0));
+    }
+}
+
+List::List(cJSON *report, std::string key) : report_(report), list_(cJSON_CreateArray()), key_(std::move(key))
 {
 }
 
-Report Report::Of(std::string name, Value content, std::string text)
+List::~List()
 {
-    Report report(std::move(name), Shape::VALUE);
-    report.value = std::move(content);
-    report.shown = std::move(text);
-    return report;
+    cJSON_AddItemToObject(report_, key_.c_str(), list_.release());
+    if (size_ > MAX_LISTED) {
+        AddNumber(report_, (key_ + "_omitted").c_str(), static_cast<int64_t>(size_ - MAX_LISTED));
+    }
 }
 
-void Report::Add(Report member)
+void List::Add(const std::string &value)
 {
-    members.push_back(std::move(member));
+    if (++size_ <= MAX_LISTED) {
+        cJSON_AddItemToArray(list_.get(), cJSON_CreateString(ForJson(value).c_str()));
+    }
 }
 
-void Report::Add(std::string name, Value content, std::string text)
+cJSON *List::AddObject()
 {
-    Add(Of(std::move(name), std::move(content), std::move(text)));
+    if (++size_ > MAX_LISTED) {
+        return nullptr;
+    }
+    cJSON *const element = cJSON_CreateObject();
+    cJSON_AddItemToArray(list_.get(), element);
+    return element;
 }
 
-const Report *Report::Find(const std::string &name) const
-{
-    const auto found =
-        std::find_if(members.begin(), members.end(), [&name](const Report &member) { return member.key == name; });
-    return found == members.end() ? nullptr : &*found;
-}
-
-std::string ToText(const Report &report)
+std::string ToText(const cJSON *report)
 {
     std::string text;
-    AppendText(text, report, "");
+    AppendRows(text, report, "");
     return text;
 }
 
-std::string ToJson(const Report &report, bool isIndented)
+std::string Cell(const cJSON *value)
 {
-    const JsonTree tree = ToTree(report);
-    const std::unique_ptr<char, decltype(&cJSON_free)> text(
-        isIndented ? cJSON_Print(tree.get()) : cJSON_PrintUnformatted(tree.get()), &cJSON_free);
-    if (text == nullptr) {
-        throw std::bad_alloc();
+    const char *const text = cJSON_GetStringValue(value);
+    if (text != nullptr) {
+        return *text == '\0' ? "(empty)" : Printable(text);
     }
-    return text.get();
+    if (value == nullptr || cJSON_IsNull(value) != 0) {
+        return "not set";
+    }
+    return cJSON_IsBool(value) != 0 ? (cJSON_IsTrue(value) != 0 ? "yes" : "no") : Print(value, false);
 }
 
-std::string Printable(const std::string &text)
+std::string ToJson(const cJSON *report, bool isIndented)
+{
+    // cJSON escapes the control characters below U+0020, and indents with tabs and line ends.
+    const auto isEscaped = [](char32_t character) {
+        return character >= 0x20 && IsControl(character);
+    };
+    return Escaped(Print(report, isIndented), isEscaped, true);
+}
+
+std::string Printable(std::string_view text)
 {
     return Escaped(text, IsControl);
 }
 
-bool IsWhole(const std::string &text)
+std::string Padded(std::string text, size_t width)
 {
-    return ForJson(text) == text;
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
 }
 
-std::string ToHex(const std::string &bytes)
+std::string ToHex(std::string_view bytes)
 {
     std::string text;
+    text.reserve(bytes.size() * 3);
     for (const char byte : bytes) {
         text += (text.empty() ? "" : " ") + ToHex(static_cast<uint8_t>(byte), 2);
     }

@@ -1,63 +1,76 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a subcommand found: a tree of labelled values, printed as text for people or as JSON.
+// A report is a JSON object, printed as JSON or as rows for people. Strings from the input are escaped, so that they
+// can neither control a terminal nor look like a row of their own.
 //
-//     Report report;
-//     report.Add("offset", 2);
-//     report.Add("crc", 41421, "A1CD");      // offset   2 / crc   A1CD and {"offset":2,"crc":41421}
+//     JsonTree report = NewObject();
+//     AddString(report.get(), "header", "85");
+//     List warnings(report.get(), "warnings");
+//     warnings.Add("overlong encoding");
 
 #ifndef TOOLS_REPORT_H
 #define TOOLS_REPORT_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
-#include <variant>
-#include <vector>
+#include <string_view>
 
-struct Report {
-    enum class Shape {
-        VALUE,
-        OBJECT,
-        LIST,     // its members have no keys
-        PICTURE,  // in text only
-    };
-    using Value = std::variant<std::monostate, bool, int64_t, double, std::string>;
+#include "json_object.h"
 
-    Report() = default;
-    explicit Report(std::string name, Shape form = Shape::OBJECT);
+using OHOS::DistributedHardware::OstraAdapter::JsonString;
+using OHOS::DistributedHardware::OstraAdapter::JsonTree;
 
-    // An element of a list, or a member.
-    static Report Of(std::string name, Value content, std::string text = {});
+JsonTree NewObject();
 
-    void Add(Report member);
-    void Add(std::string name, Value content, std::string text = {});
+/// Adds a string. NUL and bytes that are not UTF-8 become \x and two digits.
+void AddString(cJSON *object, const char *key, std::string_view value);
+void AddNumber(cJSON *object, const char *key, int64_t value);
 
-    // The member of this name; null when there is none.
-    const Report *Find(const std::string &name) const;
+/// Adds a copy of a string, number or bool, or null if `value` is null.
+void AddCopy(cJSON *object, const char *key, const cJSON *value);
 
-    std::string key;  // a member's name in JSON; its label in text, where "_" is a space
-    Shape shape = Shape::OBJECT;
-    Value value;
-    // How text shows it, where that is neither the value nor all members below each other. More than one line stand
-    // below the label.
-    std::string shown;
-    std::vector<Report> members;
+/// A list that is added to a report when it is destroyed. It keeps the first MAX_LISTED elements, so that the memory of
+/// a report is bounded, and adds the number of the others as KEY_omitted.
+class List {
+public:
+    List(cJSON *report, std::string key);
+    ~List();
+    List(const List &) = delete;
+    List &operator=(const List &) = delete;
+
+    void Add(const std::string &value);
+
+    /// Appends an empty object and returns it, or null if the list is full; cJSON ignores members added to null.
+    cJSON *AddObject();
+
+private:
+    static constexpr size_t MAX_LISTED = 10000;
+
+    cJSON *report_;
+    JsonTree list_;
+    std::string key_;
+    size_t size_ = 0;
 };
 
-// Lines for people; what could steer a terminal, and bytes that are no UTF-8, are shown like \x1B.
-std::string ToText(const Report &report);
+/// Returns one row for each value and for each element of a list; nothing for an empty list.
+std::string ToText(const cJSON *report);
 
-// One JSON value without a line end; compact, or indented. Bytes that are no UTF-8 are shown like \xFF.
-std::string ToJson(const Report &report, bool isIndented);
+/// Returns the string of one value in a row.
+std::string Cell(const cJSON *value);
 
-// The text without control characters and without bytes that are no UTF-8, which become \x and two digits.
-std::string Printable(const std::string &text);
+/// Returns compact or indented JSON without a line end.
+std::string ToJson(const cJSON *report, bool isIndented);
 
-// True when all of the text is UTF-8 without zero bytes, so that JSON holds it as it is.
-bool IsWhole(const std::string &text);
+/// Returns the string with control characters, invisible characters that change the direction of others, and bytes that
+/// are not UTF-8 as \x and two digits for each byte.
+std::string Printable(std::string_view text);
 
-// "85 68 65 6C", and "0A" or "A1CD": upper-case hexadecimal digits.
-std::string ToHex(const std::string &bytes);
+/// Returns `text` followed by spaces up to `width` bytes.
+std::string Padded(std::string text, size_t width);
+
+/// Returns upper-case hexadecimal digits: "85 68 65", or a number with at least `digits` of them.
+std::string ToHex(std::string_view bytes);
 std::string ToHex(uint32_t value, int digits);
 
 #endif  // TOOLS_REPORT_H

@@ -1,0 +1,387 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The subcommands service, audio and device. What the library reads is shown as its operations return it; a second
+// parse shows which members it ignores and why.
+
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <utility>
+
+#include "dh_device_json.h"
+#include "inspect.h"
+#include "ostra_constants.h"
+#include "ostra_device_service.h"
+
+using namespace OHOS::DistributedHardware::OstraAdapter;
+
+namespace {
+
+constexpr int BOOL = cJSON_True | cJSON_False;
+
+struct MemberRule {
+    std::string name;
+    int types;  // of cJSON
+};
+using MemberRules = std::vector<MemberRule>;
+
+const MemberRule PROPERTIES = {"properties", cJSON_Object};
+const MemberRule CAPABILITIES = {"2102", cJSON_String};
+const MemberRule CODECS = {"codecs", cJSON_Array};
+const MemberRule PROFILES = {"profiles", cJSON_Array};
+const MemberRules PROFILE_FIELDS = {{"sampleRate", cJSON_Number}, {"channel", cJSON_Number}, {"format", cJSON_Number}};
+const MemberRule VERSIONS = {"2016", cJSON_String};
+
+// The members of a document that the library writes, with their types.
+MemberRules RulesOf(const std::string &written)
+{
+    const JsonTree root(cJSON_Parse(written.c_str()));
+    MemberRules rules;
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, root.get())
+    {
+        rules.push_back({member->string, (member->type & BOOL) != 0 ? BOOL : member->type});
+    }
+    return rules;
+}
+
+// The name of the first of the types.
+std::string KindOf(int types)
+{
+    constexpr std::array<const char *, 7> names = {"a bool",   "a bool",   "null",     "a number",
+                                                   "a string", "an array", "an object"};
+    size_t bit = 0;
+    while (bit + 1 < names.size() && (types & (1 << bit)) == 0) {
+        ++bit;
+    }
+    return names[bit];
+}
+
+// The member that a reader uses: the first of that name, ignoring case, if its type is right; else null.
+const cJSON *MemberOf(const cJSON *object, const MemberRule &rule)
+{
+    const cJSON *const member = cJSON_GetObjectItem(object, rule.name.c_str());
+    return member != nullptr && (member->type & rule.types) != 0 ? member : nullptr;
+}
+
+struct Document {
+    JsonTree root;
+    std::string flaw;  // why there is no root
+};
+
+// Parses as the library does, and warns about what it ignores without a word.
+Document ParseDocument(const std::string &text, List &warnings)
+{
+    if (text.rfind("\xEF\xBB\xBF", 0) == 0) {
+        warnings.Add("the document begins with a byte order mark (BOM), which other readers may refuse");
+    }
+    const size_t size = std::strlen(text.c_str());
+    if (size < text.size()) {
+        warnings.Add("a NUL at offset " + std::to_string(size) + " of " + std::to_string(text.size()) +
+                     " bytes ends the document");
+    }
+    for (size_t at = text.find('\\'); at < size; at = text.find('\\', at + 2)) {
+        if (text.compare(at, sizeof("\\u0000") - 1, "\\u0000") == 0) {
+            warnings.Add("a string contains NUL (\\u0000 at offset " + std::to_string(at) +
+                         "), which ends it for the reader");
+            break;
+        }
+    }
+    const char *end = nullptr;
+    JsonTree root(cJSON_ParseWithOpts(text.c_str(), &end, 0));
+    const auto length = static_cast<size_t>(end - text.c_str());
+    if (root == nullptr) {
+        const bool isBracket = *end == '[' || *end == '{';  // where cJSON stops at its own limit of nesting, too
+        return {nullptr, std::string("not valid JSON") + (isBracket ? ", or nested too deeply," : "") +
+                             " near offset " + std::to_string(length) + " of " + std::to_string(text.size()) +
+                             " bytes"};
+    }
+    if (text.find_first_not_of(" \t\r\n", length) < size) {
+        warnings.Add("ignored after the end of the document: " + std::to_string(size - length) + " bytes");
+    }
+    if (cJSON_IsObject(root.get()) == 0) {
+        warnings.Add("the document is " + KindOf(root->type) + ", not an object: nothing is read from it");
+    }
+    return {std::move(root), ""};
+}
+
+// Adds the result of the library's reader, and why it refused the document.
+void AddResult(Finding &finding, const std::string &kind, int32_t result, const std::string &flaw)
+{
+    const std::string reasons = TakeReasons();
+    AddNumber(finding.report.get(), "result", result);
+    AddString(finding.report.get(), "result_name", ResultName(result));
+    if (result == OSTRA_JSON_SUCCESS) {
+        return;
+    }
+    finding.refusal = "not " + kind + " (" + std::to_string(result) + " " + ResultName(result) + "): " + reasons +
+                      (flaw.empty() ? " (nested deeper than 100 levels)" : " (" + flaw + ")");
+}
+
+void AddIgnored(List &ignored, const std::string &member, const std::string &reason)
+{
+    cJSON *const entry = ignored.AddObject();
+    AddString(entry, "member", member);
+    AddString(entry, "reason", reason);
+}
+
+// Adds each member that no rule reads. `path` precedes the names.
+void AddIgnoredMembers(List &ignored, const cJSON *object, const MemberRules &rules, const std::string &path = {})
+{
+    if (cJSON_IsObject(object) == 0) {
+        return;
+    }
+    std::vector<const cJSON *> firsts;
+    for (const MemberRule &rule : rules) {
+        firsts.push_back(cJSON_GetObjectItem(object, rule.name.c_str()));
+    }
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, object)
+    {
+        const auto rule = std::find_if(rules.begin(), rules.end(), [member](const MemberRule &candidate) {
+            return strcasecmp(candidate.name.c_str(), member->string) == 0;
+        });
+        if (rule == rules.end()) {
+            AddIgnored(ignored, path + member->string, "unknown");
+        } else if (firsts[static_cast<size_t>(rule - rules.begin())] != member) {
+            AddIgnored(ignored, path + member->string, "repeated, the first one counts");
+        } else if ((member->type & rule->types) == 0) {
+            AddIgnored(ignored, path + member->string, KindOf(member->type) + ", not " + KindOf(rule->types));
+        }
+    }
+}
+
+// Warns if the number loses its fraction or does not fit a signed 32-bit value.
+void WarnOfNumber(List &warnings, const cJSON *number, const std::string &member)
+{
+    if (cJSON_IsNumber(number) == 0 || number->valuedouble == number->valueint) {
+        return;
+    }
+    warnings.Add(member + ": " + Cell(number) + " is read as " + std::to_string(number->valueint));
+}
+
+// ---- audio
+
+// The bits that the library derives from this codec alone.
+void AddCodec(List &codecs, uint32_t codec)
+{
+    cJSON *const row = codecs.AddObject();
+    if (row == nullptr) {
+        return;
+    }
+    DHOSTRAAudioProperties audio;
+    audio.codecs_ = {codec};
+    audio.UpdataAudioCodec();
+    AddNumber(row, "code", static_cast<int32_t>(codec));  // signed as in the document
+    AddNumber(row, "bit", audio.audioCodecType_);
+    const std::string reasons = TakeReasons();
+    if (audio.audioCodecType_ == 0) {
+        AddString(row, "note", "no bit: " + reasons);
+    }
+}
+
+void AddProfile(List &profiles, const DHOSTRAAudioProperties &audio, const AudioProfile &profile)
+{
+    cJSON *const row = profiles.AddObject();
+    const int32_t channels = audio.AudioChannelConvert(profile.channel);
+    const int32_t bits = audio.AudioFormatConvert(profile.format);
+    AddNumber(row, "sampleRate", profile.sampleRate);
+    AddNumber(row, "channel", profile.channel);
+    AddNumber(row, "format", profile.format);
+    AddNumber(row, "channels", channels);
+    AddNumber(row, "bits", bits);
+    if (channels == 0 || bits == 0) {
+        AddString(row, "note", channels == 0 ? "left out: unknown channel code" : "left out: unknown format code");
+    }
+}
+
+// What the library ignores or changes in the lists of the capabilities.
+void CheckElements(List &ignored, List &warnings, const cJSON *capabilities)
+{
+    size_t index = 0;
+    const cJSON *element = nullptr;
+    cJSON_ArrayForEach(element, MemberOf(capabilities, CODECS))
+    {
+        const std::string codec = "codecs[" + std::to_string(index++) + "]";
+        WarnOfNumber(warnings, element, codec);
+        if (cJSON_IsNumber(element) == 0) {
+            AddIgnored(ignored, codec, KindOf(element->type) + ", not a number");
+        }
+    }
+    index = 0;
+    cJSON_ArrayForEach(element, MemberOf(capabilities, PROFILES))
+    {
+        const std::string profile = "profiles[" + std::to_string(index++) + "].";
+        AddIgnoredMembers(ignored, element, PROFILE_FIELDS, profile);
+        for (const MemberRule &field : PROFILE_FIELDS) {
+            const cJSON *const number = MemberOf(element, field);
+            WarnOfNumber(warnings, number, profile + field.name);
+            if (number == nullptr) {
+                warnings.Add(profile + field.name + " is read as 0");
+            }
+        }
+    }
+}
+
+// ---- device
+
+void AddVersions(cJSON *report, const cJSON *properties, List &warnings)
+{
+    List versions(report, "versions");
+    const cJSON *const table = MemberOf(properties, VERSIONS);
+    if (table == nullptr) {
+        warnings.Add("there is no version table: properties has no string 2016");
+        return;
+    }
+    const auto [root, flaw] = ParseDocument(table->valuestring, warnings);
+    if (root == nullptr) {
+        warnings.Add("the version table is ignored: " + flaw + ": " + table->valuestring);
+        return;
+    }
+    const DHOSTRADeviceJson own;
+    const cJSON *entry = nullptr;
+    cJSON_ArrayForEach(entry, root.get())
+    {
+        if (entry->string == nullptr || cJSON_IsNumber(entry) == 0) {
+            continue;
+        }
+        cJSON *const row = versions.AddObject();
+        AddString(row, "serviceType", entry->string);
+        AddCopy(row, "version", entry);
+        AddNumber(row, "own_version",
+                  own.GetVersionByService(static_cast<int32_t>(std::strtol(entry->string, nullptr, 10))));
+    }
+}
+
+}  // namespace
+
+std::string ResultName(int32_t code)
+{
+    constexpr std::pair<int32_t, const char *> names[] = {{OSTRA_JSON_SUCCESS, "OSTRA_JSON_SUCCESS"},
+                                                          {OSTRA_JSON_CREATE_FAILED, "OSTRA_JSON_CREATE_FAILED"},
+                                                          {OSTRA_JSON_ROOT_MISSING, "OSTRA_JSON_ROOT_MISSING"},
+                                                          {OSTRA_JSON_STEP_FAILED, "OSTRA_JSON_STEP_FAILED"},
+                                                          {OSTRA_JSON_INPUT_INVALID, "OSTRA_JSON_INPUT_INVALID"}};
+    for (const auto &[value, name] : names) {
+        if (value == code) {
+            return name;
+        }
+    }
+    return "";
+}
+
+Finding InspectService(const std::string &document)
+{
+    Finding finding;
+    cJSON *const report = finding.report.get();
+    DHOSTRADeviceServiceJson service;
+    const int32_t result = service.Unmarshal(document);
+    List warnings(report, "warnings");
+    const auto [root, flaw] = ParseDocument(document, warnings);
+    AddResult(finding, "a service document", result, flaw);
+    if (!finding.refusal.empty()) {
+        return finding;
+    }
+    std::vector<uint8_t> written;
+    OSTRADeviceService().PackServiceData(written);
+    const MemberRules rules = RulesOf({written.begin(), written.end()});
+    const std::map<std::string, const std::string *> strings = {{"deviceId", &service.deviceId_},
+                                                                {"deviceName", &service.deviceName_},
+                                                                {"serviceId", &service.serviceId_},
+                                                                {"properties", &service.properties_},
+                                                                {"status", &service.status_}};
+    cJSON *const members = cJSON_AddObjectToObject(report, "members");
+    for (const MemberRule &rule : rules) {
+        const cJSON *const member = MemberOf(root.get(), rule);
+        WarnOfNumber(warnings, member, rule.name);
+        if (member == nullptr) {
+            cJSON_AddNullToObject(members, rule.name.c_str());
+        } else if (rule.types == cJSON_Number) {
+            AddNumber(members, rule.name.c_str(), service.serviceType_);
+        } else {
+            AddString(members, rule.name.c_str(), *strings.at(rule.name));
+        }
+    }
+    List ignored(report, "ignored");
+    AddIgnoredMembers(ignored, root.get(), rules);
+    if (MemberOf(root.get(), PROPERTIES) != nullptr) {
+        Finding audio = InspectAudio(service.properties_);
+        if (!audio.refusal.empty()) {
+            AddString(audio.report.get(), "refused", audio.refusal);
+        }
+        cJSON_AddItemToObject(report, "audio", audio.report.release());
+    }
+    return finding;
+}
+
+Finding InspectAudio(const std::string &document)
+{
+    Finding finding;
+    cJSON *const report = finding.report.get();
+    DHOSTRAAudioProperties audio;
+    const int32_t result = audio.Unmarshal(document);
+    List warnings(report, "warnings");
+    List ignored(report, "ignored");
+    auto [root, flaw] = ParseDocument(document, warnings);
+    AddIgnoredMembers(ignored, root.get(), {CAPABILITIES});
+    const bool isOutside = MemberOf(root.get(), CODECS) != nullptr || MemberOf(root.get(), PROFILES) != nullptr;
+    if (isOutside && MemberOf(root.get(), CAPABILITIES) == nullptr) {
+        warnings.Add("codecs and profiles are only read inside the string 2102");
+    }
+    if (!audio.audioCapablities_.empty()) {
+        const Document capabilities = ParseDocument(audio.audioCapablities_, warnings);
+        AddIgnoredMembers(ignored, capabilities.root.get(), {CODECS, PROFILES}, "2102.");
+        CheckElements(ignored, warnings, capabilities.root.get());
+        flaw = capabilities.flaw.empty() ? "" : "in 2102, " + capabilities.flaw;
+    }
+    AddResult(finding, "audio capabilities", result, flaw);
+    AddString(report, "capabilities", audio.audioCapablities_);
+    AddNumber(report, "codec_bits", audio.audioCodecType_);
+    AddString(report, "profile_text", audio.audioProfiles_);
+    if (audio.profiles_.empty() && !audio.audioProfiles_.empty()) {
+        AddString(report, "profile_note", "the default, since there is no profile");
+    }
+    List profiles(report, "profiles");
+    for (const AudioProfile &profile : audio.profiles_) {
+        AddProfile(profiles, audio, profile);
+    }
+    List codecs(report, "codecs");
+    for (const uint32_t codec : audio.codecs_) {
+        AddCodec(codecs, codec);
+    }
+    return finding;
+}
+
+Finding InspectDevice(const std::string &document)
+{
+    Finding finding;
+    cJSON *const report = finding.report.get();
+    List warnings(report, "warnings");
+    const auto [root, flaw] = ParseDocument(document, warnings);
+    if (root == nullptr) {
+        throw InputError("not a device document: " + flaw);
+    }
+    if (cJSON_IsObject(root.get()) == 0) {
+        throw InputError("not a device document: " + KindOf(root->type) + ", not an object");
+    }
+    std::string written;
+    DHOSTRADeviceJson().Marshal(written);
+    const MemberRules rules = RulesOf(written);
+    cJSON *const members = cJSON_AddObjectToObject(report, "members");
+    for (const MemberRule &rule : rules) {
+        const cJSON *const member = MemberOf(root.get(), rule);
+        if (member == nullptr || rule.types != cJSON_Object) {
+            AddCopy(members, rule.name.c_str(), member);
+        }
+    }
+    const cJSON *const properties = MemberOf(root.get(), PROPERTIES);
+    AddVersions(report, properties, warnings);
+    List ignored(report, "ignored");
+    AddIgnoredMembers(ignored, root.get(), rules);
+    AddIgnoredMembers(ignored, properties, {VERSIONS}, "properties.");
+    return finding;
+}
