@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// HiLog: replays the recordings, and tests levels and output that are not recorded.
+// HiLog: replays the recorded and handwritten cases, and tests what happens when the output cannot be written.
+
+#include "hilog/log.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -9,29 +11,23 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
-#include <functional>
-#include <optional>
 #include <regex>
-#include <utility>
 
-#include "hilog/log.h"
-#include "host/call.h"
-#include "host/values.h"
+#include "host/recording.h"
 #include "parameter.h"
 
 using namespace replay;
-using Log = OHOS::HiviewDFX::HiLog;
+using OHOS::HiviewDFX::HiLog;
 using OHOS::HiviewDFX::HiLogLabel;
 
 namespace {
 
 constexpr unsigned int DOMAIN_ID = 0xD004160;
-constexpr char GLOBAL_LEVEL[] = "persist.sys.hilog.loggable.global";
 constexpr HiLogLabel LABEL = {LOG_CORE, DOMAIN_ID, "T"};
 
-std::optional<std::string> g_message;
+const int g_isUnset = unsetenv("OSTRA_HOST_LOG_LEVEL");
+std::optional<std::string> g_message;  // that the callback received last
 int g_level = 0;
 int g_interruptions = 0;  // of the next writes
 
@@ -56,201 +52,147 @@ extern "C" ssize_t write(int descriptor, const void *data, size_t size)
 
 namespace {
 
-// Redirects standard error to a file; everything that is delivered is written there.
-class HiLog : public testing::Test {
-protected:
-    static void SetUpTestSuite()
-    {
-        unsetenv("OSTRA_HOST_LOG_LEVEL");
-    }
-
-    void SetUp() override
-    {
-        dup2(fileno(output_), STDERR_FILENO);
-        LOG_SetCallback(Keep);
-    }
-
-    void TearDown() override
-    {
-        LOG_SetCallback(nullptr);
-        dup2(standardError_, STDERR_FILENO);
-        close(standardError_);
-        std::fclose(output_);
-        SetParameter(GLOBAL_LEVEL, "I");
-        HiLogSetAppLogLevel(LOG_INFO, UNSET_LOGLEVEL);
-    }
-
-    // Returns what `action` writes, with T for the time and P for process and thread id.
-    std::string Output(const std::function<void()> &action)
-    {
-        EXPECT_EQ(ftruncate(fileno(output_), 0), 0);
-        lseek(fileno(output_), 0, SEEK_SET);
-        action();
-        std::string output(static_cast<size_t>(lseek(fileno(output_), 0, SEEK_END)), '\0');
-        EXPECT_EQ(pread(fileno(output_), output.data(), output.size(), 0), static_cast<ssize_t>(output.size()));
-        static const std::regex changing(R"(\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{4}\d [ \d]{4}\d)");
-        return std::regex_replace(output, changing, "T P P");
-    }
-
-    FILE *output_ = std::tmpfile();
-    int standardError_ = dup(STDERR_FILENO);
-};
+// Returns what `action` writes to standard error, with T for the time and P for process and thread id.
+template <typename Action>
+std::string Output(const Action &action)
+{
+    static const std::regex changing(R"(\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{4}\d [ \d]{4}\d)");
+    g_message.reset();
+    LOG_SetCallback(Keep);
+    testing::internal::CaptureStderr();
+    action();
+    LOG_SetCallback(nullptr);
+    return std::regex_replace(testing::internal::GetCapturedStderr(), changing, "T P P");
+}
 
 Fields Format(const Fields &in)
 {
-    g_message.reset();
-    const RecordedCall call(in, 0);
-    call.Pass([&](auto... arguments) {
-        return HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", Pointer(call.format), arguments...);
-    });
+    const PrintfCall call(in, 0);
+    Output(
+        [&] { call.Pass([](auto... values) { return HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", values...); }); });
     return {g_message.has_value() ? Quote(*g_message) : "none"};
 }
 
-Fields Deliver(const Fields &in)
+std::string Line(int type, int level, unsigned int domain, const std::string &tag, const std::string &message)
 {
-    g_message.reset();
-    const auto tag = Target(in.at(3));
-    const int result =
-        HiLogPrint(static_cast<LogType>(Number<int>(in.at(0))), static_cast<LogLevel>(Number<int>(in[1])),
-                   Number<unsigned int>(in[2]), Pointer(tag), "text");
+    return Output(
+        [&] { HiLogPrint(LogType(type), LogLevel(level), domain, tag.c_str(), "%{public}s", message.c_str()); });
+}
+
+Fields Deliver(int type, int level, unsigned int domain, const std::optional<std::string> &tag)
+{
+    int result = 0;
+    Output([&] { result = HiLogPrint(LogType(type), LogLevel(level), domain, Pointer(tag), "text"); });
     return {g_message.has_value() ? "callback" : "none", result < 0 ? "-" : "+"};
 }
 
-Fields IsLoggable(const Fields &in)
+bool IsLoggable(unsigned int domain, const std::optional<std::string> &tag, int level)
 {
-    const auto tag = Target(in.at(1));
-    const auto level = static_cast<LogLevel>(Number<int>(in.at(2)));
-    return {Show(HiLogIsLoggable(Number<unsigned int>(in[0]), Pointer(tag), level))};
+    return HiLogIsLoggable(domain, Pointer(tag), LogLevel(level));
 }
 
-int LowestLevel(unsigned int domain, const char *tag)
+int LowestLevel(unsigned int domain, const std::optional<std::string> &tag)
 {
     int level = LOG_LEVEL_MIN;
-    while (level < LOG_LEVEL_MAX && !HiLogIsLoggable(domain, tag, static_cast<LogLevel>(level))) {
+    while (level < LOG_LEVEL_MAX && !IsLoggable(domain, tag, level)) {
         ++level;
     }
     return level;
 }
 
+Fields Set(const std::string &parameter, const std::string &value)
+{
+    const int result = SetParameter(parameter.c_str(), value.c_str());
+    return {Show(result), Show(LowestLevel(0x1AF, "Replay"))};
+}
+
+int SetAppLevel(int level, int preference)
+{
+    HiLogSetAppLogLevel(LogLevel(level), PreferStrategy(preference));
+    return LowestLevel(0x1AF, "Replay");
+}
+
 }  // namespace
 
-TEST_F(HiLog, MatchesRecording)
+TEST(HiLog, MatchesRecording)
 {
-    Operations operations;
-    operations["format"] = Format;
-    operations["line"] = [this](const Fields &in) -> Fields {
-        return {Quote(Output([&] {
-            HiLogPrint(static_cast<LogType>(Number<int>(in.at(0))), static_cast<LogLevel>(Number<int>(in.at(1))),
-                       Number<unsigned int>(in.at(2)), Text(in.at(3)).c_str(), "%{public}s", Text(in.at(4)).c_str());
-        }))};
-    };
-    const std::pair<const char *, const char *> sections[] = {{"", "I"}, {"-unset", ""}, {"-E", "E"}};
-    for (const auto &[section, level] : sections) {
-        for (const auto &[name, operation] : {std::pair("deliver", &Deliver), std::pair("loggable", &IsLoggable)}) {
-            operations[std::string(name) + section] = [given = level, run = operation](const Fields &in) {
-                SetParameter(GLOBAL_LEVEL, given);
-                return run(in);
+    Operations operations = {{"format", Format},
+                             {"line", Call(Line)},
+                             {"lowest", Call(LowestLevel)},
+                             {"set", Call(Set)},
+                             {"app", Call(SetAppLevel)}};
+    for (const auto &[section, level] : {std::pair("", "I"), {"-unset", ""}, {"-E", "E"}}) {
+        for (const auto &[name, operation] : {std::pair("deliver", Call(Deliver)), {"loggable", Call(IsLoggable)}}) {
+            operations[std::string(name) + section] = [given = level, call = operation](const Fields &in) {
+                Set("persist.sys.hilog.loggable.global", given);
+                const Fields results = call(in);
+                Set("persist.sys.hilog.loggable.global", "I");
+                return results;
             };
         }
     }
-    Replay("recorded/hilog.txt", 400, operations, [] { SetParameter(GLOBAL_LEVEL, "I"); });
+    Replay("recorded/hilog.txt", 400, operations);
+    Replay("handwritten/hilog.txt", 28, operations);
 }
 
-TEST_F(HiLog, LevelOfTagPrecedesDomainPrecedesGlobal)
+TEST(HiLog, EachFunctionLogsAtItsLevel)
 {
-    constexpr unsigned int appDomain = 0x1aF;
-    const struct {
-        const char *parameter;
-        const char *value;
-        int expected;
-    } steps[] = {
-        {GLOBAL_LEVEL, "D", LOG_DEBUG},
-        {"hilog.loggable.global", "E", LOG_ERROR},
-        {"persist.sys.hilog.loggable.domain.1AF", "W", LOG_WARN},
-        {"hilog.loggable.domain.1af", "X", LOG_LEVEL_MAX},
-        {"persist.sys.hilog.loggable.tag.Replay", "F", LOG_FATAL},
-        {"hilog.loggable.tag.Replay", "I", LOG_INFO},
-        {"hilog.loggable.tag.Replay", "DI", LOG_FATAL},  // not a level: the one before counts
-        {"hilog.loggable.tag.Replay", "I", LOG_INFO},
-    };
-    EXPECT_EQ(LowestLevel(appDomain, "Replay"), LOG_INFO);
-    for (const auto &[parameter, value, expected] : steps) {
-        EXPECT_EQ(SetParameter(parameter, value), 0);
-        EXPECT_EQ(LowestLevel(appDomain, "Replay"), expected) << parameter << value;
-    }
-    EXPECT_EQ(LowestLevel(appDomain, "Other"), LOG_LEVEL_MAX);
-    EXPECT_TRUE(HiLogIsLoggable(DOMAIN_ID, "Other", LOG_FATAL));
-    HiLogSetAppMinLogLevel(LOG_WARN);
-    EXPECT_EQ(LowestLevel(appDomain, "Replay"), LOG_WARN);
-    EXPECT_EQ(LowestLevel(appDomain, "Other"), LOG_LEVEL_MAX);
-    HiLogSetAppLogLevel(LOG_LEVEL_MIN, PREFER_OPEN_LOG);  // neither of these is valid
-    HiLogSetAppLogLevel(LOG_FATAL, static_cast<PreferStrategy>(PREFER_OPEN_LOG + 1));
-    EXPECT_EQ(LowestLevel(appDomain, "Replay"), LOG_WARN);
-    for (const int level : {LOG_LEVEL_MIN + 1, LOG_DEBUG - 1, int{LOG_DEBUG}}) {
-        HiLogSetAppLogLevel(static_cast<LogLevel>(level), PREFER_OPEN_LOG);
-        EXPECT_EQ(LowestLevel(appDomain, "Other"), LOG_DEBUG) << level;
-    }
-    for (const auto &step : steps) {
-        SetParameter(step.parameter, "");
-    }
-    EXPECT_EQ(LowestLevel(DOMAIN_ID, "Replay"), LOG_DEBUG);
-}
-
-TEST_F(HiLog, EachFunctionLogsAtItsLevel)
-{
-    SetParameter(GLOBAL_LEVEL, "D");
+    Set("persist.sys.hilog.loggable.global", "D");
     int level = LOG_DEBUG;
-    for (int (*const log)(const HiLogLabel &, const char *, ...) :
-         {Log::Debug, Log::Info, Log::Warn, Log::Error, Log::Fatal}) {
-        EXPECT_EQ(log(LABEL, "%{public}s %d", "text", 1), 2 + 15);
+    for (const auto log : {HiLog::Debug, HiLog::Info, HiLog::Warn, HiLog::Error, HiLog::Fatal}) {
+        Output([&] { EXPECT_EQ(log(LABEL, "%{public}s %d", "text", 1), 2 + 15); });
         EXPECT_EQ(g_message, "text <private>");
         EXPECT_EQ(g_level, level++);
     }
-    level = LOG_DEBUG;
-    const std::function<int()> macros[] = {
+    int (*const macros[])() = {
         [] { return HiLogDebug(LABEL, "m"); }, [] { return HiLogInfo(LABEL, "m"); },
         [] { return HiLogWarn(LABEL, "m"); },  [] { return HiLogError(LABEL, "m"); },
         [] { return HiLogFatal(LABEL, "m"); },
     };
-    for (const auto &log : macros) {
-        EXPECT_EQ(log(), 2 + 2);
+    level = LOG_DEBUG;
+    for (const auto log : macros) {
+        Output([&] { EXPECT_EQ(log(), 2 + 2); });
         EXPECT_EQ(g_level, level++);
     }
+    Set("persist.sys.hilog.loggable.global", "I");
+    HiLogSetAppMinLogLevel(LOG_ERROR);
+    EXPECT_EQ(LowestLevel(0, "T"), LOG_ERROR);
+    HiLogSetAppLogLevel(LOG_INFO, UNSET_LOGLEVEL);
 }
 
-TEST_F(HiLog, RepeatsAnInterruptedWrite)
+TEST(HiLog, RepeatsAnInterruptedWriteAndReportsAFailedOne)
 {
-    const std::string output = Output([] {
-        g_interruptions = 3;
-        EXPECT_EQ(Log::Info(LABEL, "one\ntwo"), 2 + 8);
+    EXPECT_EQ(Output([] {
+                  g_interruptions = 3;
+                  EXPECT_EQ(HiLog::Info(LABEL, "one\ntwo"), 2 + 8);
+              }),
+              "T P P I C04160/T: one\nT P P I C04160/T: two\n");
+    Output([] {
+        dup2(open("/dev/full", O_WRONLY), STDERR_FILENO);
+        EXPECT_EQ(HiLog::Info(LABEL, "lost"), -1);
     });
-    EXPECT_EQ(output, "T P P I C04160/T: one\nT P P I C04160/T: two\n");
-    dup2(open("/dev/full", O_WRONLY), STDERR_FILENO);
-    EXPECT_EQ(Log::Info(LABEL, "lost"), -1);
 }
 
 // SIGPIPE would end the process.
-TEST_F(HiLog, SurvivesAClosedPipe)
+TEST(HiLog, SurvivesAClosedPipe)
 {
     int ends[2] = {};
     ASSERT_EQ(pipe(ends), 0);
-    dup2(ends[1], STDERR_FILENO);
     close(ends[0]);
-    EXPECT_EQ(Log::Info(LABEL, "lost"), -1);
-
     sigset_t signals;
-    pthread_sigmask(SIG_BLOCK, nullptr, &signals);
-    EXPECT_EQ(sigismember(&signals, SIGPIPE), 0);
-    sigaddset(&signals, SIGPIPE);  // a program that blocks it keeps its own pending signal
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    raise(SIGPIPE);
-    EXPECT_EQ(Log::Info(LABEL, "lost"), -1);
-    sigpending(&signals);
-    EXPECT_EQ(sigismember(&signals, SIGPIPE), 1);
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGPIPE);
+    sigset_t brokenPipe;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    Output([&] {
+        dup2(ends[1], STDERR_FILENO);
+        EXPECT_EQ(HiLog::Info(LABEL, "lost"), -1);
+        pthread_sigmask(SIG_BLOCK, &brokenPipe, &signals);  // a program that blocks it keeps its own pending signal
+        EXPECT_EQ(sigismember(&signals, SIGPIPE), 0);
+        raise(SIGPIPE);
+        EXPECT_EQ(HiLog::Info(LABEL, "lost"), -1);
+    });
     const timespec atOnce{};
-    EXPECT_EQ(sigtimedwait(&signals, nullptr, &atOnce), SIGPIPE);
-    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    EXPECT_EQ(sigtimedwait(&brokenPipe, nullptr, &atOnce), SIGPIPE);
+    pthread_sigmask(SIG_SETMASK, &signals, nullptr);
     close(ends[1]);
 }

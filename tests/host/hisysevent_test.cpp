@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// HiSysEvent: replays the recordings, and tests what is not recorded: rules, listeners, records, the output.
+// HiSysEvent: replays the recorded and handwritten cases, and tests events that are written by the templates.
 
 #include <cJSON.h>
 #include <gtest/gtest.h>
@@ -8,21 +8,13 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <any>
 #include <atomic>
 #include <cerrno>
-#include <cstdint>
 #include <cstdlib>
-#include <deque>
 #include <memory>
-#include <optional>
-#include <stdexcept>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
-#include "host/values.h"
+#include "host/recording.h"
 #include "support/event_listener.h"
 
 using namespace OHOS::HiviewDFX;
@@ -74,22 +66,6 @@ int Write(const std::string &eventName, Types... keyValues)
     return HiSysEvent::Write("Write", ++g_line, "DOMAIN", eventName, HiSysEvent::FAULT, keyValues...);
 }
 
-using Event = EventListener::Event;
-
-// Returns the events that a listener with these rules receives during `action`.
-std::vector<Event> Received(std::vector<ListenerRule> rules, const std::function<void()> &action)
-{
-    std::vector<Event> events;
-    const auto listener = std::make_shared<EventListener>();
-    listener->act = [&](const Event &event) {
-        events.push_back(event);
-    };
-    EXPECT_EQ(HiSysEventManager::AddListener(listener, rules), 0);
-    action();
-    EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
-    return events;
-}
-
 // Undoes the escapes of JSON and quotes the strings as the recording does.
 std::string WithoutEscapes(const std::string &json)
 {
@@ -126,108 +102,102 @@ std::string OwnKeys(const std::string &json)
     return own;
 }
 
-// Keys and values as HiSysEvent::Write packs them. It borrows strings, so that these are kept here.
-class Params {
-public:
-    void Add(const std::string &key, const std::string &type, const std::string &value)
-    {
-        packed.emplace_back().key = Keep(key);
-        if (type == "cstr") {
-            packed.back().Set(Pointer(Keep(Target(value))));
-            return;
-        }
-        const bool isAdded = AddAs<bool>("bool", type, value) || AddAs<int8_t>("i8", type, value) ||
-                             AddAs<uint8_t>("u8", type, value) || AddAs<int16_t>("i16", type, value) ||
-                             AddAs<uint16_t>("u16", type, value) || AddAs<int32_t>("i32", type, value) ||
-                             AddAs<uint32_t>("u32", type, value) || AddAs<int64_t>("i64", type, value) ||
-                             AddAs<uint64_t>("u64", type, value) || AddAs<float>("float", type, value) ||
-                             AddAs<double>("double", type, value) || AddAs<std::string>("string", type, value);
-        if (!isAdded) {
-            throw std::invalid_argument("unknown type: " + type);
-        }
+// Sets a value as HiSysEvent::Write does. It borrows strings, so that they are kept here.
+template <typename T>
+void Set(EventKeyValue &param, const std::string &value)
+{
+    static std::deque<T> kept;
+    if constexpr (IS_OPTIONAL<T>) {
+        param.Set(Pointer(kept.emplace_back(Value<T>(value))));
+    } else {
+        param.Set(kept.emplace_back(Value<T>(value)));
     }
+}
 
-    std::vector<EventKeyValue> packed;
+template <typename T>
+void SetAs(EventKeyValue &param, const std::string &value, bool isVector)
+{
+    isVector ? Set<std::vector<T>>(param, value) : Set<T>(param, value);
+}
 
-private:
-    template <typename T>
-    const T &Keep(T value)
-    {
-        return *std::any_cast<T>(&kept_.emplace_back(std::move(value)));
-    }
-
-    template <typename T>
-    bool AddAs(const std::string &name, const std::string &type, const std::string &value)
-    {
-        if (type == name) {
-            packed.back().Set(Keep(Value<T>(value)));
-        } else if (type == "v" + name) {
-            packed.back().Set(Keep(Value<std::vector<T>>(value)));
-        }
-        return type == name || type == "v" + name;
-    }
-
-    std::deque<std::any> kept_;
+const std::map<std::string, void (*)(EventKeyValue &, const std::string &, bool)> TYPES = {
+    {"bool", SetAs<bool>},
+    {"i8", SetAs<int8_t>},
+    {"u8", SetAs<uint8_t>},
+    {"i16", SetAs<int16_t>},
+    {"u16", SetAs<uint16_t>},
+    {"i32", SetAs<int32_t>},
+    {"u32", SetAs<uint32_t>},
+    {"i64", SetAs<int64_t>},
+    {"u64", SetAs<uint64_t>},
+    {"float", SetAs<float>},
+    {"double", SetAs<double>},
+    {"string", SetAs<std::string>},
+    {"cstr",
+     [](EventKeyValue &param, const std::string &value, bool) {
+         Set<std::optional<std::string>>(param, value);
+     }},
 };
 
-std::vector<Event> g_sent;
-
-Fields WriteParams(const std::string &domain, const std::string &event, int type, const Params &params)
+// Returns the lines of the output from the byte `begin` on.
+Fields Output(size_t begin = 0)
 {
-    const size_t sentBefore = g_sent.size();
-    const int result = ostra::host::WriteEvent({"Write", ++g_line, HISYSEVENT_PERIOD, HISYSEVENT_THRESHOLD}, domain,
-                                               event, type, params.packed.data(), params.packed.size());
-    return {std::to_string(result), g_sent.size() == sentBefore ? "-" : OwnKeys(g_sent.back()->AsJson())};
+    std::istringstream output(g_output.substr(begin));
+    Fields lines;
+    for (std::string line; std::getline(output, line);) {
+        lines.push_back(line);
+    }
+    return lines;
 }
 
 // domain, event, KEY=TYPE:VALUE ...
-Fields WriteKeys(const Fields &in)
+Fields WriteKeys(const Fields &in, int type = HiSysEvent::FAULT)
 {
-    Params params;
+    static std::deque<std::string> keys;
+    std::vector<EventKeyValue> params;
     for (size_t i = 2; i < in.size(); ++i) {
         const Fields parts = Split(in[i], '=');
         const size_t colon = parts.at(1).find(':');
-        params.Add(Text(parts[0]), parts[1].substr(0, colon), parts[1].substr(colon + 1));
+        const bool isVector = parts[1][0] == 'v';
+        params.emplace_back().key = keys.emplace_back(Unquote(parts[0]));
+        TYPES.at(parts[1].substr(isVector, colon - isVector))(params.back(), parts[1].substr(colon + 1), isVector);
     }
     const auto write = [&] {
-        return WriteParams(Text(in.at(0)), Text(in.at(1)), 1, params);
+        return ostra::host::WriteEvent({"Write", ++g_line, HISYSEVENT_PERIOD, HISYSEVENT_THRESHOLD}, Unquote(in.at(0)),
+                                       Unquote(in.at(1)), type, params.data(), params.size());
     };
-    if (in.back().find("cstr:null") == std::string::npos) {
-        return write();
+    if (in.back().find("cstr:null") != std::string::npos) {
+        EXPECT_DEATH(write(), "null string");
+        return {"crashes"};
     }
-    EXPECT_DEATH(write(), "null string");
-    return {"crashes"};
+    const size_t begin = g_output.size();
+    const int result = write();
+    const bool isSent = g_output.size() > begin && g_output.back() == '\n';
+    return {Show(result), isSent ? OwnKeys(Output(begin).back()) : "-"};
 }
 
-// domain, event, COUNT: that many keys PREFIX0, PREFIX1, ...
-template <typename Value>
-Fields WriteMany(const Fields &in, const char *prefix, const char *type, Value value)
+// domain, event, COUNT: so many keys K0, K1, ... with numbers; or domain, event, COUNT, LENGTH: T0, T1, ... with
+// strings
+Fields WriteMany(const Fields &in)
 {
-    Params params;
-    for (size_t i = 0; i < Number<size_t>(in.at(2)); ++i) {
-        params.Add(prefix + std::to_string(i), type, value(i));
+    Fields fields(in.begin(), in.begin() + 2);
+    for (size_t i = 0; i < Value<size_t>(in.at(2)); ++i) {
+        const std::string number = std::to_string(i);
+        fields.push_back(in.size() > 3 ? "\"T" + number + "\"=string:" + Quote(std::string(Value<size_t>(in[3]), 'x'))
+                                       : "\"K" + number + "\"=i32:" + number);
     }
-    return WriteParams(Text(in[0]), Text(in[1]), 1, params);
-}
-
-Fields WriteType(const Fields &in)
-{
-    Params params;
-    params.Add("K", "i32", "1");
-    return WriteParams("DOMAIN", "EVENT", Number<int>(in.at(0)), params);
+    return WriteKeys(fields);
 }
 
 // time, event, func, line, COUNT, domain => the results, each as RESULT*TIMES
 Fields WriteAtSite(const Fields &in)
 {
-    const std::string event = Text(in.at(1));
-    const std::string func = Text(in.at(2));
-    const std::string domain = in.size() > 5 ? Text(in[5]) : "DOMAIN";
-    g_wallClockMs = Number<int64_t>(in.at(0));
+    g_wallClockMs = Value<int64_t>(in.at(0));
     std::vector<std::pair<int, int>> results;
-    for (int left = Number<int>(in.at(4)); left > 0; --left) {
+    for (int left = Value<int>(in.at(4)); left > 0; --left) {
         const int result =
-            HiSysEvent::Write(func.c_str(), Number<int64_t>(in.at(3)), domain, event, HiSysEvent::BEHAVIOR);
+            HiSysEvent::Write(Unquote(in.at(2)).c_str(), Value<int64_t>(in.at(3)),
+                              in.size() > 5 ? Unquote(in[5]) : "DOMAIN", Unquote(in.at(1)), HiSysEvent::BEHAVIOR);
         if (results.empty() || results.back().first != result) {
             results.emplace_back(result, 0);
         }
@@ -236,147 +206,175 @@ Fields WriteAtSite(const Fields &in)
     g_wallClockMs = 0;
     std::string shown;
     for (const auto &[result, times] : results) {
-        shown += (shown.empty() ? "" : " ") + std::to_string(result) + "*" + std::to_string(times);
+        shown += (shown.empty() ? "" : " ") + Show(result) + "*" + Show(times);
     }
     return {shown};
 }
 
-// Reads a key into a variable that holds `before`. Returns the result and the variable.
-template <typename Value>
-std::pair<int, Value> Get(const HiSysEventRecord &record, const char *key, Value before)
+// A listener's rules => the result of registering it, and how often it receives an event
+Fields Listen(const Fields &in)
 {
-    const int result = record.GetParamValue(key, before);
-    return {result, before};
+    std::vector<ListenerRule> rules;
+    for (const std::string &field : in) {
+        const Fields rule = Split(field);
+        rules.emplace_back(Unquote(rule.at(0)), Unquote(rule.at(1)), Unquote(rule.at(2)),
+                           static_cast<RuleType>(Value<int>(rule.at(3))), Value<uint32_t>(rule.at(4)));
+    }
+    int received = 0;
+    const auto listener = std::make_shared<EventListener>();
+    listener->act = [&](const EventListener::Event &) {
+        ++received;
+    };
+    const int32_t result = HiSysEventManager::AddListener(listener, rules);
+    Write("EVENT");
+    HiSysEventManager::RemoveListener(listener);
+    return {Show(result), Show(received)};
 }
+
+std::optional<HiSysEventRecord> g_record;
+
+// Reads a key into a variable that holds `before`.
+template <typename T>
+Operation Gets(const T &before)
+{
+    return [before](const Fields &in) -> Fields {
+        T value = before;
+        const int result = g_record->GetParamValue(Unquote(in.at(0)), value);
+        return {Show(result), Show(value)};
+    };
+}
+
+Fields PlatformFields(const HiSysEventRecord &record)
+{
+    return {Show(record.GetDomain()),  Show(record.GetEventName()), Show(int{record.GetEventType()}),
+            Show(record.GetLevel()),   Show(record.GetTag()),       Show(record.GetTimeZone()),
+            Show(record.GetTime()),    Show(record.GetPid()),       Show(record.GetTid()),
+            Show(record.GetUid()),     Show(record.GetTraceId()),   Show(record.GetSpanId()),
+            Show(record.GetPspanId()), Show(record.GetTraceFlag())};
+}
+
+std::vector<std::string> Names(const HiSysEventRecord &record)
+{
+    std::vector<std::string> names = {"old"};
+    record.GetParamNames(names);
+    return names;
+}
+
+// Which writes and allocations succeed
+Fields Send(const std::string &state)
+{
+    g_outputRoom = state == "works" ? SIZE_MAX : state == "fails" ? 0 : Value<size_t>(state);
+    return {"-"};
+}
+
+Fields UseCjson(const std::string &state)
+{
+    cJSON_Hooks failing = {[](size_t) -> void * { return nullptr; }, std::free};
+    cJSON_InitHooks(state == "fails" ? &failing : nullptr);
+    return {"-"};
+}
+
+Fields ShownOutput()
+{
+    Fields lines = Output();
+    for (std::string &line : lines) {
+        line = line.back() == '}' ? OwnKeys(line) : Show(line.size());
+    }
+    return lines;
+}
+
+Fields Begin()
+{
+    Send("works");
+    Write("FLUSH");  // sends what the case before left behind
+    g_output.clear();
+    return {};
+}
+
+const Operations OPERATIONS = {
+    {"case", Call(Begin)},
+    {"write",
+     [](const Fields &in) {
+         return WriteKeys(in);
+     }},
+    {"keys", WriteMany},
+    {"texts", WriteMany},
+    {"type", Call(+[](int type) {
+         return WriteKeys({Quote("DOMAIN"), Quote("EVENT"), "\"K\"=i32:1"}, type);
+     })},
+    {"send",
+     [](const Fields &in) {
+         return Send(in.at(0));
+     }},
+    {"cJSON",
+     [](const Fields &in) {
+         return UseCjson(in.at(0));
+     }},
+    {"sent", Call(+[] { return Output().size(); })},
+    {"output", Call(ShownOutput)},
+    {"listen", Listen},
+    {"record",
+     [](const Fields &in) {
+         return Fields{g_record.emplace(in.at(0)).AsJson() == in[0] ? "-" : "changed"};
+     }},
+    {"platform", Call(+[] { return PlatformFields(*g_record); })},
+    {"names", Call(+[] { return Names(*g_record); })},
+    {"i64", Gets<int64_t>(7)},
+    {"u64", Gets<uint64_t>(7)},
+    {"double", Gets<double>(7)},
+    {"string", Gets<std::string>("old")},
+    {"vi64", Gets<std::vector<int64_t>>({7})},
+    {"vu64", Gets<std::vector<uint64_t>>({7})},
+    {"vdouble", Gets<std::vector<double>>({7})},
+    {"vstring", Gets<std::vector<std::string>>({"old"})},
+};
 
 }  // namespace
 
 TEST(HiSysEvent, MatchesRecording)
 {
-    const auto listener = std::make_shared<EventListener>();
-    listener->act = [](const Event &event) {
-        g_sent.push_back(event);
-    };
-    std::vector<ListenerRule> all = {ListenerRule("", "")};
-    ASSERT_EQ(HiSysEventManager::AddListener(listener, all), 0);
-    const auto begin = [] {
-        g_outputRoom = SIZE_MAX;
-        Write("FLUSH");  // sends what the case before left behind
-        g_sent.clear();
-    };
-    Operations operations;
-    operations["write"] = WriteKeys;
-    operations["keys"] = [](const Fields &in) {
-        return WriteMany(in, "K", "i32", [](size_t i) { return std::to_string(i); });
-    };
-    operations["texts"] = [](const Fields &in) {
-        const std::string text = Quote(std::string(Number<size_t>(in.at(3)), 'x'));
-        return WriteMany(in, "T", "string", [&](size_t) { return text; });
-    };
-    operations["type"] = WriteType;
-    operations["send"] = [](const Fields &in) -> Fields {
-        g_outputRoom = in.at(0) == "fails" ? 0 : SIZE_MAX;
-        return {"-"};
-    };
-    operations["sent"] = [](const Fields &) -> Fields {
-        return {Show(g_sent.size())};
-    };
-    Replay("recorded/hisysevent.txt", 228, operations, begin);
-    Replay("handwritten/hisysevent.txt", 6, operations, begin);
-    EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
+    Replay("recorded/hisysevent.txt", 228, OPERATIONS);
+    Replay("handwritten/hisysevent.txt", 14, OPERATIONS);
 }
 
 // Each case has its own call sites and starts when earlier ones have expired, so that earlier writes do not matter.
 TEST(HiSysEventRateLimiter, MatchesRecording)
 {
-    Replay("recorded/hisysevent_rate_limiter.txt", 73, {{"site", WriteAtSite}});
+    Replay("recorded/hisysevent_rate_limiter.txt", 73,
+           {{"case", Call(+[] { return Fields(); })}, {"site", WriteAtSite}});
 }
 
-TEST(HiSysEvent, RecordReturnsWhatWasWritten)
+TEST(HiSysEvent, WritesValuesOfEachType)
 {
     enum Plain : uint8_t { PLAIN = 200 };
     using Strings = std::vector<std::string>;
-    using Numbers = std::vector<int64_t>;
     static constexpr char ownDomain[] = "OWN";
-    const auto events = Received({{"", ""}}, [] {
-        EXPECT_EQ(HiSysEventWrite(ownDomain, "EVENT", HiSysEvent::SECURITY, "T", "q\" b\\ \n", "time_", INT64_MAX, "U",
-                                  UINT64_MAX, "D", 0.5, "E", PLAIN, "V", Strings{"1", "\""}, "N",
-                                  std::vector<int16_t>{-1, 2}),
-                  0);
-    });
-    const HiSysEventRecord &record = *events.at(0);
-    EXPECT_EQ(record.GetDomain(), "OWN");
-    EXPECT_EQ(record.GetEventName(), "EVENT");
-    EXPECT_EQ(record.GetEventType(), HiSysEvent::SECURITY);
-    EXPECT_EQ(record.GetPid(), getpid());
-    EXPECT_EQ(record.GetUid(), static_cast<int64_t>(getuid()));
-    EXPECT_EQ(record.GetTid(), gettid());
-    EXPECT_NEAR(static_cast<double>(record.GetTime()), static_cast<double>(time(nullptr)) * 1000, 10000);
-    EXPECT_EQ(record.GetTimeZone().size(), 5u);
-    Strings names = {"old"};
-    record.GetParamNames(names);
-    EXPECT_EQ(names, (Strings{"T", "time_", "U", "D", "E", "V", "N"}));
-
-    EXPECT_EQ(Get(record, "T", std::string()), std::pair(0, std::string("q\" b\\ \n")));
-    EXPECT_EQ(Get(record, "U", uint64_t{1}), std::pair(0, UINT64_MAX));
-    EXPECT_EQ(Get(record, "D", 1.0), std::pair(0, 0.5));
-    EXPECT_EQ(Get(record, "E", int64_t{1}), std::pair(0, int64_t{200}));
-    EXPECT_EQ(Get(record, "V", Strings{"old"}), std::pair(0, Strings{"1", "\""}));
-    EXPECT_EQ(Get(record, "N", Numbers{7}), std::pair(0, Numbers{-1, 2}));
-    EXPECT_EQ(Get(record, "N", std::vector<uint64_t>{7}), std::pair(-3, std::vector<uint64_t>{7}));
-    EXPECT_EQ(Get(record, "T", Numbers{7}), std::pair(-3, Numbers{7}));
-    for (const auto &[key, result] : {std::pair("U", -3), {"D", -3}, {"N", -3}, {"T", -3}, {"none", -2}}) {
-        EXPECT_EQ(Get(record, key, int64_t{1}), std::pair(result, int64_t{1})) << key;
-    }
+    EXPECT_EQ(
+        HiSysEventWrite(ownDomain, "EVENT", HiSysEvent::SECURITY, "T", "q\" b\\ \n", "time_", INT64_MAX, "U",
+                        UINT64_MAX, "D", 0.5, "E", PLAIN, "V", Strings{"1", "\""}, "N", std::vector<int16_t>{-1, 2}),
+        0);
+    const HiSysEventRecord event(Output().back());
+    EXPECT_EQ(OwnKeys(event.AsJson()),
+              R"({"T":"q\x22 b\x5c \x0a","time_":9223372036854775807,"U":18446744073709551615,)"
+              R"("D":0.5,"E":200,"V":["1","\x22"],"N":[-1,2]})");
+    const Fields fields = PlatformFields(event);
+    EXPECT_EQ(fields[0] + fields[1] + fields[2], R"("OWN""EVENT"3)");
+    EXPECT_EQ(fields[7] + " " + fields[8] + " " + fields[9],
+              Show(getpid()) + " " + Show(gettid()) + " " + Show(getuid()));
+    EXPECT_NEAR(static_cast<double>(event.GetTime()), static_cast<double>(time(nullptr)) * 1000, 10000);
+    EXPECT_EQ(Names(event), (Strings{"T", "time_", "U", "D", "E", "V", "N"}));
+    g_record = event;
+    EXPECT_EQ(OPERATIONS.at("u64")({Quote("U")}), (Fields{"0", std::to_string(UINT64_MAX)}));
+    EXPECT_EQ(OPERATIONS.at("string")({Quote("T")}), (Fields{"0", R"("q\x22 b\x5c \x0a")"}));
     const char *const none = nullptr;
     EXPECT_DEATH(Write("EVENT", none, 1), "null key");
-}
-
-TEST(HiSysEvent, RecordParsesAnyJson)
-{
-    const HiSysEventRecord parsed(R"({"level_":"MINOR","tag_":"t","a":[{"1":2}, 3],"traceid_":5,"spanid_":6,)"
-                                  R"("pspanid_":7,"trace_flag_":8})");
-    EXPECT_EQ(parsed.GetLevel() + parsed.GetTag() + parsed.GetDomain(), "MINORt");
-    EXPECT_EQ((std::vector{parsed.GetTraceId(), parsed.GetSpanId(), parsed.GetPspanId()}),
-              (std::vector<uint64_t>{5, 6, 7}));
-    EXPECT_EQ(parsed.GetTraceFlag(), 8);
-    for (const char *json : {"{}", "[1]", "", "{"}) {
-        const HiSysEventRecord empty(json);
-        EXPECT_EQ(Get(empty, "a", int64_t{1}), std::pair(*json == '{' && json[1] == '}' ? -2 : -1, int64_t{1})) << json;
-        EXPECT_EQ(empty.AsJson(), json);
-        EXPECT_EQ(empty.GetEventName() + empty.GetTimeZone(), "") << json;
-        EXPECT_EQ(static_cast<int>(empty.GetEventType()) + empty.GetPid() + empty.GetTid() + empty.GetUid(), 0);
-        EXPECT_EQ(empty.GetTime() + empty.GetTraceId() + empty.GetSpanId() + empty.GetPspanId(), 0u) << json;
-        EXPECT_EQ(empty.GetTraceFlag(), 0) << json;
-    }
-}
-
-TEST(HiSysEvent, RulesSelectByDomainNameAndType)
-{
-    const struct {
-        std::vector<ListenerRule> rules;
-        size_t received;
-    } cases[] = {
-        {{}, 0},
-        {{{"DOMAIN", "EVENT"}, {"", ""}}, 1},  // once
-        {{{"DOMAIN", "EVEN"}}, 0},
-        {{{"OTHER", ""}}, 0},
-        {{{"", "EVENT"}}, 1},
-        {{ListenerRule("tag")}, 0},
-        {{{"", "", "", WHOLE_WORD, HiSysEvent::FAULT}}, 1},
-        {{{"", "", "", WHOLE_WORD, HiSysEvent::BEHAVIOR}}, 0},
-    };
-    for (const auto &[rules, received] : cases) {
-        EXPECT_EQ(Received(rules, [] { EXPECT_EQ(Write("EVENT"), 0); }).size(), received) << &rules - &cases[0].rules;
-    }
 }
 
 TEST(HiSysEvent, ListenersMayWriteUnregisterAndThrow)
 {
     std::vector<ListenerRule> rules = {{"DOMAIN", "FIRST"}};
-    std::vector<ListenerRule> byPrefix = {{"DOMAIN", "FIRST"}, {"DOMAIN", "S", RuleType::PREFIX}};
     const auto listener = std::make_shared<EventListener>();
-    listener->act = [&](const Event &event) {
+    listener->act = [&](const EventListener::Event &event) {
         EXPECT_EQ(event->GetEventName(), "FIRST");
         EXPECT_EQ(Write("SECOND"), 0);
         EXPECT_EQ(HiSysEventManager::RemoveListener(listener), 0);
@@ -384,41 +382,10 @@ TEST(HiSysEvent, ListenersMayWriteUnregisterAndThrow)
     };
     EXPECT_EQ(HiSysEventManager::AddListener(nullptr, rules), -1);
     EXPECT_EQ(HiSysEventManager::RemoveListener(nullptr), -1);
-    EXPECT_EQ(HiSysEventManager::AddListener(listener, byPrefix), -3);
     EXPECT_EQ(HiSysEventManager::RemoveListener(listener), -2);
     EXPECT_EQ(HiSysEventManager::AddListener(listener, rules), 0);
     EXPECT_EQ(HiSysEventManager::AddListener(listener, rules), -2);
+    EXPECT_EQ(ListenerRule("tag").GetTag(), "tag");
     EXPECT_THROW(Write("FIRST"), std::runtime_error);
     std::thread([] { EXPECT_EQ(Write("FIRST"), 0); }).join();  // no lock is held, and there is no listener
-}
-
-TEST(HiSysEvent, EventAfterAShortWriteStartsOnItsOwnLine)
-{
-    g_output.clear();
-    g_outputRoom = 20;
-    EXPECT_EQ(Write("EVENT", "KEY", 1), -5);
-    g_outputRoom = 0;
-    EXPECT_EQ(Write("EVENT", "KEY", 2), -5);
-    g_outputRoom = SIZE_MAX;
-    EXPECT_EQ(Write("EVENT", "KEY", 3), 0);
-    std::string keys;
-    for (const std::string &line : Split(g_output, '\n')) {
-        keys += line.size() == 20 ? "part " : line.empty() ? "" : OwnKeys(line);
-    }
-    EXPECT_EQ(keys, R"(part {"KEY":1}{"KEY":2}{"KEY":3})");
-}
-
-TEST(HiSysEvent, ReportsFailedAllocationsOfCjson)
-{
-    g_output.clear();
-    cJSON_Hooks hooks = {[](size_t) -> void * { return nullptr; }, std::free};
-    const auto events = Received({{"", ""}}, [&] {
-        cJSON_InitHooks(&hooks);
-        EXPECT_EQ(Write("EVENT", "KEY", 1), ERR_RAW_DATA_WROTE_EXCEPTION);
-        cJSON_InitHooks(nullptr);
-        EXPECT_EQ(g_output, "");
-        EXPECT_EQ(Write("EVENT", "KEY", 2), 0);
-    });
-    ASSERT_EQ(events.size(), 1u);
-    EXPECT_EQ(OwnKeys(events[0]->AsJson()), R"({"KEY":2})");
 }

@@ -3,6 +3,8 @@
 // QoS and concurrent task client: replays the recordings over a stand-in for the kernel, and tests the scheduling of
 // threads.
 
+#include "qos.h"
+
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -10,16 +12,12 @@
 #include <unistd.h>
 
 #include <climits>
-#include <optional>
-#include <string>
 #include <thread>
-#include <utility>
 
 #include "concurrent_task_client.h"
 #include "hilog/log.h"
 #include "host/recording.h"
 #include "parameter.h"
-#include "qos.h"
 #include "qos/scheduling.h"
 
 using namespace OHOS;
@@ -28,54 +26,50 @@ using namespace replay;
 
 namespace {
 
-// The stand-in for the kernel, while it has a value.
-struct Kernel {
-    int result = 0;
-    int level = -1;
-    std::string request = "nothing";
-};
-std::optional<Kernel> g_kernel;
+// The stand-in for the kernel.
+bool g_isKernelReplaced = false;
+int g_result = 0;
+int g_level = -1;
+std::string g_request;
 
-int Request(const std::string &request, int tid)
+// Keeps the request to the stand-in, or passes it to the host platform's function `symbol`.
+template <typename... Arguments>
+int Request(const std::string &request, int tid, const char *symbol, Arguments &&...arguments)
 {
-    g_kernel->request = request + (tid == gettid() ? "own" : std::to_string(tid));
-    return g_kernel->result;
+    if (!g_isKernelReplaced) {
+        return reinterpret_cast<int (*)(Arguments...)>(dlsym(RTLD_NEXT, symbol))(arguments...);
+    }
+    g_request = request + (tid == gettid() ? "own" : std::to_string(tid));
+    return g_result;
 }
 
-// Returns the host platform's function, which the one of this program replaces.
-template <typename Function>
-Function *Replaced(Function * /*replacement*/, const char *symbol)
+// The result of an operation and its request to the kernel.
+Fields Result(int result)
 {
-    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, symbol));
+    return {Show(result), std::exchange(g_request, "nothing")};
 }
 
-// Returns the result of the operation and its request to the kernel.
-template <typename Call>
-Fields Result(Call call)
-{
-    g_kernel->request = "nothing";
-    const int result = call();
-    return {std::to_string(result), g_kernel->request};
-}
-
-template <typename Call>
-Fields ResultWithLevel(Call call)
+template <typename... Tid>
+Fields ResultWithLevel(int (*get)(QosLevel &, Tid...), Tid... tid)
 {
     const auto none = static_cast<QosLevel>(99);
     QosLevel level = none;
-    Fields fields = Result([&] { return call(level); });
-    fields.push_back(level == none ? "unchanged" : std::to_string(static_cast<int>(level)));
+    Fields fields = Result(get(level, tid...));
+    fields.push_back(level == none ? "unchanged" : Show(static_cast<int>(level)));
     return fields;
 }
 
-QosLevel Level(const Fields &in)
+Fields StandIn(int result, int level)
 {
-    return static_cast<QosLevel>(Number<int>(in.at(0)));
+    g_result = result;
+    g_level = level;
+    return {"-"};
 }
 
-void Switch(const std::string &value)
+Fields Switch(const std::string &value)
 {
     SetParameter("persist.qosmanager.setQos.on", value.c_str());
+    return {"-"};
 }
 
 }  // namespace
@@ -84,64 +78,49 @@ namespace ostra::host {
 
 int ApplyQosLevel(int level, int tid)
 {
-    return g_kernel.has_value() ? Request("apply " + std::to_string(level) + " to ", tid)
-                                : Replaced(ApplyQosLevel, "_ZN5ostra4host13ApplyQosLevelEii")(level, tid);
+    return Request("apply " + std::to_string(level) + " to ", tid, "_ZN5ostra4host13ApplyQosLevelEii", +level, +tid);
 }
 
 int LeaveQosLevel(int tid)
 {
-    return g_kernel.has_value() ? Request("leave ", tid)
-                                : Replaced(LeaveQosLevel, "_ZN5ostra4host13LeaveQosLevelEi")(tid);
+    return Request("leave ", tid, "_ZN5ostra4host13LeaveQosLevelEi", +tid);
 }
 
 int QueryQosLevel(int tid, int &level)
 {
-    if (!g_kernel.has_value()) {
-        return Replaced(QueryQosLevel, "_ZN5ostra4host13QueryQosLevelEiRi")(tid, level);
-    }
-    level = g_kernel->level;
-    return Request("get ", tid);
+    level = g_level;
+    return Request("get ", tid, "_ZN5ostra4host13QueryQosLevelEiRi", +tid, level);
 }
 
 }  // namespace ostra::host
 
 TEST(Qos, MatchesRecording)
 {
-    const auto begin = [] {
-        g_kernel = Kernel();
-        Switch("true");
-    };
-    Operations operations;
-    operations["SetThreadQos"] = [](const Fields &in) {
-        return Result([&] { return SetThreadQos(Level(in)); });
-    };
-    operations["SetQosForOtherThread"] = [](const Fields &in) {
-        return Result([&] { return SetQosForOtherThread(Level(in), Number<int>(in.at(1))); });
-    };
-    operations["ResetThreadQos"] = [](const Fields &) {
-        return Result(ResetThreadQos);
-    };
-    operations["ResetQosForOtherThread"] = [](const Fields &in) {
-        return Result([&] { return ResetQosForOtherThread(Number<int>(in.at(0))); });
-    };
-    operations["GetThreadQos"] = [](const Fields &) {
-        return ResultWithLevel(GetThreadQos);
-    };
-    operations["GetQosForOtherThread"] = [](const Fields &in) {
-        return ResultWithLevel([&](QosLevel &level) { return GetQosForOtherThread(level, Number<int>(in.at(0))); });
-    };
-    operations["kernel"] = [](const Fields &in) -> Fields {
-        g_kernel->result = Number<int>(in.at(0));
-        g_kernel->level = Number<int>(in.at(1));
-        return {"-"};
-    };
-    operations["switch"] = [](const Fields &in) -> Fields {
-        Switch(in.at(0));
-        return {"-"};
-    };
-    Replay("recorded/qos.txt", 67, operations, begin);
+    g_isKernelReplaced = true;
+    Replay("recorded/qos.txt", 67,
+           {
+               {"SetThreadQos", Call(+[](int level) { return Result(SetThreadQos(QosLevel{level})); })},
+               {"SetQosForOtherThread",
+                Call(+[](int level, int tid) { return Result(SetQosForOtherThread(QosLevel{level}, tid)); })},
+               {"ResetThreadQos", Call(+[] { return Result(ResetThreadQos()); })},
+               {"ResetQosForOtherThread", Call(+[](int tid) { return Result(ResetQosForOtherThread(tid)); })},
+               {"GetThreadQos", Call(+[] { return ResultWithLevel(GetThreadQos); })},
+               {"GetQosForOtherThread", Call(+[](int tid) { return ResultWithLevel(GetQosForOtherThread, tid); })},
+               {"kernel", Call(StandIn)},
+               {"switch",
+                [](const Fields &in) {
+                    return Switch(in.at(0));
+                }},
+               {"case",
+                [](const Fields &) {
+                    StandIn(0, -1);
+                    Switch("true");
+                    g_request = "nothing";
+                    return Fields();
+                }},
+           });
     Switch("true");
-    g_kernel.reset();
+    g_isKernelReplaced = false;
 }
 
 TEST(Qos, SchedulesAndResetsThreads)
@@ -153,11 +132,12 @@ TEST(Qos, SchedulesAndResetsThreads)
     const Scheduling usual = now();
     const Scheduling levels[] = {{SCHED_BATCH, 0},   {SCHED_BATCH, 0},   {SCHED_OTHER, 0}, {SCHED_OTHER, -5},
                                  {SCHED_OTHER, -10}, {SCHED_OTHER, -15}, {SCHED_BATCH, -5}};
+    QosLevel actual = QosLevel::QOS_MAX;
     int number = 0;
     for (const auto &[policy, offset] : levels) {
         const Scheduling wanted(policy, usual.second + offset);
         const QosLevel level{number++};
-        QosLevel actual = QosLevel::QOS_MAX;
+        actual = QosLevel::QOS_MAX;
         std::thread([&, tid = gettid()] {
             const bool isGranted = setpriority(PRIO_PROCESS, 0, wanted.second) == 0;
             EXPECT_EQ(SetQosForOtherThread(level, tid), isGranted ? 0 : -1) << number;
@@ -173,15 +153,10 @@ TEST(Qos, SchedulesAndResetsThreads)
         EXPECT_EQ(SetQosForOtherThread(QosLevel::QOS_BACKGROUND, other), -1) << other;
         EXPECT_EQ(ResetQosForOtherThread(other), -1) << other;
     }
-}
-
-TEST(Qos, ThreadLosesItsLevelWhenScheduledOtherwise)
-{
-    QosLevel level = QosLevel::QOS_MAX;
-    const sched_param noRealTimePriority{};
     EXPECT_EQ(SetThreadQos(QosLevel::QOS_BACKGROUND), 0);
+    const sched_param noRealTimePriority{};
     EXPECT_EQ(sched_setscheduler(0, SCHED_OTHER, &noRealTimePriority), 0);
-    EXPECT_EQ(GetThreadQos(level), -1);
+    EXPECT_EQ(GetThreadQos(actual), -1) << "a thread loses its level when it is scheduled otherwise";
 }
 
 TEST(ConcurrentTaskClient, LogsEachRequestWithItsPairsInOrder)

@@ -1,84 +1,201 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Replays the files of tests/data/host/ on the host platform: passes the input of each line to a function of the test,
-// and compares its result with the one in the file.
+// Replays the files of tests/data/host/ on the host platform: passes the input of each line to an operation of the
+// test, and compares its results with those in the file.
 //
-//     Replay("recorded/qos.txt", 67, {{"SetThreadQos", [](const Fields &in) { return Fields{...}; }}});
+//     Replay("recorded/qos.txt", 67, {{"SetThreadQos", Call(+[](int level) { return SetThreadQos(QosLevel(level));
+//     })}});
 
 #ifndef TESTS_HOST_RECORDING_H
 #define TESTS_HOST_RECORDING_H
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <deque>
 #include <functional>
+#include <iomanip>
+#include <limits>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <type_traits>
+#include <utility>
+#include <variant>
 #include <vector>
 
 namespace replay {
 
 using Fields = std::vector<std::string>;
 
-struct Line {
-    int number = 0;   // in the file, from 1
-    std::string raw;  // verbatim
-    Fields input;     // the operation, then its arguments
-    Fields expected;
-};
-
-using Case = std::vector<Line>;
-
-// Maps the arguments of a line to its result fields. The line fails if it throws, as `at` and the functions below do
-// for a missing or malformed argument.
+// Maps the arguments of a line to its results. The line fails if the operation throws, as `at` and Value do for a
+// missing or malformed argument.
 using Operation = std::function<Fields(const Fields &arguments)>;
 using Operations = std::map<std::string, Operation>;
 
-// Reads the cases of a file: from one line "case" to the next, or one per line if there is no such line. Expands their
-// fields and removes the spaces between groups of bytes. Throws if a line is malformed or the file cannot be read.
-std::vector<Case> ReadRecording(const std::string &name);
+// An operation throws it to skip its case.
+struct Skip {};
 
-// Thrown by an operation whose result depends on the size of long, if that of this machine differs from the recorded
-// one.
-struct OtherMachine {};
-
-// Replays a file of `count` cases, with `begin` before each, reports each case with another result, and prints how many
-// cases were replayed. Skips cases of other machines and those with an operation whose name contains `notOffered`. Any
-// other operation that is missing is a failure, and so is a `notOffered` that no case contains.
-void Replay(
-    const std::string &name, size_t count, const Operations &operations, const std::function<void()> &begin = [] {},
-    const std::optional<std::string> &notOffered = {});
-
-// Expands repeated and joined pieces: "x"*3+"y" is "xxxy", 00*3 01 is 000000 01.
-std::string Expand(const std::string &folded);
-
-// Text and Bytes parse an expanded field, a quoted string or hexadecimal digits; Quote and Hex print one.
-std::string Text(const std::string &field);
-std::string Bytes(const std::string &field);
-std::string Quote(const std::string &text);
-std::string Hex(const std::string &bytes);
+// Replays a file of `count` cases: from one line "case" to the next, or one per line if there is no such line. Returns
+// the number of skipped cases.
+size_t Replay(const std::string &name, size_t count, const Operations &operations);
 
 // Splits at a separator outside quotes; "-" and "" have no elements.
 Fields Split(const std::string &field, char separator = ',');
 
-// A decimal or 0x number.
-template <typename T>
-T Number(const std::string &field)
+// A string is quoted, with \xNN for a byte.
+std::string Unquote(const std::string &field);
+std::string Quote(const std::string &text);
+
+// A string that is shown as hexadecimal digits.
+struct Bytes : std::string {
+    explicit Bytes(std::string bytes) : std::string(std::move(bytes))
+    {
+    }
+};
+
+template <typename Unit>
+std::basic_string<Unit> FromHex(std::string digits)
 {
-    size_t end = 0;
-    T value = 0;
-    if constexpr (std::is_floating_point_v<T>) {
-        value = static_cast<T>(std::stod(field, &end));
-    } else if (field[0] == '-') {
-        value = static_cast<T>(std::stoll(field, &end, 0));
-    } else {
-        value = static_cast<T>(std::stoull(field, &end, 0));
+    digits.erase(std::remove(digits.begin(), digits.end(), ' '), digits.end());
+    std::basic_string<Unit> units;
+    for (size_t at = 0; at < digits.size() && digits != "-"; at += 2 * sizeof(Unit)) {
+        units += static_cast<Unit>(std::stoul(digits.substr(at, 2 * sizeof(Unit)), nullptr, 16));
     }
-    if (end != field.size()) {
-        throw std::invalid_argument("not a number: " + field);
-    }
-    return value;
+    return units;
 }
+
+template <typename Unit>
+std::string ToHex(const std::basic_string<Unit> &units)
+{
+    std::ostringstream digits;
+    digits << std::hex << std::setfill('0');
+    for (const Unit unit : units) {
+        digits << std::setw(2 * sizeof(Unit)) << static_cast<std::make_unsigned_t<Unit>>(unit) + 0;
+    }
+    return units.empty() ? "-" : digits.str();
+}
+
+template <typename T>
+constexpr bool IS_VECTOR = false;
+template <typename T>
+constexpr bool IS_VECTOR<std::vector<T>> = true;
+
+template <typename T>
+constexpr bool IS_OPTIONAL = false;
+template <typename T>
+constexpr bool IS_OPTIONAL<std::optional<T>> = true;
+
+inline std::string g_memory;  // Recorded pointers are offsets into it.
+
+// Parses a field.
+template <typename T>
+T Value(const std::string &field)
+{
+    if constexpr (std::is_same_v<T, std::string>) {
+        return Unquote(field);
+    } else if constexpr (IS_OPTIONAL<T>) {
+        return field == "null" ? std::nullopt : T(Value<typename T::value_type>(field));
+    } else if constexpr (std::is_pointer_v<T>) {
+        return field == "null" ? nullptr : g_memory.data() + Value<size_t>(field);
+    } else if constexpr (std::is_same_v<T, std::u16string>) {
+        return FromHex<char16_t>(field);
+    } else if constexpr (std::is_same_v<T, Bytes>) {
+        return Bytes(FromHex<char>(field));
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return field == "true" || field == "1";
+    } else if constexpr (IS_VECTOR<T>) {
+        T values;
+        for (const std::string &element : Split(field)) {
+            values.push_back(Value<typename T::value_type>(element));
+        }
+        return values;
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<T>(std::stod(field));
+    } else {
+        size_t end = 0;
+        const unsigned long long value = std::stoull(field, &end, 0);  // also of a negative number
+        return end == field.size() ? static_cast<T>(value) : throw std::invalid_argument("not a number: " + field);
+    }
+}
+
+inline const char *Pointer(const std::optional<std::string> &target)
+{
+    return target.has_value() ? target->c_str() : nullptr;
+}
+
+// Prints a result.
+template <typename T>
+std::string Show(const T &value)
+{
+    if constexpr (std::is_same_v<T, std::string>) {
+        return Quote(value);
+    } else if constexpr (std::is_same_v<T, Bytes> || std::is_same_v<T, std::u16string>) {
+        return ToHex(value);
+    } else if constexpr (IS_OPTIONAL<T>) {
+        return value.has_value() ? Show(*value) : "null";
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return value ? "true" : "false";
+    } else if constexpr (IS_VECTOR<T>) {
+        std::string list;
+        for (const typename T::value_type &element : value) {
+            list += (list.empty() ? "" : ",") + Show(element);
+        }
+        return list.empty() ? "-" : list;
+    } else {
+        std::ostringstream number;
+        number << std::setprecision(std::numeric_limits<T>::max_digits10) << +value;
+        return number.str();
+    }
+}
+
+// The result of a function and a variable that it sets.
+template <typename First, typename Second>
+std::string Show(const std::pair<First, Second> &values)
+{
+    return Show(values.first) + " " + Show(values.second);
+}
+
+// An operation that passes its first arguments to a function and shows the result.
+template <typename Result, typename... Parameters>
+Operation Call(Result (*function)(Parameters...))
+{
+    return [function](const Fields &in) -> Fields {
+        [[maybe_unused]] auto next = [&in, at = size_t{0}]() mutable -> const std::string & {
+            return in.at(at++);
+        };
+        std::tuple<std::decay_t<Parameters>...> arguments{Value<std::decay_t<Parameters>>(next())...};
+        if constexpr (std::is_same_v<Result, Fields>) {
+            return std::apply(function, std::move(arguments));
+        } else {
+            return {Show(std::apply(function, std::move(arguments)))};
+        }
+    };
+}
+
+// The format and the arguments of a recorded call of a function such as printf.
+struct PrintfCall {
+    // The format is fields[at], and its arguments follow. Skips the case if it depends on the size of long, and that of
+    // this machine differs from the recorded one.
+    PrintfCall(const Fields &fields, size_t at);
+
+    // Passes format and arguments to `print`, and zeros for the arguments that are not there.
+    template <typename Print>
+    int Pass(const Print &print) const
+    {
+        const auto passValues = [&](auto... values) {
+            return print(Pointer(format), values...);
+        };
+        return std::apply([&](auto... each) { return std::visit(passValues, each...); }, arguments);
+    }
+
+    std::optional<std::string> format;
+    std::array<std::variant<intptr_t, double>, 5> arguments{};
+    std::deque<std::string> strings;
+};
 
 }  // namespace replay
 

@@ -27,23 +27,18 @@
 using namespace OHOS;
 using namespace OHOS::DistributedHardware;
 
-static_assert(SUCCEEDED(ERR_OK));
-static_assert(FAILED(ERR_OK - 1));
+static_assert(SUCCEEDED(ERR_OK) && FAILED(ERR_OK - 1));
 
 namespace {
 
 const auto token = std::make_shared<int>();  // shared with every object
 
 struct Object : virtual RefBase {
-    explicit Object(int number = 0) : value(number)
-    {
-    }
-    int value;
     std::shared_ptr<int> held = token;
 };
 
 struct Derived : Object {
-    using Object::Object;
+    Derived() = default;
     DISALLOW_COPY_AND_MOVE(Derived);
 };
 
@@ -62,7 +57,7 @@ struct Listener : IPublisherListener {
 
 TEST(RefBase, PointersShareTheCountOfTheObject)
 {
-    sptr<Object> first = new Derived(1);
+    sptr<Object> first = new Derived();
     Object *const raw = first;
     {
         const sptr<Object> second(raw);
@@ -73,11 +68,12 @@ TEST(RefBase, PointersShareTheCountOfTheObject)
         EXPECT_EQ(raw->GetSptrRefCount(), 3);
     }
     EXPECT_EQ(raw->GetSptrRefCount(), 1);
-    const sptr<Derived> derived = sptr<Derived>::MakeSptr(2);
+    const sptr<Derived> derived = sptr<Derived>::MakeSptr();
     first = derived;  // ends the first object
     EXPECT_EQ(token.use_count(), 1 + 1);
-    const Object copy(*first);  // counts for itself
-    EXPECT_EQ(copy.value, 2);
+    Object copy(*first);  // counts for itself
+    copy = *first;
+    EXPECT_EQ(copy.GetSptrRefCount(), 0);
     EXPECT_EQ(derived->GetSptrRefCount(), 2);
     first = nullptr;
     EXPECT_FALSE(first);
@@ -86,23 +82,21 @@ TEST(RefBase, PointersShareTheCountOfTheObject)
 
 TEST(RefBase, WeakPointersExpireWithTheObject)
 {
-    sptr<Object> strong = new Object(5);
+    sptr<Object> strong = new Object();
     wptr<Object> weak = strong;
-    const wptr<Object> copy = weak;
-    EXPECT_EQ(weak.promote()->value, 5);
+    EXPECT_EQ(weak.promote(), strong);
     EXPECT_EQ(strong->GetSptrRefCount(), 1);
     strong = nullptr;
     EXPECT_EQ(token.use_count(), 1);
-    EXPECT_FALSE(copy.promote());
+    EXPECT_FALSE(weak.promote());
     EXPECT_FALSE(wptr<Object>().promote());
     {
         Object uncounted;
         weak = &uncounted;
-        EXPECT_EQ(uncounted.GetSptrRefCount(), 0);
     }
     EXPECT_FALSE(weak.promote());
-    weak = new Derived(6);  // not counted yet: the first strong pointer owns it
-    EXPECT_EQ(weak.promote()->value, 6);
+    weak = new Derived();  // not counted yet: the first strong pointer owns it
+    EXPECT_TRUE(weak.promote());
     EXPECT_FALSE(weak.promote());
 }
 
@@ -110,13 +104,13 @@ TEST(RefBase, WeakPointersExpireWithTheObject)
 TEST(RefBase, CountsAreThreadSafe)
 {
     for (int round = 0; round < 200; ++round) {
-        sptr<Object> strong = new Object(round);
+        sptr<Object> strong = new Object();
         std::vector<std::thread> threads;
         for (int i = 0; i < 3; ++i) {
-            threads.emplace_back([weak = wptr<Object>(strong), round] {
+            threads.emplace_back([weak = wptr<Object>(strong)] {
                 for (int promotion = 0; promotion < 20; ++promotion) {
                     const sptr<Object> held = weak.promote();
-                    EXPECT_EQ(held ? held->value : round, round);
+                    EXPECT_TRUE(!held || held->held == token);
                 }
             });
         }
@@ -134,7 +128,10 @@ TEST(FwkKit, PublishesToTheListenersOfTheTopic)
     constexpr DHTopic unused{UINT32_MAX};
     std::string heard;
     const sptr<IPublisherListener> first = new Listener([&](const std::string &text) { heard += "1st " + text + ' '; });
-    const sptr<IPublisherListener> second = new Listener([&](const std::string &text) { heard += "2nd " + text; });
+    const sptr<IPublisherListener> second = new Listener([&](const std::string &text) {
+        heard += "2nd " + text;
+        throw std::runtime_error("from a listener");
+    });
     DistributedHardwareFwkKit kit;
     EXPECT_EQ(DistributedHardwareFwkKit().RegisterPublisherListener(topic, first), 0);
     EXPECT_EQ(DistributedHardwareFwkKit().RegisterPublisherListener(topic, second), 0);
@@ -144,25 +141,13 @@ TEST(FwkKit, PublishesToTheListenersOfTheTopic)
     EXPECT_EQ(kit.PublishMessage(DHTopic::TOPIC_MIN, "m"), -1);
     EXPECT_EQ(kit.UnregisterPublisherListener(unused, second), -1);
     EXPECT_EQ(kit.PublishMessage(unused, "unheard"), 0);
-    EXPECT_EQ(kit.PublishMessage(topic, "m"), 0);
-    EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), 0);
-    EXPECT_EQ(first->GetSptrRefCount(), 1);
-    EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), -1);
-    EXPECT_EQ(kit.PublishMessage(topic, "n"), 0);
-    EXPECT_EQ(heard, "1st 8m 2nd 8m2nd 8n");
-    EXPECT_EQ(kit.UnregisterPublisherListener(topic, second), 0);
-}
-
-TEST(FwkKit, ListenersMayThrow)
-{
-    constexpr DHTopic topic{20};
-    DistributedHardwareFwkKit kit;
-    const sptr<IPublisherListener> thrower =
-        new Listener([](const std::string &) { throw std::runtime_error("from a listener"); });
-    ASSERT_EQ(kit.RegisterPublisherListener(topic, thrower), 0);
     EXPECT_THROW(kit.PublishMessage(topic, "m"), std::runtime_error);
-    EXPECT_EQ(kit.UnregisterPublisherListener(topic, thrower), 0);
-    EXPECT_EQ(thrower->GetSptrRefCount(), 1);
+    EXPECT_EQ(kit.UnregisterPublisherListener(topic, second), 0);
+    EXPECT_EQ(second->GetSptrRefCount(), 1);
+    EXPECT_EQ(kit.UnregisterPublisherListener(topic, second), -1);
+    EXPECT_EQ(kit.PublishMessage(topic, "n"), 0);
+    EXPECT_EQ(heard, "1st 8m 2nd 8m1st 8n ");
+    EXPECT_EQ(kit.UnregisterPublisherListener(topic, first), 0);
 }
 
 namespace {

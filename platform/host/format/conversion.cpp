@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <string_view>
 
@@ -31,31 +32,6 @@ bool ParseNumber(const char *&cursor, Arguments &arguments, int &number)
     }
     number = static_cast<int>(value);
     return true;
-}
-
-void ParseFlags(const char *&cursor, Conversion &conversion)
-{
-    for (;; ++cursor) {
-        switch (*cursor) {
-            case '-':
-                conversion.isLeft = true;
-                break;
-            case '+':
-                conversion.hasPlus = true;
-                break;
-            case ' ':
-                conversion.hasBlank = true;
-                break;
-            case '#':
-                conversion.isAlternate = true;
-                break;
-            case '0':
-                conversion.hasZeros = true;
-                break;
-            default:
-                return;
-        }
-    }
 }
 
 bool ParseWidths(const char *&cursor, Arguments &arguments, Conversion &conversion)
@@ -123,7 +99,9 @@ bool ParseConversion(const char *&cursor, FormatDialect dialect, Arguments &argu
         ParsePrivacy(cursor, conversion);
     }
     if (*cursor != '%') {
-        ParseFlags(cursor, conversion);
+        conversion.flags = {cursor, std::strspn(cursor, "-+ #0")};
+        conversion.isLeft = conversion.Has('-');
+        cursor += conversion.flags.size();
         if (!ParseWidths(cursor, arguments, conversion)) {
             return false;
         }

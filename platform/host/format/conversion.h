@@ -6,6 +6,7 @@
 #define HOST_FORMAT_CONVERSION_H
 
 #include <cstdarg>
+#include <string_view>
 
 #include "format/format.h"
 
@@ -44,12 +45,14 @@ enum class ConversionSize { PLAIN, SHORT, CHAR, SIZE, DIFFERENCE, LONG, LONG_LON
 
 /// The parts of a conversion such as "%{public}-8.3ld".
 struct Conversion {
+    bool Has(char flag) const
+    {
+        return flags.find(flag) != std::string_view::npos;
+    }
+
     bool isVisible = true;
-    bool isLeft = false;
-    bool hasPlus = false;
-    bool hasBlank = false;
-    bool isAlternate = false;
-    bool hasZeros = false;
+    bool isLeft = false;  // by a flag or a negative width
+    std::string_view flags;
     int width = 0;
     int precision = UNSET_PRECISION;
     ConversionSize size = ConversionSize::PLAIN;

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <cwchar>
 #include <string_view>
+#include <type_traits>
 
 #include "format/conversion.h"
 
@@ -90,12 +91,11 @@ private:
         switch (conversion.type) {
             case 'd':
             case 'i':
-                return PutInteger(conversion, ReadSigned(conversion.size));
             case 'o':
             case 'u':
             case 'x':
             case 'X':
-                return PutInteger(conversion, {false, ReadUnsigned(conversion.size)});
+                return PutInteger(conversion, ReadInteger(conversion));
             case 'p':
                 return PutPointer(conversion);
             case 'c':
@@ -119,50 +119,35 @@ private:
         }
     }
 
-    Number ReadSigned(ConversionSize size)
+    Number ReadInteger(const Conversion &conversion)
     {
-        const int64_t value = ReadSignedValue(size);
-        return {value < 0, value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value)};
-    }
-
-    int64_t ReadSignedValue(ConversionSize size)
-    {
-        switch (size) {
+        const bool isSigned = conversion.type == 'd' || conversion.type == 'i';
+        switch (conversion.size) {
             case ConversionSize::PLAIN:
-                return arguments_.Next<int>();
+                return ToNumber(arguments_.Next<int>(), isSigned);
             case ConversionSize::SHORT:
-                return static_cast<short>(arguments_.Next<int>());
+                return ToNumber(static_cast<short>(arguments_.Next<int>()), isSigned);
             case ConversionSize::CHAR:
-                return static_cast<signed char>(arguments_.Next<int>());
+                return ToNumber(static_cast<signed char>(arguments_.Next<int>()), isSigned);
             case ConversionSize::SIZE:
-                return dialect_ == FormatDialect::HILOG ? arguments_.Next<int>() : arguments_.Next<ptrdiff_t>();
+                return dialect_ == FormatDialect::HILOG ? ToNumber(arguments_.Next<int>(), isSigned)
+                                                        : ToNumber(arguments_.Next<ptrdiff_t>(), isSigned);
             case ConversionSize::DIFFERENCE:
-                return arguments_.Next<ptrdiff_t>();
+                return ToNumber(arguments_.Next<ptrdiff_t>(), isSigned);
             case ConversionSize::LONG:
-                return arguments_.Next<long>();
+                return ToNumber(arguments_.Next<long>(), isSigned);
             default:
-                return arguments_.Next<long long>();
+                return ToNumber(arguments_.Next<long long>(), isSigned);
         }
     }
 
-    uint64_t ReadUnsigned(ConversionSize size)
+    template <typename Integer>
+    static Number ToNumber(Integer value, bool isSigned)
     {
-        switch (size) {
-            case ConversionSize::PLAIN:
-                return arguments_.Next<unsigned int>();
-            case ConversionSize::SHORT:
-                return static_cast<unsigned short>(arguments_.Next<int>());
-            case ConversionSize::CHAR:
-                return static_cast<unsigned char>(arguments_.Next<int>());
-            case ConversionSize::SIZE:
-                return dialect_ == FormatDialect::HILOG ? arguments_.Next<unsigned int>() : arguments_.Next<size_t>();
-            case ConversionSize::DIFFERENCE:
-                return static_cast<size_t>(arguments_.Next<ptrdiff_t>());
-            case ConversionSize::LONG:
-                return arguments_.Next<unsigned long>();
-            default:
-                return arguments_.Next<unsigned long long>();
+        if (isSigned && value < 0) {
+            return {true, 0 - static_cast<uint64_t>(value)};
         }
+        return {false, static_cast<std::make_unsigned_t<Integer>>(value)};
     }
 
     bool PutInteger(const Conversion &conversion, Number number)
@@ -184,19 +169,19 @@ private:
         const int count = static_cast<int>(end - begin);
         const int wanted = conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
         int zeros = std::max(wanted - count, 0);
-        if (conversion.isAlternate && conversion.type == 'o' && zeros == 0) {
+        if (conversion.Has('#') && conversion.type == 'o' && zeros == 0) {
             zeros = 1;
         }
 
         std::string_view prefix;
         if (conversion.type == 'd' || conversion.type == 'i') {
-            prefix = number.isNegative ? "-" : conversion.hasPlus ? "+" : conversion.hasBlank ? " " : "";
-        } else if (conversion.isAlternate && isHex && number.magnitude != 0) {
+            prefix = number.isNegative ? "-" : conversion.Has('+') ? "+" : conversion.Has(' ') ? " " : "";
+        } else if (conversion.Has('#') && isHex && number.magnitude != 0) {
             prefix = isUpper ? "0X" : "0x";
         }
         const int padding = conversion.width - static_cast<int>(prefix.size()) - zeros - count;
         const bool isPrecise = conversion.precision != UNSET_PRECISION && conversion.type != 'p';
-        if (conversion.hasZeros && !conversion.isLeft && !isPrecise) {
+        if (conversion.Has('0') && !conversion.isLeft && !isPrecise) {
             Put(prefix);
             Fill('0', padding);
         } else {
@@ -220,7 +205,7 @@ private:
             return PutText(conversion, "(nil)");
         }
         conversion.type = 'x';
-        conversion.isAlternate = true;
+        conversion.flags = conversion.Has('0') ? "#0" : "#";
         return PutInteger(conversion, {false, address});
     }
 
@@ -232,7 +217,7 @@ private:
             Put(PRIVATE_TEXT);
             return true;
         }
-        const bool withZeros = conversion.hasZeros && dialect_ == FormatDialect::HILOG;
+        const bool withZeros = conversion.Has('0') && dialect_ == FormatDialect::HILOG;
         const size_t width = static_cast<size_t>(conversion.width);
         const int padding = length < width ? static_cast<int>(width - length) : 0;
         Fill(withZeros ? '0' : ' ', conversion.isLeft ? 0 : padding);
@@ -322,8 +307,8 @@ private:
         }
         char format[sizeof("%-+ #0*.*Lf")];
         std::snprintf(format, sizeof(format), "%%%s%s%s%s%s*.*%s%c", conversion.isLeft ? "-" : "",
-                      conversion.hasPlus ? "+" : "", conversion.hasBlank ? " " : "", conversion.isAlternate ? "#" : "",
-                      conversion.hasZeros ? "0" : "", size, conversion.type);
+                      conversion.Has('+') ? "+" : "", conversion.Has(' ') ? " " : "", conversion.Has('#') ? "#" : "",
+                      conversion.Has('0') ? "0" : "", size, conversion.type);
         const int wanted = std::snprintf(nullptr, 0, format, conversion.width, conversion.precision, value);
         if (wanted < 0) {
             return false;

@@ -46,28 +46,6 @@ void AbortIfNull(std::string_view string, const char *what)
     }
 }
 
-// Returns the letter after the backslash in JSON, or 0.
-char EscapeOf(char character)
-{
-    switch (character) {
-        case '"':
-        case '\\':
-            return character;
-        case '\b':
-            return 'b';
-        case '\f':
-            return 'f';
-        case '\n':
-            return 'n';
-        case '\r':
-            return 'r';
-        case '\t':
-            return 't';
-        default:
-            return 0;
-    }
-}
-
 bool IsControl(char character)
 {
     constexpr char deleteCharacter = 0x7F;
@@ -134,11 +112,6 @@ void EventEncoder::Add(const EventKeyValue &param)
     ++keyCount_;
     size_ += KEY_OVERHEAD + param.key.size() + VALUE_OVERHEAD;
     json_.append(",\"").append(param.key).append("\":");
-    AddValue(param);
-}
-
-void EventEncoder::AddValue(const EventKeyValue &param)
-{
     if (!param.isVector) {
         AddScalar(param.elements.front());
         return;
@@ -181,11 +154,13 @@ void EventEncoder::AddString(std::string_view string)
     if (string.size() > MAX_STRING_LENGTH) {
         warning_ = ERR_VALUE_LENGTH_TOO_LONG;
     }
+    constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
+    constexpr std::string_view escapes = "\"\\bfnrt";
     json_ += '"';
     const size_t begin = json_.size();
     for (const char character : string) {
-        if (const char escape = EscapeOf(character)) {
-            json_.append(1, '\\').append(1, escape);
+        if (const size_t at = escaped.find(character); at != std::string_view::npos) {
+            json_.append(1, '\\').append(1, escapes[at]);
         } else if (!IsControl(character)) {
             json_ += character;
         }

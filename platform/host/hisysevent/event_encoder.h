@@ -40,7 +40,6 @@ public:
     }
 
 private:
-    void AddValue(const EventKeyValue &param);
     void AddScalar(const EventScalar &scalar);
     void AddString(std::string_view string);
 

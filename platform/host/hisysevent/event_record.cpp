@@ -16,25 +16,22 @@ constexpr int NOT_JSON = -1;
 constexpr int NO_SUCH_KEY = -2;
 constexpr int OTHER_TYPE = -3;
 
-// The fields that the platform adds to an event.
-constexpr char DOMAIN_FIELD[] = "domain_";
-constexpr char NAME_FIELD[] = "name_";
-constexpr char TYPE_FIELD[] = "type_";
-constexpr char TIME_FIELD[] = "time_";
-constexpr char TIME_ZONE_FIELD[] = "tz_";
-constexpr char PID_FIELD[] = "pid_";
-constexpr char TID_FIELD[] = "tid_";
-constexpr char UID_FIELD[] = "uid_";
-constexpr char LEVEL_FIELD[] = "level_";
-constexpr char TAG_FIELD[] = "tag_";
-constexpr char TRACE_ID_FIELD[] = "traceid_";
-constexpr char SPAN_ID_FIELD[] = "spanid_";
-constexpr char PARENT_SPAN_ID_FIELD[] = "pspanid_";
-constexpr char TRACE_FLAG_FIELD[] = "trace_flag_";
-constexpr std::string_view PLATFORM_FIELDS[] = {DOMAIN_FIELD,         NAME_FIELD,      TYPE_FIELD,     TIME_FIELD,
-                                                TIME_ZONE_FIELD,      PID_FIELD,       TID_FIELD,      UID_FIELD,
-                                                LEVEL_FIELD,          TAG_FIELD,       TRACE_ID_FIELD, SPAN_ID_FIELD,
-                                                PARENT_SPAN_ID_FIELD, TRACE_FLAG_FIELD};
+// The fields that the platform adds to an event, with the functions that return them.
+#define PLATFORM_FIELDS(FIELD)                                   \
+    FIELD("domain_", GetDomain, std::string, std::string)        \
+    FIELD("name_", GetEventName, std::string, std::string)       \
+    FIELD("type_", GetEventType, HiSysEvent::EventType, int64_t) \
+    FIELD("time_", GetTime, uint64_t, uint64_t)                  \
+    FIELD("tz_", GetTimeZone, std::string, std::string)          \
+    FIELD("pid_", GetPid, int64_t, int64_t)                      \
+    FIELD("tid_", GetTid, int64_t, int64_t)                      \
+    FIELD("uid_", GetUid, int64_t, int64_t)                      \
+    FIELD("level_", GetLevel, std::string, std::string)          \
+    FIELD("tag_", GetTag, std::string, std::string)              \
+    FIELD("traceid_", GetTraceId, uint64_t, uint64_t)            \
+    FIELD("spanid_", GetSpanId, uint64_t, uint64_t)              \
+    FIELD("pspanid_", GetPspanId, uint64_t, uint64_t)            \
+    FIELD("trace_flag_", GetTraceFlag, int, int64_t)
 
 enum class Kind { NUMBER, STRING, OTHER };
 
@@ -170,13 +167,6 @@ struct HiSysEventRecord::Content {
         return SUCCEEDED;
     }
 
-    template <typename Value>
-    Value GetOr(const char *param, Value otherwise) const
-    {
-        Get(param, otherwise);
-        return otherwise;
-    }
-
     std::string json;
     bool isObject;
     std::vector<Field> fields;
@@ -196,81 +186,21 @@ std::string HiSysEventRecord::AsJson() const
     return content_->json;
 }
 
-std::string HiSysEventRecord::GetDomain() const
-{
-    return content_->GetOr<std::string>(DOMAIN_FIELD, "");
-}
-
-std::string HiSysEventRecord::GetEventName() const
-{
-    return content_->GetOr<std::string>(NAME_FIELD, "");
-}
-
-HiSysEvent::EventType HiSysEventRecord::GetEventType() const
-{
-    return static_cast<HiSysEvent::EventType>(content_->GetOr<int64_t>(TYPE_FIELD, 0));
-}
-
-std::string HiSysEventRecord::GetLevel() const
-{
-    return content_->GetOr<std::string>(LEVEL_FIELD, "");
-}
-
-std::string HiSysEventRecord::GetTag() const
-{
-    return content_->GetOr<std::string>(TAG_FIELD, "");
-}
-
-std::string HiSysEventRecord::GetTimeZone() const
-{
-    return content_->GetOr<std::string>(TIME_ZONE_FIELD, "");
-}
-
-uint64_t HiSysEventRecord::GetTime() const
-{
-    return content_->GetOr<uint64_t>(TIME_FIELD, 0);
-}
-
-int64_t HiSysEventRecord::GetPid() const
-{
-    return content_->GetOr<int64_t>(PID_FIELD, 0);
-}
-
-int64_t HiSysEventRecord::GetTid() const
-{
-    return content_->GetOr<int64_t>(TID_FIELD, 0);
-}
-
-int64_t HiSysEventRecord::GetUid() const
-{
-    return content_->GetOr<int64_t>(UID_FIELD, 0);
-}
-
-uint64_t HiSysEventRecord::GetTraceId() const
-{
-    return content_->GetOr<uint64_t>(TRACE_ID_FIELD, 0);
-}
-
-uint64_t HiSysEventRecord::GetSpanId() const
-{
-    return content_->GetOr<uint64_t>(SPAN_ID_FIELD, 0);
-}
-
-uint64_t HiSysEventRecord::GetPspanId() const
-{
-    return content_->GetOr<uint64_t>(PARENT_SPAN_ID_FIELD, 0);
-}
-
-int HiSysEventRecord::GetTraceFlag() const
-{
-    return static_cast<int>(content_->GetOr<int64_t>(TRACE_FLAG_FIELD, 0));
-}
+#define GETTER(field, Getter, Result, Stored) \
+    Result HiSysEventRecord::Getter() const   \
+    {                                         \
+        Stored value{};                       \
+        content_->Get(field, value);          \
+        return static_cast<Result>(value);    \
+    }
+PLATFORM_FIELDS(GETTER)
 
 // Only the first field with a platform name is the platform's: a writer may use the same name for its own key.
 void HiSysEventRecord::GetParamNames(std::vector<std::string> &params) const
 {
     params.clear();
-    std::vector<std::string_view> platforms(std::begin(PLATFORM_FIELDS), std::end(PLATFORM_FIELDS));
+#define NAME(field, ...) field,
+    std::vector<std::string_view> platforms = {PLATFORM_FIELDS(NAME)};
     for (const Field &field : content_->fields) {
         const auto found = std::find(platforms.begin(), platforms.end(), field.key);
         if (found == platforms.end()) {

@@ -69,7 +69,7 @@ private:
 int WriteEvent(const EventCallSite &site, const std::string &domain, const std::string &eventName, int type,
                const EventKeyValue *params, size_t paramCount)
 {
-    if (!RateLimiter::GetInstance().Admit(eventName, site)) {
+    if (!IsWithinRateLimit(eventName, site)) {
         return ERR_WRITE_IN_HIGH_FREQ;
     }
     if (!IsEventName(domain, MAX_DOMAIN_LENGTH)) {

@@ -3,7 +3,11 @@
 #include "hisysevent/rate_limiter.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <ctime>
+#include <list>
+#include <mutex>
+#include <string>
 #include <utility>
 
 namespace ostra::host {
@@ -11,6 +15,13 @@ namespace {
 
 constexpr size_t MAX_SITES = 30;
 constexpr size_t MAX_SITE_KEY_LENGTH = 256;
+
+struct Budget {
+    std::string key;
+    int64_t periodBegin;  // in seconds of the wall clock
+    uint32_t count;
+};
+using Budgets = std::list<Budget>;  // most recently used first
 
 std::string SiteKey(std::string_view eventName, const EventCallSite &site)
 {
@@ -20,28 +31,33 @@ std::string SiteKey(std::string_view eventName, const EventCallSite &site)
     return key;
 }
 
-int64_t WallClockSecond()
+Budget &FindBudget(Budgets &budgets, std::string key)
 {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    return now.tv_sec;
+    const auto found =
+        std::find_if(budgets.begin(), budgets.end(), [&](const Budget &budget) { return budget.key == key; });
+    if (found != budgets.end()) {
+        budgets.splice(budgets.begin(), budgets, found);
+        return budgets.front();
+    }
+    budgets.push_front({std::move(key), 0, 0});
+    if (budgets.size() > MAX_SITES) {
+        budgets.pop_back();
+    }
+    return budgets.front();
 }
 
 }  // namespace
 
-RateLimiter &RateLimiter::GetInstance()
+bool IsWithinRateLimit(std::string_view eventName, const EventCallSite &site)
 {
-    static auto &instance = *new RateLimiter;  // never destroyed: threads may write until the very end
-    return instance;
-}
+    static auto &mutex = *new std::mutex;  // never destroyed: threads may write until the very end
+    static auto &budgets = *new Budgets;
+    timespec time{};
+    clock_gettime(CLOCK_REALTIME, &time);
+    const int64_t now = time.tv_sec;
 
-bool RateLimiter::Admit(std::string_view eventName, const EventCallSite &site)
-{
-    std::string key = SiteKey(eventName, site);
-    const int64_t now = WallClockSecond();
-
-    const std::lock_guard<std::mutex> lock(mutex_);
-    Budget &budget = Find(std::move(key));
+    const std::lock_guard<std::mutex> lock(mutex);
+    Budget &budget = FindBudget(budgets, SiteKey(eventName, site));
     if (budget.count == 0 || now < budget.periodBegin || now - budget.periodBegin > site.period) {
         budget.periodBegin = now;
         budget.count = 0;
@@ -51,21 +67,6 @@ bool RateLimiter::Admit(std::string_view eventName, const EventCallSite &site)
     }
     ++budget.count;
     return true;
-}
-
-RateLimiter::Budget &RateLimiter::Find(std::string key)
-{
-    const auto found =
-        std::find_if(budgets_.begin(), budgets_.end(), [&](const Budget &budget) { return budget.key == key; });
-    if (found != budgets_.end()) {
-        budgets_.splice(budgets_.begin(), budgets_, found);
-        return budgets_.front();
-    }
-    budgets_.push_front({std::move(key), 0, 0});
-    if (budgets_.size() > MAX_SITES) {
-        budgets_.pop_back();
-    }
-    return budgets_.front();
 }
 
 }  // namespace ostra::host

@@ -19,9 +19,11 @@ public:
 
     /// Each logs one INFO line with the tag CONCURRENT_TASK: its numbers, then the pairs in the order of their keys,
     /// such as "RequestAuth pid=4711 uid=1000", "ReportData 1 2 uid=1000", "ReportSceneInfo 1 uid=1000".
+    /// \{
     void RequestAuth(const std::unordered_map<std::string, std::string> &mapPayload);
     void ReportData(uint32_t resType, int64_t value, const std::unordered_map<std::string, std::string> &mapPayload);
     void ReportSceneInfo(uint32_t type, const std::unordered_map<std::string, std::string> &mapPayload);
+    /// \}
 };
 
 }  // namespace OHOS::ConcurrentTask

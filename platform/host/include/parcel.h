@@ -55,6 +55,7 @@ public:
 
     /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4; of
     /// those, reading uses the lowest ones. ReadBool returns true for any value but 0.
+    /// \{
     // NOLINTBEGIN(bugprone-macro-parentheses): types cannot be put in parentheses
 #define HOST_PARCEL_SCALAR(Name, Type) \
     bool Write##Name(Type value);      \
@@ -73,21 +74,27 @@ public:
     HOST_PARCEL_SCALAR(Double, double)
 #undef HOST_PARCEL_SCALAR
     // NOLINTEND(bugprone-macro-parentheses)
+    /// \}
 
     /// An address of this process, in 8 bytes.
+    /// \{
     bool WritePointer(uintptr_t value);
     uintptr_t ReadPointer();
+    /// \}
 
     /// A string of 8-bit or 16-bit characters: its length as a signed 32-bit value, its characters and a null
     /// terminator, padded. A null string is the length -1 alone.
+    /// \{
     bool WriteString(const std::string &value);
     bool WriteString16(const std::u16string &value);
     bool WriteString8WithLength(const char *value, size_t length);
     bool WriteString16WithLength(const char16_t *value, size_t length);
+    /// \}
 
     /// Returns an empty string, or false, if the length is negative or 0x7fffffff, characters are missing, or the null
     /// terminator is missing. In the first case the length is consumed; otherwise the read position is unchanged. The
     /// padding is ignored, and may be missing. `readLength` receives the length that was consumed.
+    /// \{
     // NOLINTBEGIN(readability-const-return-type): as the platform declares them
     const std::string ReadString();
     const std::u16string ReadString16();
@@ -96,28 +103,36 @@ public:
     const std::string ReadString8WithLength(int32_t &readLength);
     const std::u16string ReadString16WithLength(int32_t &readLength);
     // NOLINTEND(readability-const-return-type)
+    /// \}
 
     /// A null-terminated string without a length. The result points into the parcel and is valid until the parcel is
     /// written, flushed or destroyed.
+    /// \{
     bool WriteCString(const char *value);
     const char *ReadCString();
+    /// \}
 
     /// A block of bytes, padded. Null and empty blocks are rejected. Both functions are the same.
+    /// \{
     bool WriteBuffer(const void *data, size_t size);
     bool WriteUnpadBuffer(const void *data, size_t size);
+    /// \}
 
     /// A block whose last `typeSize` bytes are written as zeros. Rejects blocks of fewer bytes.
     bool WriteBufferAddTerminator(const void *data, size_t size, size_t typeSize);
 
     /// Return a block of `length` bytes, which points into the parcel as that of ReadCString does. Only ReadUnpadBuffer
     /// skips the padding.
+    /// \{
     const uint8_t *ReadBuffer(size_t length);
     const uint8_t *ReadUnpadBuffer(size_t length);
+    /// \}
 
     /// Vectors: the count as a signed 32-bit value, then the elements as above; elements of 8 bits and of UInt16 are
     /// packed and padded together. Reading returns false, with the count consumed and the vector unchanged, if the
     /// count is negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read
     /// are empty.
+    /// \{
 #define HOST_PARCEL_VECTOR(Name, Type)                         \
     bool Write##Name##Vector(const std::vector<Type> &values); \
     bool Read##Name##Vector(std::vector<Type> *values);
@@ -135,9 +150,11 @@ public:
     HOST_PARCEL_VECTOR(String, std::string)
     HOST_PARCEL_VECTOR(String16, std::u16string)
 #undef HOST_PARCEL_VECTOR
+    /// \}
 
     /// Sizes in bytes: the data; the data after the read position; the room before the buffer must grow; the buffer;
     /// the size that writing may grow it to (204800 by default). GetData returns the address of the data.
+    /// \{
     size_t GetDataSize() const;
     uintptr_t GetData() const;
     size_t GetReadableBytes() const;
@@ -147,6 +164,7 @@ public:
     size_t GetOffsetsSize() const;  // of objects: always 0
     size_t GetReadPosition();
     size_t GetWritePosition();
+    /// \}
 
     /// Resizes the buffer, also beyond the maximum capacity. Returns false unless it is larger than the data.
     bool SetDataCapacity(size_t newCapacity);
@@ -158,8 +176,10 @@ public:
     bool SetMaxCapacity(size_t maxCapacity);
 
     /// Set a position, in bytes from the start; RewindWrite also ends the data there. Return false beyond the data.
+    /// \{
     bool RewindRead(size_t newPosition);
     bool RewindWrite(size_t newPosition);
+    /// \}
 
     /// Advances the read position; beyond the data, to the end of the buffer.
     void SkipBytes(size_t bytes);
@@ -178,7 +198,6 @@ public:
 private:
     uint8_t *Append(size_t size);
     const uint8_t *Take(size_t size);
-    bool Grow(size_t size);
     template <typename Stored, typename T>
     bool Write(T value);
     template <typename Stored, typename T>
@@ -187,6 +206,8 @@ private:
     bool WriteChars(const Unit *chars, size_t length);
     template <typename Unit>
     bool ReadChars(std::basic_string<Unit> &value, int32_t &length);
+    bool WriteCount(size_t count);
+    bool ReadCount(size_t storedSize, size_t &count);
     template <typename T, typename Argument>
     bool WriteVector(const std::vector<T> &values, bool (Parcel::*write)(Argument));
     template <typename T>

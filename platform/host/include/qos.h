@@ -39,21 +39,27 @@ enum class QosLevel {
 ///
 /// Return 0, or -1 without a change if the level is outside 0 to 6, the process has no such thread, or the kernel
 /// refuses.
+/// \{
 int SetThreadQos(enum QosLevel level);
 int SetQosForOtherThread(enum QosLevel level, int tid);
+/// \}
 
 /// Remove the level of a thread, if any: it is scheduled as the process was when it started.
 ///
 /// Return 0, or -1 without a change if the process has no such thread or the kernel refuses.
+/// \{
 int ResetThreadQos();
 int ResetQosForOtherThread(int tid);
+/// \}
 
 /// Get the level that was set for a thread.
 ///
 /// Return 0, or -1 without changing `level` if the process has no such thread, no level was set, or the scheduling of
 /// the thread was changed since.
+/// \{
 int GetThreadQos(enum QosLevel &level);
 int GetQosForOtherThread(enum QosLevel &level, int tid);
+/// \}
 
 }  // namespace OHOS::QOS
 

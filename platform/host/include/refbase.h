@@ -16,13 +16,12 @@
 #ifndef HOST_REFBASE_H
 #define HOST_REFBASE_H
 
+#include <atomic>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
 namespace OHOS {
-
-/// Internal: outlives the object for its weak pointers.
-class RefCounter;
 
 /// The base of reference-counted objects.
 class RefBase {
@@ -43,13 +42,13 @@ private:
     template <typename T>
     friend class wptr;
 
-    /// Weak counts. Promote increments the strong count unless the object is destroyed.
-    RefCounter *Watch() const;
-    static RefCounter *Watch(RefCounter *counter);
-    static void Unwatch(RefCounter *counter);
-    static bool Promote(RefCounter *counter);
+    using Count = std::atomic<int>;
 
-    RefCounter *counter_;
+    /// Increments the count, unless it is null or its object is destroyed.
+    static bool Promote(Count *strong);
+
+    /// Outlives the object for its weak pointers.
+    std::shared_ptr<Count> strong_ = std::make_shared<Count>(0);
 };
 
 /// A strong pointer, which keeps its object alive.
@@ -124,35 +123,18 @@ template <typename T>
 class wptr {
 public:
     wptr() = default;
-    wptr(T *object) : object_(object), counter_(object == nullptr ? nullptr : object->RefBase::Watch())
+    wptr(T *object) : object_(object), strong_(object == nullptr ? nullptr : object->RefBase::strong_)
     {
     }
     template <typename Derived>
     wptr(const sptr<Derived> &object) : wptr(static_cast<T *>(object.GetRefPtr()))
     {
     }
-    wptr(const wptr &other) : object_(other.object_), counter_(RefBase::Watch(other.counter_))
-    {
-    }
-    wptr(wptr &&other) noexcept
-        : object_(std::exchange(other.object_, nullptr)), counter_(std::exchange(other.counter_, nullptr))
-    {
-    }
-    ~wptr()
-    {
-        RefBase::Unwatch(counter_);
-    }
-    wptr &operator=(wptr other) noexcept
-    {
-        std::swap(object_, other.object_);
-        std::swap(counter_, other.counter_);
-        return *this;
-    }
 
     /// Returns a strong pointer to the object, or null if there is none or it is destroyed.
     sptr<T> promote() const
     {
-        if (!RefBase::Promote(counter_)) {
+        if (!RefBase::Promote(strong_.get())) {
             return nullptr;
         }
         const sptr<T> object(object_);
@@ -162,7 +144,7 @@ public:
 
 private:
     T *object_ = nullptr;
-    RefCounter *counter_ = nullptr;
+    std::shared_ptr<RefBase::Count> strong_;
 };
 
 }  // namespace OHOS

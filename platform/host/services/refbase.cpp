@@ -3,7 +3,6 @@
 #include "refbase.h"
 
 #include <algorithm>
-#include <atomic>
 #include <climits>
 
 namespace OHOS {
@@ -15,15 +14,7 @@ constexpr int DESTROYED = INT_MIN / 2;
 
 }  // namespace
 
-class RefCounter {
-public:
-    std::atomic<int> strong{0};
-    std::atomic<int> watchers{1};  // the object and its weak pointers
-};
-
-RefBase::RefBase() : counter_(new RefCounter)
-{
-}
+RefBase::RefBase() = default;
 
 RefBase::RefBase(const RefBase & /*other*/) : RefBase()
 {
@@ -36,21 +27,20 @@ RefBase &RefBase::operator=(const RefBase & /*other*/)  // NOLINT(bugprone-unhan
 
 RefBase::~RefBase()
 {
-    counter_->strong = DESTROYED;  // an object may end without any strong pointer
-    Unwatch(counter_);
+    *strong_ = DESTROYED;  // an object may end without any strong pointer
 }
 
 void RefBase::IncStrongRef(const void * /*owner*/)
 {
-    ++counter_->strong;
+    ++*strong_;
 }
 
 void RefBase::DecStrongRef(const void * /*owner*/)
 {
     // Dropping the last count and marking the object as destroyed is one step, so that no weak pointer revives it
     // between.
-    int count = counter_->strong;
-    while (!counter_->strong.compare_exchange_weak(count, count == 1 ? DESTROYED : count - 1)) {
+    int count = *strong_;
+    while (!strong_->compare_exchange_weak(count, count == 1 ? DESTROYED : count - 1)) {
     }
     if (count == 1) {
         delete this;
@@ -59,36 +49,16 @@ void RefBase::DecStrongRef(const void * /*owner*/)
 
 int RefBase::GetSptrRefCount()
 {
-    return std::max(counter_->strong.load(), 0);
+    return std::max(strong_->load(), 0);
 }
 
-RefCounter *RefBase::Watch() const
+bool RefBase::Promote(Count *strong)
 {
-    return Watch(counter_);
-}
-
-RefCounter *RefBase::Watch(RefCounter *counter)
-{
-    if (counter != nullptr) {
-        ++counter->watchers;
-    }
-    return counter;
-}
-
-void RefBase::Unwatch(RefCounter *counter)
-{
-    if (counter != nullptr && --counter->watchers == 0) {
-        delete counter;
-    }
-}
-
-bool RefBase::Promote(RefCounter *counter)
-{
-    if (counter == nullptr) {
+    if (strong == nullptr) {
         return false;
     }
-    int count = counter->strong;
-    while (count >= 0 && !counter->strong.compare_exchange_weak(count, count + 1)) {
+    int count = *strong;
+    while (count >= 0 && !strong->compare_exchange_weak(count, count + 1)) {
     }
     return count >= 0;
 }

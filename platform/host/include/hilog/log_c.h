@@ -88,8 +88,10 @@ bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level);
 /// Sets the level of the application's own domains, 0 to 0xFFFF. The level of the parameters and `level` are combined:
 /// PREFER_CLOSE_LOG uses the higher one, PREFER_OPEN_LOG the lower one, UNSET_LOGLEVEL only that of the parameters.
 /// HiLogSetAppMinLogLevel uses PREFER_CLOSE_LOG. Invalid levels and preferences are ignored.
+/// \{
 void HiLogSetAppLogLevel(LogLevel level, PreferStrategy prefer);
 void HiLogSetAppMinLogLevel(LogLevel level);
+/// \}
 
 /// Sets a callback that receives every delivered message, formatted, with its full tag, in addition to the output. It
 /// is called in the logging thread, by several threads at the same time, before the output; its strings are valid
