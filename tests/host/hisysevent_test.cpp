@@ -283,6 +283,14 @@ Fields ShownOutput()
     return lines;
 }
 
+int WriteEvents(int count)
+{
+    while (--count > 0) {
+        Write("EVENT");
+    }
+    return Write("EVENT");
+}
+
 Fields Begin()
 {
     Send("works");
@@ -310,6 +318,7 @@ const Operations OPERATIONS = {
      [](const Fields &in) {
          return UseCjson(in.at(0));
      }},
+    {"events", Call(WriteEvents)},
     {"sent", Call(+[] { return Output().size(); })},
     {"output", Call(ShownOutput)},
     {"listen", Listen},
@@ -334,7 +343,7 @@ const Operations OPERATIONS = {
 TEST(HiSysEvent, MatchesRecording)
 {
     Replay("recorded/hisysevent.txt", 228, OPERATIONS);
-    Replay("handwritten/hisysevent.txt", 14, OPERATIONS);
+    Replay("handwritten/hisysevent.txt", 15, OPERATIONS);
 }
 
 // Each case has its own call sites and starts when earlier ones have expired, so that earlier writes do not matter.
