@@ -19,7 +19,7 @@ namespace {
 constexpr int FEW = 1000;
 constexpr int MANY = 10000;
 constexpr size_t CAPACITY = 1 << 24;
-constexpr double LINEAR_GROWTH = 20;  // for ten times the size, which may outgrow a cache
+constexpr double LINEAR_GROWTH = 20;  // for ten times the size, which may exceed a cache
 
 using Map = std::map<int32_t, std::string>;
 
@@ -32,10 +32,9 @@ Map MakeEntries(int64_t count)
     return map;
 }
 
-template <int64_t COUNT>
-void Write(benchmark::State &state)
+void Write(benchmark::State &state, int64_t count)
 {
-    const Map map = MakeEntries(COUNT);
+    const Map map = MakeEntries(count);
     for (auto _ : state) {
         MessageParcel parcel;
         parcel.SetMaxCapacity(CAPACITY);
@@ -89,20 +88,14 @@ void ReadByHand(benchmark::State &state, int64_t count)
     }
 }
 
-template <void (*READ)(benchmark::State &, int64_t), int64_t COUNT>
-void ReadEntries(benchmark::State &state)
-{
-    READ(state, COUNT);
-}
-
-const int READ_ROW = AddRow("`UnMarshalling`, 10 000 entries", ReadEntries<Read, MANY>,
-                            "reading into a map by hand, one `DHLog` each", ReadEntries<ReadByHand, MANY>, SAME_WORK);
-const int WRITE_ROW =
-    AddRow("`Marshalling`, 10 000 entries", Write<MANY>, "composing and writing by hand", WriteByHand, SAME_WORK);
-const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", ReadEntries<Read, MANY>, "a tenth of them",
-                                   ReadEntries<Read, FEW>, LINEAR_GROWTH);
-const int WRITE_GROWTH_ROW =
-    AddRow("`Marshalling`, growth with entries", Write<MANY>, "a tenth of them", Write<FEW>, LINEAR_GROWTH);
+const int READ_ROW = AddRow("`UnMarshalling`, 10 000 entries", WithSize(Read, MANY),
+                            "reading into a map by hand, one `DHLog` each", WithSize(ReadByHand, MANY), SAME_WORK);
+const int WRITE_ROW = AddRow("`Marshalling`, 10 000 entries", WithSize(Write, MANY), "composing and writing by hand",
+                             WriteByHand, SAME_WORK);
+const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", WithSize(Read, MANY), "a tenth of them",
+                                   WithSize(Read, FEW), LINEAR_GROWTH);
+const int WRITE_GROWTH_ROW = AddRow("`Marshalling`, growth with entries", WithSize(Write, MANY), "a tenth of them",
+                                    WithSize(Write, FEW), LINEAR_GROWTH);
 const int READ_CURVE = AddCurve("entries", "UnMarshalling", Read, 1, MANY);
 const int READ_BASELINE = AddCurve("entries", "baseline: reading into a map by hand", ReadByHand, 1, MANY);
 

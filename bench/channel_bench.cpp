@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <algorithm>
 #include <boost/crc.hpp>
 #include <cstring>
 #include <memory>
@@ -22,24 +23,16 @@ constexpr int64_t MEBIBYTE = 1 << 20;
 constexpr int64_t MAX_BYTES = 64 * MEBIBYTE;
 constexpr int SMALL_MESSAGE = 64;
 
-// Returns the same random bytes to all benchmarks.
+// Returns MAX_BYTES random bytes, the same in each call.
 unsigned char *Bytes()
 {
     static std::vector<unsigned char> bytes = [] {
         std::mt19937 random(5);
-        std::vector<unsigned char> made(MAX_BYTES);
-        for (unsigned char &byte : made) {
-            byte = static_cast<unsigned char>(random());
-        }
-        return made;
+        std::vector<unsigned char> filled(MAX_BYTES);
+        std::generate(filled.begin(), filled.end(), [&random] { return static_cast<unsigned char>(random()); });
+        return filled;
     }();
     return bytes.data();
-}
-
-void LogAsGetCrcDoes(uint32_t crc)
-{
-    DHLog(DH_LOG_INFO, "[ostraadapterutils][GetCrc]:ChannelProtocol::GetCrc: getCrc16:%s",
-          GetAnonyString(std::to_string(crc)).c_str());
 }
 
 uint16_t CrcByBoost(uint16_t /* crc */, const uint8_t *data, size_t length)
@@ -49,7 +42,7 @@ uint16_t CrcByBoost(uint16_t /* crc */, const uint8_t *data, size_t length)
     return crc.checksum();
 }
 
-// The baseline of any checksum: it must at least read all bytes.
+// The baseline: any checksum must at least read all bytes.
 uint16_t ReadOnly(uint16_t /* crc */, const uint8_t *data, size_t length)
 {
     uint64_t sum = 0;
@@ -76,61 +69,58 @@ void MeasureCrc(benchmark::State &state, int64_t size)
     }
 }
 
-template <int64_t SIZE>
-void MeasureGetCrc(benchmark::State &state)
+void MeasureGetCrc(benchmark::State &state, int64_t size)
 {
     const ChannelProtocol frame;
     unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(frame.GetCrc(bytes, static_cast<int>(SIZE)));
+        benchmark::DoNotOptimize(frame.GetCrc(bytes, static_cast<int>(size)));
     }
 }
 
-template <CrcFunction CRC, int64_t SIZE>
-void MeasureCrcAndLog(benchmark::State &state)
+// Computes the CRC and logs it as GetCrc does.
+template <CrcFunction CRC>
+void MeasureCrcAndLog(benchmark::State &state, int64_t size)
 {
     const unsigned char *bytes = Bytes();
     for (auto _ : state) {
-        const uint16_t crc = CRC(0, bytes, SIZE);
-        LogAsGetCrcDoes(crc);
+        const uint16_t crc = CRC(0, bytes, static_cast<size_t>(size));
+        DHLog(DH_LOG_INFO, "[ostraadapterutils][GetCrc]:ChannelProtocol::GetCrc: getCrc16:%s",
+              GetAnonyString(std::to_string(crc)).c_str());
         benchmark::DoNotOptimize(crc);
     }
 }
 
-void MeasureBoost(benchmark::State &state)
-{
-    MeasureCrc<CrcByBoost>(state, MEBIBYTE);
-}
-
 constexpr double TABLES_BAR = 1 / 3.0;
 const double CRC_BAR = HasCarryLessMultiplication() ? 1 / 20.0 : TABLES_BAR;
-const int CRC_ROW = AddRow("`GetCrc`, 1 MiB", MeasureGetCrc<MEBIBYTE>, "`boost::crc_16_type`", MeasureBoost, CRC_BAR);
-const int TABLES_ROW = AddRow("`GetCrc`, 1 MiB, by tables", MeasureCrcAndLog<ExtendCrc16ByTables, MEBIBYTE>,
-                              "`boost::crc_16_type`", MeasureBoost, TABLES_BAR);
-const int SMALL_ROW = AddRow("`GetCrc`, 64 B", MeasureGetCrc<SMALL_MESSAGE>, "byte-wise loop, same log line",
-                             MeasureCrcAndLog<ExtendCrc16ByByte, SMALL_MESSAGE>, 1);
+const int CRC_ROW = AddRow("`GetCrc`, 1 MiB", WithSize(MeasureGetCrc, MEBIBYTE), "`boost::crc_16_type`",
+                           WithSize(MeasureCrc<CrcByBoost>, MEBIBYTE), CRC_BAR);
+const int TABLES_ROW = AddRow("`GetCrc`, 1 MiB, by tables", WithSize(MeasureCrcAndLog<ExtendCrc16ByTables>, MEBIBYTE),
+                              "`boost::crc_16_type`", WithSize(MeasureCrc<CrcByBoost>, MEBIBYTE), TABLES_BAR);
+const int SMALL_ROW = AddRow("`GetCrc`, 64 B", WithSize(MeasureGetCrc, SMALL_MESSAGE), "byte-wise loop, same log line",
+                             WithSize(MeasureCrcAndLog<ExtendCrc16ByByte>, SMALL_MESSAGE), 1);
 
 const int BOOST_CURVE = AddCurve("crc", "boost::crc_16_type", MeasureCrc<CrcByBoost>, 1, MAX_BYTES);
 const int BYTES_CURVE = AddCurve("crc", "by bytes", MeasureCrc<ExtendCrc16ByByte>, 1, MAX_BYTES);
 const int TABLES_CURVE = AddCurve("crc", "by tables", MeasureCrc<ExtendCrc16ByTables>, 1, MAX_BYTES);
-const int CHOSEN_CURVE = AddCurve("crc", "as chosen", MeasureCrc<ExtendCrc16>, 1, MAX_BYTES);
+const int CHOSEN_CURVE = AddCurve("crc", "selected implementation", MeasureCrc<ExtendCrc16>, 1, MAX_BYTES);
 const int READ_CURVE = AddCurve("crc", "baseline: reading the bytes", MeasureCrc<ReadOnly>, 1, MAX_BYTES);
 
-// The speed of a copy of a kilobyte depends on how the addresses are aligned to each other. Each repetition therefore
-// runs on other heap blocks: this class holds a random number of blocks of the same size, and one of a random size.
+// The speed of a copy depends on how source and destination are aligned to each other. This class allocates a random
+// number of blocks of the same size, and one of a random size, so that each repetition gets other heap addresses.
 class OtherHeapBlocks {
 public:
     explicit OtherHeapBlocks(int64_t size)
     {
         static std::mt19937 random(6);
         for (auto count = random() % 8; count > 0; --count) {
-            held_.emplace_back(new unsigned char[static_cast<size_t>(size)]);
+            blocks_.emplace_back(new unsigned char[static_cast<size_t>(size)]);
         }
-        held_.emplace_back(new unsigned char[2000 + random() % 64 * 16]);
+        blocks_.emplace_back(new unsigned char[2000 + random() % 64 * 16]);
     }
 
 private:
-    std::vector<std::unique_ptr<unsigned char[]>> held_;
+    std::vector<std::unique_ptr<unsigned char[]>> blocks_;
 };
 
 constexpr int HEADER = 300;
@@ -169,14 +159,8 @@ void MeasureTwoCopies(benchmark::State &state, int64_t contentSize)
     }
 }
 
-template <void (*MEASURE)(benchmark::State &, int64_t)>
-void WithKibibyte(benchmark::State &state)
-{
-    MEASURE(state, KIBIBYTE);
-}
-
-const int FRAME_ROW = AddRow("frame of 1 KiB, packed and parsed", WithKibibyte<MeasureFrame>,
-                             "two `new[]`, three `memcpy_s`, two `delete[]`", WithKibibyte<MeasureTwoCopies>, 2);
+const int FRAME_ROW = AddRow("frame of 1 KiB, packed and parsed", WithSize(MeasureFrame, KIBIBYTE),
+                             "two `new[]`, three `memcpy_s`, two `delete[]`", WithSize(MeasureTwoCopies, KIBIBYTE), 2);
 const int FRAME_CURVE = AddCurve("frames", "a frame packed and parsed", MeasureFrame, 1, MEBIBYTE);
 const int COPIES_CURVE = AddCurve("frames", "baseline: two allocations, three copies", MeasureTwoCopies, 1, MEBIBYTE);
 

@@ -14,27 +14,27 @@
 #include "parameter.h"
 #include "ratio_table.h"
 
-namespace OHOS::HiviewDFX {
+namespace ostra::host {
 
-// Replaces the platform's function, and passes events on with a new line number after every hundred: a call site has a
-// budget of a hundred events, and refusals are not to be measured.
-int HiSysEvent::Send(const HiSysEventCallSite &site, const std::string &domain, const std::string &eventName,
-                     EventType type, const HiSysEventKeyValue *params, size_t paramCount)
+// Replaces the platform's function: changes the line number after every hundred events and calls the original. A call
+// site may send a hundred events before the rate limiter rejects more, and rejections must not be measured.
+int WriteEvent(const EventCallSite &site, const std::string &domain, const std::string &eventName, int type,
+               const EventKeyValue *params, size_t paramCount)
 {
-    static const auto platformSend = [] {
+    static const auto platformWrite = [] {
         Dl_info self{};
-        dladdr(reinterpret_cast<void *>(&HiSysEvent::Send), &self);
-        return reinterpret_cast<decltype(&HiSysEvent::Send)>(dlsym(RTLD_NEXT, self.dli_sname));
+        dladdr(reinterpret_cast<void *>(&WriteEvent), &self);
+        return reinterpret_cast<decltype(&WriteEvent)>(dlsym(RTLD_NEXT, self.dli_sname));
     }();
     static int64_t count = 0;
     constexpr int64_t budget = 100;
     constexpr int64_t farFromOtherLines = 1000;
-    HiSysEventCallSite numbered = site;
+    EventCallSite numbered = site;
     numbered.line += count++ / budget * farFromOtherLines;
-    return platformSend(numbered, domain, eventName, type, params, paramCount);
+    return platformWrite(numbered, domain, eventName, type, params, paramCount);
 }
 
-}  // namespace OHOS::HiviewDFX
+}  // namespace ostra::host
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
@@ -42,60 +42,45 @@ namespace {
 constexpr size_t BLOCK = 4096;
 constexpr char DUMP_NAME[] = "ostra_bench_dump";
 
-// Makes the dump's path a link into memory, because the speed of a disk depends on its other users.
-class LinkedFile {
-public:
-    explicit LinkedFile(benchmark::State &state) : state_(state)
-    {
-        if (symlink(TARGET, path.c_str()) != 0) {
-            state_.SkipWithError("cannot link the dump");
-        }
-    }
-
-    ~LinkedFile()
-    {
-        if (std::remove(TARGET) != 0) {
-            state_.SkipWithError("nothing was written");
-        }
-        std::remove(path.c_str());
-    }
-
-    LinkedFile(const LinkedFile &) = delete;
-    LinkedFile &operator=(const LinkedFile &) = delete;
-
+// Measures `write(path, block)`, where `path` is that of a dump: a symbolic link to a file in memory, because the speed
+// of a disk varies with its load.
+template <typename Write>
+void MeasureWrite(benchmark::State &state, Write write)
+{
+    constexpr char target[] = "/dev/shm/ostra_bench_dump";
     const std::string path = DUMP_PATH_PREFIX + DUMP_NAME;
-
-private:
-    static constexpr char TARGET[] = "/dev/shm/ostra_bench_dump";
-    benchmark::State &state_;
-};
+    const std::vector<unsigned char> block(BLOCK, 7);
+    if (symlink(target, path.c_str()) != 0) {
+        state.SkipWithError("cannot create a symbolic link for the dump");
+    }
+    for (auto _ : state) {
+        write(path, block);
+    }
+    if (std::remove(target) != 0) {
+        state.SkipWithError("nothing was written");
+    }
+    std::remove(path.c_str());
+}
 
 void DumpBlock(benchmark::State &state)
 {
-    const std::vector<unsigned char> block(BLOCK, 7);
-    const LinkedFile file(state);
     OstraDump &dump = OstraDump::GetInstance();
     SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), "a");
     dump.Init();
-    for (auto _ : state) {
+    MeasureWrite(state, [&dump](const std::string & /* path */, const std::vector<unsigned char> &block) {
         dump.DumpStreamData(DUMP_NAME, block.data(), static_cast<int>(block.size()));
-    }
+    });
     dump.UnInit();
 }
 
 void AppendBlock(benchmark::State &state)
 {
-    const std::vector<unsigned char> block(BLOCK, 7);
-    const LinkedFile linked(state);
-    for (auto _ : state) {
-        FILE *file = std::fopen(linked.path.c_str(), "ab+");
-        if (file == nullptr) {
-            state.SkipWithError("cannot open the file");
-            break;
+    MeasureWrite(state, [](const std::string &path, const std::vector<unsigned char> &block) {
+        if (FILE *const file = std::fopen(path.c_str(), "ab+")) {
+            benchmark::DoNotOptimize(std::fwrite(block.data(), 1, block.size(), file));
+            std::fclose(file);
         }
-        benchmark::DoNotOptimize(std::fwrite(block.data(), 1, block.size(), file));
-        std::fclose(file);
-    }
+    });
 }
 
 const int DUMP_ROW =

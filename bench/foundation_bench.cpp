@@ -20,7 +20,7 @@ void LogWithOutputOff(benchmark::State &state)
     }
 }
 
-__attribute__((noinline)) int Print(char *buffer, size_t size, const char *format, ...)
+__attribute__((noinline)) int Format(char *buffer, size_t size, const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
@@ -29,16 +29,16 @@ __attribute__((noinline)) int Print(char *buffer, size_t size, const char *forma
     return length;
 }
 
-void PrintAndHandOn(benchmark::State &state)
+void FormatAndPrint(benchmark::State &state)
 {
     for (auto _ : state) {
         char buffer[4096];
-        Print(buffer, sizeof(buffer), "[ostraadapterutils][Bench]:device %s port %d", "0123******cdef", 8080);
+        Format(buffer, sizeof(buffer), "[ostraadapterutils][Bench]:device %s port %d", "0123******cdef", 8080);
         HiLogPrint(LOG_CORE, LOG_INFO, 0xD004160, "OSTRA_ADAPTER", "%{public}s", buffer);
     }
 }
 
-const int LOG_ROW = AddRow("`DHLog`", LogWithOutputOff, "`vsprintf_s`, `HiLogPrint`", PrintAndHandOn, SAME_WORK);
+const int LOG_ROW = AddRow("`DHLog`", LogWithOutputOff, "`vsprintf_s`, `HiLogPrint`", FormatAndPrint, SAME_WORK);
 
 void CheckTenDigits(benchmark::State &state)
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The transport of the example pair compared with a bare socket: one process sends chunks of a stream as fast as it
-// can, another one receives them, each on a processor of its own if there are two. Measures the CPU time of both
+// The transport of the example pair compared with a bare socket: one process sends the chunks of a stream as fast as it
+// can, another one receives them, each pinned to its own processor if there are two. Measures the CPU time of both
 // processes, or the wall-clock time.
 
 #include <benchmark/benchmark.h>
@@ -14,9 +14,6 @@
 
 #include <array>
 #include <chrono>
-#include <functional>
-#include <memory>
-#include <string>
 #include <vector>
 
 #include "../examples/channel_pair/transport.h"
@@ -24,9 +21,9 @@
 
 namespace {
 
-constexpr int CHUNKS = 10000;
+constexpr uint64_t CHUNKS = 10000;
 constexpr size_t CHUNK_BYTES = 3840;  // 20 ms of audio
-constexpr size_t HEADER_BYTES = 4;    // of a frame late in its stream
+constexpr size_t HEADER_BYTES = 4;    // for high sequence numbers
 
 double WallClockSeconds()
 {
@@ -46,7 +43,7 @@ double CpuSeconds()
     return seconds;
 }
 
-// Two processors that this process may use; twice the same if there is only one.
+// Returns two processors that this process may use; the same one twice if there is only one.
 std::array<size_t, 2> TwoProcessors()
 {
     cpu_set_t allowed;
@@ -68,46 +65,100 @@ void PinTo(size_t processor)
     sched_setaffinity(0, sizeof(set), &set);
 }
 
-using Send = std::function<bool()>;
-using Receive = std::function<bool()>;
+ByteView Chunk()
+{
+    static std::vector<uint8_t> chunk(CHUNK_BYTES, 1);
+    return {chunk.data(), chunk.size()};
+}
+
+// One end of a connection that uses the library.
+class FrameEnd {
+public:
+    explicit FrameEnd(int socket) : socket_(socket), receiver_(socket)
+    {
+    }
+
+    bool Send(uint64_t number)
+    {
+        return SendMessage(socket_, PackMessage(FrameKind::STREAM, number, Chunk()));
+    }
+
+    ByteView Receive()
+    {
+        ReceivedFrame frame;
+        return receiver_.Receive(frame) == ReceiveResult::FRAME ? frame.content : ByteView();
+    }
+
+private:
+    int socket_;
+    FrameReceiver receiver_;
+};
+
+// The same for messages of the same size without the library.
+class BareEnd {
+public:
+    explicit BareEnd(int socket) : socket_(socket), message_(MAX_MESSAGE_BYTES)
+    {
+    }
+
+    bool Send(uint64_t /* number */)
+    {
+        const ByteView chunk = Chunk();
+        std::array<iovec, 2> parts = {{{message_.data(), PREFIX_BYTES + HEADER_BYTES}, {chunk.data, chunk.size}}};
+        msghdr message{};
+        message.msg_iov = parts.data();
+        message.msg_iovlen = parts.size();
+        return sendmsg(socket_, &message, MSG_NOSIGNAL) > 0;
+    }
+
+    ByteView Receive()
+    {
+        const ssize_t size = recv(socket_, message_.data(), message_.size(), MSG_TRUNC);
+        return size > 0 ? ByteView{message_.data(), CHUNK_BYTES} : ByteView();
+    }
+
+private:
+    int socket_;
+    Message message_;
+};
 
 using Seconds = double (*)();
 
-// Measures CHUNKS calls of the two functions, in two processes at the ends of a connection.
-void MeasureConnection(benchmark::State &state, Seconds seconds, const std::function<Send(int)> &makeSend,
-                       const std::function<Receive(int)> &makeReceive)
+// Measures the transfer of CHUNKS chunks from one process to another. With `isDigested`, both compute a digest.
+template <typename End>
+void MeasureConnection(benchmark::State &state, Seconds seconds, bool isDigested)
 {
     cpu_set_t before;
     sched_getaffinity(0, sizeof(before), &before);
-    const auto [here, there] = TwoProcessors();
+    const auto [receiverCpu, senderCpu] = TwoProcessors();
     for (auto _ : state) {
-        std::array<int, 2> ends{};
+        std::array<int, 2> sockets{};
         const double start = seconds();
-        if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-            state.SkipWithError("no socket pair");
+        if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets.data()) != 0) {
+            state.SkipWithError("cannot create a socket pair");
             break;
         }
-        const auto [receivingEnd, sendingEnd] = ends;
-        const pid_t sender = fork();
-        if (sender == 0) {
-            PinTo(there);
-            close(receivingEnd);
-            const Send send = makeSend(sendingEnd);
-            int sent = 0;
-            while (sent < CHUNKS && send()) {
-                ++sent;
+        const pid_t child = fork();
+        PinTo(child == 0 ? senderCpu : receiverCpu);
+        close(sockets[child == 0 ? 0 : 1]);
+        End end(sockets[child == 0 ? 1 : 0]);
+        Totals totals;
+        if (child == 0) {
+            for (uint64_t sent = 0; sent < CHUNKS && end.Send(sent); ++sent) {
+                if (isDigested) {
+                    totals.Add(sent, Chunk());
+                }
             }
             _exit(0);
         }
-        PinTo(here);
-        close(sendingEnd);
-        const Receive receive = makeReceive(receivingEnd);
-        int received = 0;
-        while (received < CHUNKS && receive()) {
-            ++received;
+        uint64_t received = 0;
+        for (ByteView chunk; received < CHUNKS && (chunk = end.Receive()).size == CHUNK_BYTES; ++received) {
+            if (isDigested) {
+                totals.Add(received, chunk);
+            }
         }
-        close(receivingEnd);
-        waitpid(sender, nullptr, 0);
+        close(sockets[0]);
+        waitpid(child, nullptr, 0);
         state.SetIterationTime(seconds() - start);
         if (received < CHUNKS) {
             state.SkipWithError("a chunk did not arrive");
@@ -117,79 +168,19 @@ void MeasureConnection(benchmark::State &state, Seconds seconds, const std::func
     sched_setaffinity(0, sizeof(before), &before);
 }
 
-std::vector<uint8_t> &Chunk()
-{
-    static std::vector<uint8_t> chunk(CHUNK_BYTES, 1);
-    return chunk;
-}
-
-void MeasurePair(benchmark::State &state, Seconds seconds, bool isDigested)
-{
-    MeasureConnection(
-        state, seconds,
-        [isDigested](int socket) {
-            return [socket, isDigested, number = uint64_t{0}, totals = Totals()]() mutable {
-                const ByteView chunk{Chunk().data(), Chunk().size()};
-                if (isDigested) {
-                    totals.Add(number, chunk);
-                }
-                return SendMessage(socket, PackMessage(FrameKind::STREAM, number++, chunk));
-            };
-        },
-        [isDigested](int socket) {
-            auto receiver = std::make_shared<FrameReceiver>(socket);
-            return [isDigested, receiver, totals = Totals()]() mutable {
-                ReceivedFrame frame;
-                const bool isReceived = receiver->Receive(frame) == ReceiveResult::FRAME;
-                if (isReceived && isDigested) {
-                    totals.Add(frame.number, frame.content);
-                }
-                return isReceived && frame.content.size == CHUNK_BYTES;
-            };
-        });
-}
-
-// The same messages without the library, with the same digests.
-void MeasureBareSocket(benchmark::State &state, Seconds seconds, bool isDigested)
-{
-    MeasureConnection(
-        state, seconds,
-        [isDigested](int socket) {
-            return [socket, isDigested, totals = Totals()]() mutable {
-                static std::vector<uint8_t> head(PREFIX_BYTES + HEADER_BYTES, 1);
-                std::array<iovec, 2> parts = {{{head.data(), head.size()}, {Chunk().data(), Chunk().size()}}};
-                msghdr message{};
-                message.msg_iov = parts.data();
-                message.msg_iovlen = parts.size();
-                if (isDigested) {
-                    totals.Add(0, {Chunk().data(), Chunk().size()});
-                }
-                return sendmsg(socket, &message, MSG_NOSIGNAL) > 0;
-            };
-        },
-        [isDigested](int socket) {
-            return [socket, isDigested, totals = Totals(), message = Message(MAX_MESSAGE_BYTES)]() mutable {
-                const ssize_t size = recv(socket, message.data(), message.size(), MSG_TRUNC);
-                if (isDigested) {
-                    totals.Add(0, {message.data(), CHUNK_BYTES});
-                }
-                return size > 0;
-            };
-        });
-}
-
 int AddPairRow(const char *name, Seconds seconds, bool isDigested, const char *baselineName)
 {
     return AddRow(
-        name, [=](benchmark::State &state) { MeasurePair(state, seconds, isDigested); }, baselineName,
-        [=](benchmark::State &state) { MeasureBareSocket(state, seconds, isDigested); }, SAME_WORK, TimeSource::MANUAL);
+        name, [=](benchmark::State &state) { MeasureConnection<FrameEnd>(state, seconds, isDigested); }, baselineName,
+        [=](benchmark::State &state) { MeasureConnection<BareEnd>(state, seconds, isDigested); }, SAME_WORK,
+        TimeSource::MANUAL);
 }
 
-const int CPU_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, CPU time of both sides", CpuSeconds, false,
-                               "`sendmsg` and `recv` of the same pieces");
-const int CLOCK_ROW = AddPairRow("example pair, 10 000 pieces of 3840 B, wall-clock time", WallClockSeconds, false,
-                                 "`sendmsg` and `recv` of the same pieces");
+const int CPU_ROW = AddPairRow("example pair, 10 000 chunks of 3840 B, CPU time of both sides", CpuSeconds, false,
+                               "`sendmsg` and `recv` of the same chunks");
+const int CLOCK_ROW = AddPairRow("example pair, 10 000 chunks of 3840 B, wall-clock time", WallClockSeconds, false,
+                                 "`sendmsg` and `recv` of the same chunks");
 const int DIGEST_ROW = AddPairRow("example pair, with a digest of the stream, CPU time of both sides", CpuSeconds, true,
-                                  "`sendmsg` and `recv` of the same pieces, and the digests");
+                                  "`sendmsg` and `recv` of the same chunks, and the digests");
 
 }  // namespace

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# Draws time over size with logarithmic axes: gnuplot -c bench/picture.gp DATA SVG SIZE_LABEL. The last column of DATA is the
-# baseline.
+# Plots time against size on logarithmic axes. The last column of DATA is the baseline.
+# Usage: gnuplot -c bench/picture.gp DATA SVG SIZE_LABEL
 set terminal svg noenhanced size 720,480 font "sans-serif,13" background "white"
 set output ARG2
 set logscale xy

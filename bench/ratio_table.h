@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Registers the rows of the table and the curves of the pictures that scripts/bench makes. A row compares an operation
-// with a baseline, because on a shared machine the ratio of two times from one run means more than either time:
+// Registers the table rows and the plots of scripts/bench. A row compares an operation with a baseline: on a shared
+// machine, the ratio of two times from one run is more reliable than either time.
 //
 //     const int ROW = AddRow("`Write`", Write, "the same by hand", WriteByHand, 1.6);
 //
@@ -17,12 +17,12 @@
 #include <string>
 
 // The bar for an operation that does the same work as its baseline. A correct build meets it on any x86-64 or Arm
-// processor of the last ten years, also when other processes are busy.
+// processor of the last ten years, even when other processes use the CPU.
 constexpr double SAME_WORK = 1.6;
 
 enum class TimeSource { CPU, MANUAL };
 
-// The curves take minutes, so that they are registered alone, or not at all.
+// Measuring the curves takes minutes, so they are registered only on request, and then without the rows.
 inline bool AreCurvesMeasured()
 {
     return std::getenv("OSTRA_BENCH_CURVES") != nullptr;
@@ -50,13 +50,24 @@ int AddRow(const std::string &name, Operation measureOperation, const std::strin
     return 0;
 }
 
-// Adds a curve to bench/`picture`: the time of `measure(state, size)` for sizes from `first` to `last`, which are the
-// same for all curves of a picture. The baseline is added last.
-template <typename Measure>
-int AddCurve(const std::string &picture, const std::string &label, Measure measure, int64_t first, int64_t last)
+// A benchmark of inputs of different sizes.
+using SizedBenchmark = void (*)(benchmark::State &state, int64_t size);
+
+// Returns the benchmark for one size, for AddRow.
+inline auto WithSize(SizedBenchmark measure, int64_t size)
+{
+    return [=](benchmark::State &state) {
+        measure(state, size);
+    };
+}
+
+// Adds a curve to the plot `plot`: time against size, from `first` to `last`, which are the same for all curves of a
+// plot. The label of a baseline starts with "baseline".
+inline int AddCurve(const std::string &plot, const std::string &label, SizedBenchmark measure, int64_t first,
+                    int64_t last)
 {
     if (AreCurvesMeasured()) {
-        benchmark::RegisterBenchmark((picture + ": " + label).c_str(),
+        benchmark::RegisterBenchmark((plot + ": " + label).c_str(),
                                      [=](benchmark::State &state) { measure(state, state.range()); })
             ->RangeMultiplier(4)
             ->Range(first, last);

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Makes tables and curves from the JSON output of the benchmark program; scripts/bench runs it.
+"""Formats the JSON output of the benchmark program as a table or as data for plots. scripts/bench runs it.
 
 Usage: report.py table [--strict] ROUND.json ...
        report.py curves FILE.json DIRECTORY
 
 "table" prints a row for each operation: the median over the rounds of the ratio of its time to that of its baseline,
 and the range of these ratios. With --strict, the exit status is 1 if an operation missed its bar. "curves" writes
-DIRECTORY/PICTURE.dat for each picture: a line with labels, then a line per size with the seconds of each curve."""
+DIRECTORY/PLOT.dat for each plot: a line with labels, then a line per size with the seconds of each curve."""
 import collections
 import json
 import statistics
@@ -38,7 +38,7 @@ def format_time(seconds):
 
 
 def judge(ratios, bar):
-    """A row whose ratios vary by more than their distance from the bar proves nothing."""
+    """Returns "unstable" if the ratios vary by more than their distance from the bar, which is inconclusive."""
     ratio = statistics.median(ratios)
     if ratio > bar:
         return "MISSED"
@@ -78,14 +78,14 @@ def print_table(paths, is_strict):
 
 
 def write_curves(path, directory):
-    pictures = collections.defaultdict(lambda: collections.defaultdict(dict))
+    plots = collections.defaultdict(lambda: collections.defaultdict(dict))
     for name, size, seconds, _ in read_runs(path):
-        picture, label = name.split(": ", 1)
-        pictures[picture][label].setdefault(size, []).append(seconds)
-    for picture, curves in pictures.items():
-        # The benchmarks of different files are registered in any order; the baseline is drawn last.
+        plot, label = name.split(": ", 1)
+        plots[plot][label].setdefault(size, []).append(seconds)
+    for plot, curves in plots.items():
+        # The registration order of different source files is unspecified; the baseline is drawn last.
         labels = sorted(curves, key=lambda label: label.startswith("baseline"))
-        with open(f"{directory}/{picture}.dat", "w", encoding="utf-8") as file:
+        with open(f"{directory}/{plot}.dat", "w", encoding="utf-8") as file:
             print("size", *(f'"{label}"' for label in labels), file=file)
             for size in sorted(curves[labels[0]]):
                 print(size, *(statistics.median(curves[label][size]) for label in labels), file=file)

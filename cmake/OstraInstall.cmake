@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Installs the headers, the library, the host platform, a CMake package, a pkg-config file, documentation and examples.
-# The installed tree may be moved as a whole.
+# The installed tree is relocatable.
 include(CMakePackageConfigHelpers)
 
 set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/ostra_adapter_utils)
@@ -20,7 +20,7 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utilsConfigVersion.cmake
     DESTINATION ${package_dir})
 
-# Absolute directories are kept; all others are relative to the pkg-config file, so that the tree can be moved.
+# Relative directories are relative to the pkg-config file, so that the tree is relocatable; absolute ones are kept.
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
     set(OSTRA_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
     set(OSTRA_PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})
@@ -37,7 +37,7 @@ endif()
 configure_file(cmake/ostra_adapter_utils.pc.in ostra_adapter_utils.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utils.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# The pages and the files that they link to, in the same layout.
+# The documentation and the files that it links to, in the layout of the repository.
 set(pages_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostra_adapter_utils)
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${pages_dir})
 install(DIRECTORY docs examples DESTINATION ${pages_dir}

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# Sets OSTRA_VERSION and OSTRA_SOVERSION from the public header that states the version. Included before project().
+# Reads OSTRA_VERSION and OSTRA_SOVERSION from ostra_version.h. Included before project().
 set(version_header ${CMAKE_CURRENT_SOURCE_DIR}/include/ostra_version.h)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${version_header})
 file(STRINGS ${version_header} definition REGEX "^#define OSTRA_VERSION \"")

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# Common part of the cross toolchains. Needs OSTRA_TARGET, Debian's name of the target.
+# The common part of the cross toolchain files. Requires OSTRA_TARGET, the GNU triplet of the target.
 set(CMAKE_C_COMPILER ${OSTRA_TARGET}-gcc)
 set(CMAKE_CXX_COMPILER ${OSTRA_TARGET}-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE ${OSTRA_TARGET})

@@ -5,5 +5,5 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 set(OSTRA_TARGET arm-linux-gnueabihf)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm)
-set(CMAKE_CXX_FLAGS_INIT -Wno-psabi) # no notes about an interface that changed in GCC 7
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi) # no notes about ABI changes in GCC 7
 include(${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake)

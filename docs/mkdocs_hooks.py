@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""What mkdocs does beyond its defaults: links names in code to the API reference, and checks all links and anchors."""
+"""Hooks of mkdocs: link names in code to the API reference, and check all links and anchors."""
 import html.parser
 import logging
 import os
@@ -8,7 +8,7 @@ import urllib.parse
 import xml.etree.ElementTree
 
 log = logging.getLogger("mkdocs.hooks")
-api = {}  # "Class", "Class::Member", "Member" or "header.h": where the API reference documents it, in order
+api = {}  # from "Class", "Class::Member", "Member" or "header.h" to its places in the API reference, in order
 
 
 def on_config(config):
@@ -36,10 +36,10 @@ def on_page_content(content, page, **_):
             scope = name.rsplit("::", 1)[0]
         urls = api.get(f"{scope}::{name}") or api.get(name, [])
         # Overloads are on one page; a name that is on several is ambiguous.
-        is_clear = len({url.split("#")[0] for url in urls}) == 1
-        return f'<a href="{up}api/{urls[0]}">{match.group(0)}</a>' if is_clear else match.group(0)
+        is_unambiguous = len({url.split("#")[0] for url in urls}) == 1
+        return f'<a href="{up}api/{urls[0]}">{match.group(0)}</a>' if is_unambiguous else match.group(0)
 
-    # Examples, headings and links are left alone. Within a row, an item or a paragraph, a class is named once.
+    # Skip examples, headings and links. A class applies to the members after it in the same row, item or paragraph.
     result = ""
     for part in re.split(r"(<pre.*?</pre>|<h\d.*?</h\d>|<a .*?</a>|<tr>|<li>|<p>)", content, flags=re.S):
         if part in ("<tr>", "<li>", "<p>"):
@@ -68,7 +68,7 @@ def on_post_build(config):
     pages = {}
     for folder, _, names in os.walk(config["site_dir"]):
         for name in names:
-            # Absolute links of 404.html are for a server.
+            # 404.html has absolute links, which only a server resolves.
             if name.endswith(".html") and name != "404.html":
                 path = os.path.join(folder, name)
                 pages[path] = Links(path)

@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 
 // Runs the fuzzed code on one input. Always returns 0.
@@ -69,34 +70,18 @@ inline std::string TakeLine(std::string &input)
     return line;
 }
 
-template <typename Number>
-std::string Show(Number number)
-{
-    return std::to_string(number);
-}
-
-// Escapes unprintable bytes as \xNN.
-inline std::string Show(const std::string &text)
-{
-    std::string shown;
-    for (const char character : text) {
-        char code[] = "\\xNN";
-        const auto byte = static_cast<unsigned char>(character);
-        std::snprintf(code, sizeof(code), "\\x%02X", byte);
-        shown += byte < ' ' || byte > '~' || byte == '\\' ? code : std::string(1, character);
-    }
-    return '"' + shown + '"';
-}
-
-// Aborts, so that the fuzzer keeps the input, if the library returned another value.
+// Aborts, so that the fuzzer keeps the input, if the library returned another value. Prints the input for `xxd -r -p`.
 template <typename Value>
 void ExpectEqual(const char *field, const Value &expected, const Value &got)
 {
-    if (got != expected) {
-        std::fprintf(stderr, "differs: %s\nexpected: %s\ngot: %s\ninput: %s\n", field, Show(expected).c_str(),
-                     Show(got).c_str(), Show(currentInput).c_str());
-        std::abort();
+    if (got == expected) {
+        return;
     }
+    std::cerr << "differs: " << field << "\nexpected: " << expected << "\ngot: " << got << "\ninput: ";
+    for (const char byte : currentInput) {
+        std::fprintf(stderr, "%02x", static_cast<unsigned char>(byte));
+    }
+    std::abort();
 }
 
 }  // namespace Fuzz

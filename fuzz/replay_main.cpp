@@ -3,9 +3,9 @@
 // Runs a fuzzer on files and on mutations of them, the same in every run.
 // Usage: fuzz_replay_NAME FILE...
 
-#include <stdlib.h>
-
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -48,11 +48,8 @@ void Run(const std::string &input)
 
 int main(int argc, char **argv)
 {
-    setenv("OSTRA_HOST_LOG_LEVEL", "off", 0);  // unless the caller set a level
-    std::vector<std::string> seeds = {std::string(RANDOM_SEED_SIZE, '\0')};
-    for (char &byte : seeds[0]) {
-        byte = static_cast<char>(Below(256));
-    }
+    std::vector<std::string> seeds(1);
+    std::generate_n(std::back_inserter(seeds[0]), RANDOM_SEED_SIZE, [] { return static_cast<char>(Below(256)); });
     for (int i = 1; i < argc; ++i) {
         std::ifstream file(argv[i], std::ios::binary);
         if (!file) {

@@ -1,23 +1,24 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Sourced by every script first: strict mode, the top directory as the current one, and --help, which prints the comment
-# at the head of the script, then whatever the function `tell_more` prints if the script defined it before.
+# Sourced by every script first: enables strict mode, changes to the top directory, and handles --help, which prints the
+# comment at the top of the script, then the output of the function `more_help` if the script has defined it.
 set -euo pipefail
 
 script=$(cd "$(dirname "$0")" && pwd)/${0##*/}
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 called=${script#"$PWD"/}
 
-# refuse REASON: ends the script because of wrong arguments
-refuse() {
+# usage_error REASON: exits because of invalid arguments
+usage_error() {
     echo "$called: $*; see $called --help" >&2
     exit 2
 }
 
 # at_most COUNT ARGUMENT ...
 at_most() {
-    [ $# -le $(($1 + 1)) ] || refuse "too many arguments: ${*:2}"
+    [[ ${2-} != -?* || $1 != 0 ]] || usage_error "unknown option $2"
+    [ $# -le $(($1 + 1)) ] || usage_error "too many arguments: ${*:2}"
 }
 
 # presets build|test: prints the names of the presets that can be built or tested
@@ -29,13 +30,13 @@ presets() {
 # need_preset build|test NAME
 need_preset() {
     [ "$(presets "$1" | grep -cxF -e "$2")" = 1 ] ||
-        refuse "unknown $1 preset $2; $1 presets: $(presets "$1" | paste -sd ' ')"
+        usage_error "unknown $1 preset $2; $1 presets: $(presets "$1" | paste -sd ' ')"
 }
 
 case ${1-} in
     -h | --help)
         sed -n '2,/^[^#]/{/^# SPDX/d;s/^# \{0,1\}//p;}' "$script"
-        ! declare -F tell_more >/dev/null || tell_more
+        ! declare -F more_help >/dev/null || more_help
         exit
         ;;
 esac

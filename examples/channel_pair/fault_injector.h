@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Fault injection between the source and the sink: each kind of fault equally often, at random positions in the stream,
-// reproducible by a seed.
+// Fault injection between the source and the sink: each kind of fault equally often, at random positions in the stream
+// that a seed reproduces.
 
 #ifndef EXAMPLES_CHANNEL_PAIR_FAULT_INJECTOR_H
 #define EXAMPLES_CHANNEL_PAIR_FAULT_INJECTOR_H
@@ -28,10 +28,11 @@ public:
 
     struct Output {
         std::vector<Message> messages;  // to send instead of the original
-        bool isDropped = false;         // the receiver has to drop the content
+        bool isDropped = false;         // the receiver must drop the content
     };
 
-    // Returns the message, or what becomes of it if a fault is due. Only chunks of the stream get announced faults.
+    // Returns the messages to send instead of `message`: itself unless a fault is due. Counted faults are injected into
+    // chunks of the stream only.
     Output Inject(FrameKind kind, uint64_t frameNumber, Message message);
 
     // Returns true while a delayed chunk waits for the next message to overtake it.

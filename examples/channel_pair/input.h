@@ -14,7 +14,7 @@
 #include "pair.h"
 #include "transport.h"
 
-// Known in chunks, in seconds, or unknown.
+// The length in chunks or in seconds; neither is set if it is unknown.
 struct StreamLength {
     std::optional<uint64_t> chunks;
     std::optional<double> seconds;
@@ -24,7 +24,7 @@ class Input {
 public:
     enum class Result {
         CHUNK,
-        IDLE,  // nothing to read yet, or interrupted by a signal
+        IDLE,  // no input yet, or interrupted by a signal
         END,
         FAILED,  // errno is set
     };
@@ -32,8 +32,8 @@ public:
     // Opens the input that the options name. Returns false, with errno set, if that fails.
     bool Open(const PairOptions &options);
 
-    // Reads the next chunk. Only the last one may be shorter than CHUNK_BYTES. It is valid until the next call. Waits
-    // for a pipe or a device for at most `idleMs`.
+    // Reads the next chunk, which is valid until the next call. Only the last one may be shorter than CHUNK_BYTES.
+    // Waits at most `idleMs` for a pipe or a device.
     Result Next(ByteView &chunk, int idleMs);
 
     const StreamLength &Length() const

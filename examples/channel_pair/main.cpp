@@ -33,7 +33,7 @@ namespace {
 constexpr int EXIT_USAGE = 2;
 constexpr int EXIT_INTERRUPTED = 130;
 
-// scripts/demo prints these lines and takes the options from them, before anything is built.
+// scripts/demo extracts this help and its options from this file, so that --help works before anything is built.
 constexpr char USAGE[] = R"(Usage: channel_pair [OPTION]... [FILE]
 
 Sends a stream from a source process to a sink process in channel frames of 20 ms and checks what arrives: every byte,
@@ -45,15 +45,21 @@ settings; frame 3 is the first chunk of the stream.
       --seconds T    send the tone for T seconds instead, which is much more than T seconds of sound
       --faults N     inject N faults at random positions; each must be detected, and all other chunks must arrive
       --seed S       random seed of the faults; 1 by default
-      --flip N       corrupt frame N, counted from 0, without announcing it; the pair must fail and name the frame
-      --timeout T    wait T seconds for a side that does not respond; 10 by default
+      --flip N       corrupt frame N, counted from 0, unknown to the sink; the pair must fail and name the frame
+      --timeout T    wait at most T seconds for a side that does not respond; 10 by default
       --trace FILE   write every message of the source to FILE, one line of hexadecimal bytes each
-      --dump         let the sink dump the stream to /data/local/tmp/
+      --dump         dump the stream that the sink receives to /data/local/tmp/
   -v, --verbose      print every event and the connection
   -h, --help         print this help and exit
 
 Exit status: 0 success, 1 failure, 2 invalid arguments, 130 interrupted.
 )";
+
+int PrintError(const std::string &message, int status = EXIT_FAILURE)
+{
+    std::fprintf(stderr, "channel_pair: %s\n", message.c_str());
+    return status;
+}
 
 // Returns the exit status if the program must end at once.
 std::optional<int> ParseOptions(int argc, char **argv, PairOptions &options)
@@ -79,16 +85,15 @@ std::optional<int> ParseOptions(int argc, char **argv, PairOptions &options)
     app.add_flag("-v,--verbose", options.isVerbose);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success &help) {
+        return app.exit(help);
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == EXIT_SUCCESS ? EXIT_SUCCESS : EXIT_USAGE;
+        const std::vector<std::string> unknown = app.remaining();
+        const std::string kind =
+            unknown.empty() || unknown.front()[0] != '-' ? "unexpected argument " : "unknown option ";
+        return PrintError((unknown.empty() ? error.what() : kind + unknown.front()) + "; see --help", EXIT_USAGE);
     }
     return std::nullopt;
-}
-
-int PrintError(const std::string &message, int status = EXIT_FAILURE)
-{
-    std::fprintf(stderr, "channel_pair: %s\n", message.c_str());
-    return status;
 }
 
 int PrintSystemError(const std::string &path)
@@ -103,15 +108,8 @@ bool Print(const PairOptions &options, const std::string &lines)
     return std::fputs(lines.c_str(), file) >= 0 && std::fflush(file) == 0;
 }
 
-bool IsSameFile(int left, int right)
-{
-    struct stat leftStatus {};
-    struct stat rightStatus {};
-    return fstat(left, &leftStatus) == 0 && fstat(right, &rightStatus) == 0 && S_ISREG(leftStatus.st_mode) &&
-           leftStatus.st_dev == rightStatus.st_dev && leftStatus.st_ino == rightStatus.st_ino;
-}
-
-// Opens the file that the sink writes. Sets `output` to -1 if there is none. Returns false if that fails.
+// Opens the file that the sink writes and sets `output`, to -1 if there is none. Prints an error and returns false on
+// failure.
 bool OpenOutput(const std::string &path, int input, int &output)
 {
     output = -1;
@@ -120,24 +118,29 @@ bool OpenOutput(const std::string &path, int input, int &output)
     }
     const bool isStandardOutput = path == STANDARD_STREAM;
     output = isStandardOutput ? STDOUT_FILENO : open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666);
-    if (output < 0) {
+    struct stat from {};
+    struct stat to {};
+    if (output < 0 || fstat(output, &to) != 0) {
         PrintSystemError(path);
         return false;
     }
-    if (IsSameFile(input, output)) {
+    if (!S_ISREG(to.st_mode)) {
+        return true;
+    }
+    if (fstat(input, &from) == 0 && from.st_dev == to.st_dev && from.st_ino == to.st_ino) {
         PrintError(path + ": the output is the input file");
         return false;
     }
-    // Truncated only now, because open must not truncate the input. Other files than regular ones have no length.
-    struct stat status {};
-    if (!isStandardOutput && fstat(output, &status) == 0 && S_ISREG(status.st_mode) && ftruncate(output, 0) != 0) {
+    // Only now, because open with O_TRUNC would truncate the input.
+    if (!isStandardOutput && ftruncate(output, 0) != 0) {
         PrintSystemError(path);
         return false;
     }
     return true;
 }
 
-// Creates a connected pair of sockets that wait for at most `timeout` seconds.
+// Creates a connected pair of sockets with a timeout in seconds: the source sends at the first, the sink receives at
+// the second. Returns false, with errno set, on failure.
 bool MakeConnection(double timeout, std::array<int, 2> &ends)
 {
     using std::chrono::microseconds;
@@ -188,7 +191,7 @@ Offer MakeOffer()
     return offer;
 }
 
-// Prints what both sides report and returns the exit status. Omits failures that are a consequence of another one.
+// Prints the reports of both sides and returns the exit status. Omits failures that are the consequence of another one.
 int Conclude(const PairOptions &options, const ChildProcess &source, const ChildProcess &sink)
 {
     Print(options, source.report.summary + sink.report.summary);
@@ -221,7 +224,7 @@ int main(int argc, char **argv)
         return std::fflush(stdout) == 0 ? *status : PrintSystemError("standard output");
     }
     setenv("OSTRA_HOST_LOG_LEVEL", "error", 0);  // the library logs each CRC at info level
-    std::signal(SIGPIPE, SIG_IGN);               // failed writes are reported
+    std::signal(SIGPIPE, SIG_IGN);               // a failed write returns an error instead
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGINT, SIG_DFL);  // a shell may start a background process with SIGINT ignored
     std::signal(SIGCHLD, SIG_DFL);
@@ -246,8 +249,8 @@ int main(int argc, char **argv)
     if (!MakeConnection(options.timeout, ends)) {
         return PrintSystemError("socket pair");
     }
-    HandleInterrupts(
-        CountInterrupt);  // only now, so that a signal ends a program that waits for the other end of a FIFO
+    // Only now, so that a signal still ends the program while it waits for the other end of a FIFO.
+    CountInterrupts();
     const Offer offer = MakeOffer();
     ChildProcess source = Start("source", [&] {
         close(ends[1]);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The example pair: a source process sends an audio stream to a sink process in channel frames, and the sink checks
-// that all of it arrives. This header has what both sides share. A reader may start at main.cpp, then go on with
+// that all of it arrives. This header declares what both sides share. Start reading at main.cpp, then continue with
 // source.cpp, sink.cpp and transport.h.
 
 #ifndef EXAMPLES_CHANNEL_PAIR_PAIR_H
@@ -26,7 +26,7 @@ constexpr char STANDARD_STREAM[] = "-";  // as a file name: standard input or ou
 struct FaultOptions {
     uint64_t count = 0;
     uint64_t seed = 1;
-    std::optional<uint64_t> flippedFrame;  // corrupted without being announced at the end of the stream
+    std::optional<uint64_t> flippedFrame;  // corrupted, but not counted at the end of the stream
 };
 
 struct PairOptions {
@@ -42,7 +42,7 @@ struct PairOptions {
 
 using ParcelMap = std::map<int32_t, std::string>;
 
-// What the source sends before the stream. The sink knows what to expect, and compares.
+// What the source sends before the stream. The sink compares it with what it expects.
 struct Offer {
     OHOS::DistributedHardware::OstraAdapter::DHConnectInfo connection;
     std::string device;   // device document
@@ -62,12 +62,12 @@ enum EndKey : int32_t {
     FIRST_FAULT,  // number of injected faults; one key for each Fault, in that order
 };
 
-// How a side ended.
+// The outcome of one side.
 struct SideReport {
     std::string summary;      // rows of values
     std::string failure;      // empty on success
-    std::string consequence;  // a failure that may be a consequence of the other side's
-    std::string result;       // on success; of the source only if the user interrupted it
+    std::string consequence;  // a failure that a failure of the other side may have caused
+    std::string result;       // set on success; by the source only if the user interrupted it
 };
 
 class Input;

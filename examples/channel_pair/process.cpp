@@ -59,7 +59,7 @@ SideReport ReadReport(int pipe)
     std::exit(isWritten ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-// Takes note of the end of a child, without waiting for it.
+// Reads the report and the exit reason of a child if it has ended. Does not wait.
 void Poll(ChildProcess &child)
 {
     int status = 0;
@@ -90,17 +90,14 @@ void Kill(ChildProcess &child, const std::string &reason)
 
 }  // namespace
 
-void HandleInterrupts(void (*handler)(int))
+void CountInterrupts()
 {
     struct sigaction action {};
-    action.sa_handler = handler;
+    action.sa_handler = [](int /* signal */) {
+        g_interrupts = g_interrupts + 1;
+    };
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
-}
-
-void CountInterrupt(int /* signal */)
-{
-    g_interrupts = g_interrupts + 1;
 }
 
 int Interrupts()
@@ -132,7 +129,7 @@ ChildProcess Start(const std::string &name, const std::function<SideReport()> &r
 
 void WaitForBoth(ChildProcess &source, ChildProcess &sink, double timeout)
 {
-    // A side that times out by itself needs a moment to report it.
+    // A side whose own timeout expires needs a moment to report it.
     const std::chrono::duration<double> limit(timeout + 0.5);
     std::optional<Clock::time_point> firstEnd;
     int handledInterrupts = 0;

@@ -14,27 +14,26 @@
 
 struct ChildProcess {
     std::string name;
-    pid_t pid = -1;  // -1 when it has ended
-    int pipe = -1;   // brings its report
+    pid_t pid = -1;  // -1 after it has ended
+    int pipe = -1;   // the read end of the pipe for its report
 
-    // Set when it has ended. The exit reason is empty for a normal exit, else for example "the sink was killed by
+    // Set after it has ended. The exit reason is empty for a normal exit, otherwise for example "the sink was killed by
     // signal 9 (Killed)".
     SideReport report;
     std::string exitReason;
 };
 
-// Sets the handler of SIGINT and SIGTERM for this process and its children. The signals interrupt system calls.
-void HandleInterrupts(void (*handler)(int));
+// Counts SIGINT and SIGTERM from now on, in this process and its children. The signals interrupt system calls.
+void CountInterrupts();
 
-// A handler that counts, and its count.
-void CountInterrupt(int signal);
+// Returns the number of these signals so far.
 int Interrupts();
 
 // Forks a child that is killed when this process ends.
 ChildProcess Start(const std::string &name, const std::function<SideReport()> &run);
 
-// Waits for both. Kills a child that is still running `timeout` seconds after the other one has ended. Forwards SIGINT
-// and SIGTERM to the source as SIGINT; a second signal kills both.
+// Waits for both children. Kills a child that is still running `timeout` seconds after the other one has ended.
+// Forwards SIGINT and SIGTERM to the source as SIGINT; a second signal kills both.
 void WaitForBoth(ChildProcess &source, ChildProcess &sink, double timeout);
 
 #endif  // EXAMPLES_CHANNEL_PAIR_PROCESS_H

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What both sides report: rows of values, and the library's events.
+// The report of each side: rows of values, and the events of the library.
 
 #ifndef EXAMPLES_CHANNEL_PAIR_REPORT_H
 #define EXAMPLES_CHANNEL_PAIR_REPORT_H

@@ -22,7 +22,6 @@
 #include "ostra_dump_adapter.h"
 #include "pair.h"
 #include "parameter.h"
-#include "process.h"
 #include "report.h"
 #include "transport.h"
 
@@ -73,7 +72,7 @@ std::string DescribeService(const std::string &document)
            std::to_string(audio.audioCodecType_) + ", profiles " + audio.audioProfiles_;
 }
 
-// Receives what the context publishes, as another part of the host process would.
+// Receives the notifications that the context publishes, as another part of the host process would.
 struct Notifications : IPublisherListener {
     void OnMessage(const DHTopic /* topic */, const std::string &message) override
     {
@@ -189,8 +188,8 @@ private:
         if (lstat(dumpPath_.c_str(), &status) == 0 && static_cast<uint64_t>(status.st_size) == received_.bytes) {
             return true;
         }
-        // Repeats the write to get its error. Others can create files in the directory: do not follow their links, and
-        // do not wait for the reader of a FIFO.
+        // Write again to get the error. Other users can create files in the directory: do not follow their symbolic
+        // links, and do not wait for the reader of a FIFO.
         constexpr int flags = O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
         const int fd = open(dumpPath_.c_str(), flags, 0600);
         const bool isWritten = fd >= 0 && WriteAll(fd, chunk);
@@ -265,7 +264,7 @@ private:
     const PairOptions &options_;
     int output_;
     FrameReceiver receiver_;
-    // Random, so that others cannot create the file first. A longer name would not fit into the path of a dump.
+    // Random, so that other users cannot create the file first. OstraDump refuses longer names.
     const std::string dumpName_ = "channel_pair_" + GetRandomID().substr(16) + ".pcm";
     const std::string dumpPath_ = DUMP_PATH_PREFIX + dumpName_;
     std::string device_ = MISSING;
@@ -281,7 +280,8 @@ private:
 
 SideReport RunSink(int socket, const Offer &offer, const PairOptions &options, int output)
 {
-    HandleInterrupts(SIG_IGN);  // the source ends the stream
+    std::signal(SIGINT, SIG_IGN);  // the source ends the stream
+    std::signal(SIGTERM, SIG_IGN);
     constexpr auto topic = static_cast<DHTopic>(8);
     const OHOS::sptr<Notifications> notifications = new Notifications();
     OstraContext &context = OstraContext::GetInstance();

@@ -40,7 +40,7 @@ enum Fault : uint32_t {
     TRUNCATED,   // shorter than its size field says
     DUPLICATED,  // received before
     DELAYED,     // overtaken by a later frame; dropped, since the stream has moved on
-    EMPTY,       // 0 bytes
+    EMPTY,       // an empty message
     OVERSIZED,   // longer than MAX_MESSAGE_BYTES
     UNEXPECTED,  // a kind or a sequence number that does not belong to this stream
 };

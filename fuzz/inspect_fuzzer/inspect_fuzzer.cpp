@@ -101,7 +101,7 @@ void CheckEvent(const std::string &line)
 void CheckFinding(const Finding &finding)
 {
     CheckReport(finding.report.get());
-    CheckPrintable(Printable(finding.refusal), L"");
+    CheckPrintable(Printable(finding.error), L"");
     CheckPrintable(HexView(finding.content), L"\n");
 }
 

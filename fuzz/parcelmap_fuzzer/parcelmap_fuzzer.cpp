@@ -22,13 +22,13 @@ constexpr size_t UNIT = 4;
 
 using Map = std::map<int32_t, std::string>;
 
-bool IsKey(const std::string &text)
+bool IsKey(const std::string &string)
 {
     static const std::regex number("[-+]?[0-9]+");
-    if (text.size() > MAX_KEY_LENGTH || !std::regex_match(text, number)) {
+    if (string.size() > MAX_KEY_LENGTH || !std::regex_match(string, number)) {
         return false;
     }
-    const long long key = std::strtoll(text.c_str(), nullptr, 10);
+    const long long key = std::strtoll(string.c_str(), nullptr, 10);
     return key >= INT32_MIN && key <= INT32_MAX;
 }
 

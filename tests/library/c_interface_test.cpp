@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/quiet.h"
-
 extern "C" const char *CallFromC(void);
 
 TEST(CInterface, WorksFromC)

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "support/fault.h"
-#include "support/quiet.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {

@@ -11,72 +11,73 @@
 #include "parameter.h"
 #include "support/golden_test.h"
 
-const char *const GOLDEN_FILE =
 #include "ostra_dump_test.txt"
-    ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
+
+const unsigned char *Bytes(const std::string &bytes)
+{
+    return reinterpret_cast<const unsigned char *>(bytes.data());
+}
 
 class OstraDumpTest : public GoldenTest {
 protected:
     void SetUp() override
     {
         GoldenTest::SetUp();
-        Hide(name_, "NAME");
-        Unrecorded([this] { dump_.UnInit(); });
+        dump_.UnInit();
     }
 
     void TearDown() override
     {
-        unlink(Path(name_).c_str());
+        unlink(path_.c_str());
         SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), "-1");
         GoldenTest::TearDown();
     }
 
-    static std::string Path(const std::string &name)
+    void InitWith(const std::string &mode)
     {
-        return DUMP_PATH_PREFIX + name;
+        EXPECT_EQ(SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), mode.c_str()), 0);
+        dump_.Init();
     }
 
-    void InitWith(const char *mode)
+    void Write(const std::string &bytes)
     {
-        EXPECT_EQ(SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), mode), 0);
-        Unrecorded([this] { dump_.Init(); });
+        dump_.DumpStreamData(name_, Bytes(bytes), static_cast<int>(bytes.size()));
     }
 
-    void Write(const std::string &name, const std::string &bytes)
+    // Returns the contents of the file, and deletes it.
+    std::string TakeFile()
     {
-        const auto *data = reinterpret_cast<const unsigned char *>(bytes.data());
-        dump_.DumpStreamData(name, data, static_cast<int>(bytes.size()));
-    }
-
-    // Returns the contents of a file, and deletes it.
-    std::string TakeFile(const std::string &name)
-    {
-        std::ifstream file(Path(name), std::ios::binary);
-        unlink(Path(name).c_str());
+        std::ifstream file(path_, std::ios::binary);
+        unlink(path_.c_str());
         return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "no file";
     }
 
     OstraDump &dump_ = OstraDump::GetInstance();
-    const std::string name_ = "dump_" + std::to_string(getpid());
+    const std::string name_ = std::to_string(getpid()) + std::string(34 - std::to_string(getpid()).size(), 'x');
+    const std::string path_ = DUMP_PATH_PREFIX + name_;
 };
 
-TEST_F(OstraDumpTest, FollowsTheParameter)
+TEST_F(OstraDumpTest, KeepsTheLastOrAllBytesAsTheParameterSays)
 {
-    CALL(Write(name_, "off"));
+    const std::string first("fir\0st", 6);
     const std::pair<std::string, std::string> cases[] = {{"-1", "no file"},
-                                                         {"a", "x"},
-                                                         {"w", "x"},
+                                                         {"a", first + "2n"},
+                                                         {"w", "2n"},
                                                          {"012345678901234567890123456789", "no file"},
                                                          {"w1234567890123456789012345678", "no file"}};
     for (const auto &[mode, content] : cases) {
-        EXPECT_EQ(SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), mode.c_str()), 0);
-        CALL(dump_.Init());
-        CALL(Write(name_, "x"));
-        EXPECT_EQ(TakeFile(name_), content);
+        CALL(InitWith(mode));
+        CALL(Write(first));
+        DumpStreamData(name_.c_str(), Bytes("2nd"), 2);
+        EXPECT_EQ(TakeFile(), content);
     }
+    InitWith("w");
+    Write("x");
+    Write("");
+    EXPECT_EQ(TakeFile(), "");
 }
 
 TEST_F(OstraDumpTest, ReadsAnyParameter)
@@ -93,77 +94,50 @@ TEST_F(OstraDumpTest, ReadsAnyParameter)
     EXPECT_EQ(value, "5");
 }
 
-TEST_F(OstraDumpTest, KeepsTheLastOrAllBytes)
-{
-    for (const bool keepsAll : {false, true}) {
-        InitWith(keepsAll ? "a" : "w");
-        Write(name_, std::string("fir\0st", 6));
-        DumpStreamData(name_.c_str(), reinterpret_cast<const unsigned char *>("2nd"), 2);
-        EXPECT_EQ(TakeFile(name_), keepsAll ? std::string("fir\0st2n", 8) : "2n");
-        Write(name_, "x");
-        Write(name_, "");
-        EXPECT_EQ(TakeFile(name_), keepsAll ? "x" : "");
-    }
-}
-
 TEST_F(OstraDumpTest, RejectsInvalidArguments)
 {
-    const unsigned char data[] = {1};
     CALL(dump_.DumpStreamData(name_, nullptr, 1));
     InitWith("w");
     CALL(dump_.DumpStreamData(name_, nullptr, 1));
-    CALL(dump_.DumpStreamData(name_, data, -1));
-    CALL(Write("", "x"));  // the directory itself
+    CALL(dump_.DumpStreamData(name_, Bytes("x"), -1));
+    dump_.DumpStreamData(name_ + "x", Bytes("x"), 1);
+    EXPECT_EQ(access((path_ + "x").c_str(), F_OK), -1) << "more than 50 characters";
     CALL(dump_.UnInit());
-    CALL(Write(name_, "x"));
-    EXPECT_EQ(CALL(dump_.OpenDumpFile(Path(name_))), nullptr);
-    EXPECT_EQ(TakeFile(name_), "no file");
+    Write("x");
+    EXPECT_EQ(dump_.OpenDumpFile("never opened"), nullptr);  // logged at debug level
+    EXPECT_EQ(TakeFile(), "no file");
 }
 
 TEST_F(OstraDumpTest, OpensFilesInTheCurrentModeAndClosesThem)
 {
     const int nextFree = dup(0);
     close(nextFree);
-    InitWith("a");
-    Write(name_, "x");
-    InitWith("-1");  // keeps the mode
-    FILE *file = dump_.OpenDumpFile(Path(name_));
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(fileno(file), nextFree);
-    EXPECT_EQ(std::fgetc(file), 'x');
-    dump_.CloseDumpFile(&file);
-    EXPECT_EQ(file, nullptr);
-    dump_.CloseDumpFile(&file);
-    dump_.CloseDumpFile(nullptr);
-    InitWith("w");
-    file = dump_.OpenDumpFile(Path(name_));
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(fileno(file), nextFree);
-    std::fputc('y', file);
-    std::rewind(file);
-    EXPECT_EQ(std::fgetc(file), 'y');
-    dump_.CloseDumpFile(&file);
-}
-
-TEST_F(OstraDumpTest, RejectsPathsOfMoreThanFiftyCharacters)
-{
-    const std::string longest = name_ + std::string(34 - name_.size(), 'x');
-    InitWith("w");
-    Write(longest, "fits");
-    EXPECT_EQ(TakeFile(longest), "fits");
-    Write(longest + "x", "does not fit");
-    EXPECT_EQ(TakeFile(longest + "x"), "no file");
+    for (const std::string mode : {"a", "w"}) {
+        InitWith(mode);
+        Write("x");
+        InitWith("-1");  // keeps the mode
+        FILE *file = dump_.OpenDumpFile(path_);
+        ASSERT_NE(file, nullptr);
+        EXPECT_EQ(fileno(file), nextFree);
+        EXPECT_EQ(std::fgetc(file), mode == "a" ? 'x' : EOF);
+        std::rewind(file);
+        std::fputc('y', file);
+        std::rewind(file);
+        EXPECT_EQ(std::fgetc(file), mode == "a" ? 'x' : 'y');
+        dump_.CloseDumpFile(&file);
+        EXPECT_EQ(file, nullptr);
+        dump_.CloseDumpFile(&file);
+        dump_.CloseDumpFile(nullptr);
+    }
 }
 
 TEST_F(OstraDumpTest, LogsWhatTheDiskDoesNotAccept)
 {
-    ASSERT_EQ(symlink("/dev/full", Path(name_).c_str()), 0);
-    for (const char *mode : {"w", "a"}) {
-        InitWith(mode);
-        CALL(Write(name_, ""));
-        CALL(Write(name_, "x"));
-        CALL(Write(name_, std::string(100000, 'x')));
-    }
+    ASSERT_EQ(symlink("/dev/full", path_.c_str()), 0);
+    InitWith("w");
+    CALL(Write(""));
+    CALL(Write("x"));
+    CALL(Write(std::string(100000, 'x')));
 }
 
 }  // namespace

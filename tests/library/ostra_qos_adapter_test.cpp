@@ -8,9 +8,7 @@
 #include "qos.h"
 #include "support/golden_test.h"
 
-const char *const GOLDEN_FILE =
 #include "ostra_qos_adapter_test.txt"
-    ;
 
 // These replace the platform's functions, and return what no platform does.
 namespace OHOS::QOS {
@@ -29,33 +27,24 @@ int ResetQosForOtherThread(int tid)
 
 }  // namespace OHOS::QOS
 
-namespace OHOS::ConcurrentTask {
-
-void ConcurrentTaskClient::RequestAuth(const std::unordered_map<std::string, std::string> &mapPayload)
+void OHOS::ConcurrentTask::ConcurrentTaskClient::RequestAuth(
+    const std::unordered_map<std::string, std::string> &mapPayload)
 {
     for (const auto &[key, value] : mapPayload) {
         GoldenTest::Record(key + "=" + value);
     }
 }
 
-}  // namespace OHOS::ConcurrentTask
-
 namespace {
 
 using QosAdapterTest = GoldenTest;
 
-TEST_F(QosAdapterTest, PassesArgumentsAndResultsOn)
+TEST_F(QosAdapterTest, PassesArgumentsAndResultsOnUnchanged)
 {
     EXPECT_EQ(CALL(SetQos(99, INT_MIN)), -50);
     EXPECT_EQ(CALL(SetQos(-5, INT_MAX)), 1);
     EXPECT_EQ(CALL(ResetQos(77)), 39);
-    EXPECT_EQ(CALL(ResetQos(-9)), -3);
-}
-
-TEST_F(QosAdapterTest, PassesTheProcessIdOnUnchanged)
-{
     CALL(RequestAuth("4711"));
-    CALL(RequestAuth(""));
     CALL(RequestAuth("%s"));
 }
 

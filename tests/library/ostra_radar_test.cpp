@@ -2,26 +2,22 @@
 
 #include "ostra_radar.h"
 
-#include <map>
-#include <regex>
-
 #include "hisysevent.h"
 #include "ostra_radar_adapter.h"
 #include "support/event_listener.h"
 #include "support/golden_test.h"
 
-const char *const GOLDEN_FILE =
 #include "ostra_radar_test.txt"
-    ;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Records an event without the fields of the platform that change from run to run.
+// Records an event without the fields of the platform, which change from run to run.
 void RecordEvent(const EventListener::Event &event)
 {
-    static const std::regex changing("\"(time|tz|pid|tid|uid)_\":[^,]*,");
-    GoldenTest::Record(std::regex_replace(event->AsJson(), changing, ""));
+    std::string json = event->AsJson();
+    const size_t begin = json.find("\"time_\"");
+    GoldenTest::Record(json.erase(begin, json.find("\"ORG_PKG\"") - begin));
 }
 
 class OstraRadarTest : public GoldenTest {
@@ -32,36 +28,32 @@ protected:
         static const bool isListening = [] {
             const auto listener = std::make_shared<EventListener>();
             listener->act = RecordEvent;
-            std::vector<HiviewDFX::ListenerRule> all = {{"", ""}};
-            return HiviewDFX::HiSysEventManager::AddListener(listener, all) == 0;
+            std::vector<HiviewDFX::ListenerRule> rules = {{"OSTRAADAPTER", ""}};
+            return HiviewDFX::HiSysEventManager::AddListener(listener, rules) == 0;
         }();
         ASSERT_TRUE(isListening);
         for (int line = 0; line < 30; ++line) {
             HiviewDFX::HiSysEvent::Write("elsewhere", line, "OTHER", "OTHER", HiviewDFX::HiSysEvent::BEHAVIOR);
         }
+        radar_.SetProcessName("");
+        radar_.SetCurBusinessId(-1);
         GoldenTest::SetUp();
     }
 
-    void TearDown() override
+    // Reports each step as successful.
+    void ReportAll(bool isAccepted)
     {
-        radar_.SetProcessName("");
-        radar_.SetCurBusinessId(-1);
-        GoldenTest::TearDown();
-    }
-
-    void ReportAll(const std::string &function, int error, bool isAccepted)
-    {
-        EXPECT_EQ(CALL(radar_.ServiceStartRes(function, 7, "ignored", error)), isAccepted);
-        EXPECT_EQ(CALL(radar_.ConnectDeviceRes(function, error, "P")), isAccepted);
-        EXPECT_EQ(CALL(radar_.UpdateRes(function, error, "P")), isAccepted);
-        EXPECT_EQ(CALL(radar_.UpdatePortRes(function, error)), isAccepted);
-        EXPECT_EQ(CALL(radar_.EnableVirtualRes(function, error)), isAccepted);
-        EXPECT_EQ(CALL(radar_.AudioOpenRes(function, error)), isAccepted);
-        EXPECT_EQ(CALL(radar_.AudioCloseRes(function, error)), isAccepted);
-        EXPECT_EQ(CALL(radar_.DisconnectDeviceRes(function, error, "P")), isAccepted);
-        EXPECT_EQ(CALL(radar_.ServiceStopRes(function, error)), isAccepted);
-        EXPECT_EQ(CALL(radar_.LoadSinkServiceRes(function, error)), isAccepted);
-        EXPECT_EQ(CALL(radar_.UnLoadSinkServiceRes(function, error)), isAccepted);
+        EXPECT_EQ(radar_.ServiceStartRes("F", 7, "ignored", 0), isAccepted);
+        EXPECT_EQ(radar_.ConnectDeviceRes("F", 0, "P"), isAccepted);
+        EXPECT_EQ(radar_.UpdateRes("F", 0, "P"), isAccepted);
+        EXPECT_EQ(radar_.UpdatePortRes("F", 0), isAccepted);
+        EXPECT_EQ(radar_.EnableVirtualRes("F", 0), isAccepted);
+        EXPECT_EQ(radar_.AudioOpenRes("F", 0), isAccepted);
+        EXPECT_EQ(radar_.AudioCloseRes("F", 0), isAccepted);
+        EXPECT_EQ(radar_.DisconnectDeviceRes("F", 0, "P"), isAccepted);
+        EXPECT_EQ(radar_.ServiceStopRes("F", 0), isAccepted);
+        EXPECT_EQ(radar_.LoadSinkServiceRes("F", 0), isAccepted);
+        EXPECT_EQ(radar_.UnLoadSinkServiceRes("F", 0), isAccepted);
     }
 
     OstraRadar &radar_ = OstraRadar::GetInstance();
@@ -70,7 +62,7 @@ protected:
 TEST_F(OstraRadarTest, ReportsEachStepWithItsKeysInOrder)
 {
     radar_.SetCurBusinessId(2);
-    ReportAll("F", 0, true);
+    CALL(ReportAll(true));
     EXPECT_TRUE(CALL(radar_.ServiceStopRes("F", -3)));
     EXPECT_TRUE(CALL(radar_.ConnectDeviceRes("Connect", -3, "dsoftbus")));
     EXPECT_TRUE(CALL(radar_.ConnectDeviceRes(std::string("a\0b", 3), 0, std::string("p\0q", 3))));
@@ -83,25 +75,19 @@ TEST_F(OstraRadarTest, ReportsEachStepWithItsKeysInOrder)
 // Each operation is counted separately, and so are its failures: no number of successes suppresses one.
 TEST_F(OstraRadarTest, LogsRefusedEvents)
 {
-    Unrecorded([this] {
-        for (int i = 0; i < 100; ++i) {
-            ReportAll("F", 0, true);
-        }
-    });
-    ReportAll("F", 0, false);
+    for (int i = 0; i < 100; ++i) {
+        ReportAll(true);
+    }
+    CALL(ReportAll(false));
     EXPECT_TRUE(CALL(radar_.AudioOpenRes("F", -1)));
     EXPECT_FALSE(CALL(radar_.AudioOpenRes(std::string(262145, 'x'), -1)));  // sent, with a warning
 }
 
 TEST_F(OstraRadarTest, NamesTheHostOfTheBusinessUntilTheProcessNameIsSet)
 {
-    const std::map<int, std::string> hosts = {{1, "car_distributed_engine"},
-                                              {2, "collaboration_service"},
-                                              {3, "collaboration_service"},
-                                              {10, "CollaborationFwk"}};
     for (int businessId = -1; businessId <= 11; ++businessId) {
         radar_.SetCurBusinessId(businessId);
-        EXPECT_EQ(radar_.GetProcessName(), hosts.count(businessId) == 1 ? hosts.at(businessId) : "") << businessId;
+        Note(std::to_string(businessId) + ": " + radar_.GetProcessName());
     }
     radar_.SetProcessName("N");
     radar_.SetCurBusinessId(1);

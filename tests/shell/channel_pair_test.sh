@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Runs the example pair as a user would, and checks its output and its exit status. Also checks that scripts/demo
-# refuses the same arguments before it builds anything, and that docs/wire-formats.md shows the messages of the pair.
+# Runs the example pair as a user would, and checks its output and exit status. Also checks that scripts/demo rejects
+# the same arguments before it builds anything, and that docs/wire-formats.md shows the messages of the pair.
 # Usage: channel_pair_test.sh COMMAND [WORD ...]
 set -euo pipefail
 
@@ -16,7 +16,7 @@ fail() {
     exit 1
 }
 
-# check WHAT STATUS EXPECTED LINES: compares the exit status, and looks for each of LINES in the output.
+# check WHAT STATUS EXPECTED STRINGS: compares the exit status, and looks for each line of STRINGS in the output.
 check() {
     local line
     [ "$2" = "$3" ] || fail "$1: exit status $2, expected $3"
@@ -25,7 +25,7 @@ check() {
     done <<<"$4"
 }
 
-# expect STATUS LINES ARGUMENT...: runs the pair to its end.
+# expect STATUS STRINGS ARGUMENT...: runs the pair until it ends.
 expect() {
     local status=0 expected=$1 lines=$2
     shift 2
@@ -33,8 +33,8 @@ expect() {
     check "$*" "$status" "$expected" "$lines"
 }
 
-# refuse STATUS LINE ARGUMENT...: the same, but LINE must be the only line on standard error.
-refuse() {
+# expect_error STATUS STRING ARGUMENT...: the same, but STRING must be in the only line on standard error.
+expect_error() {
     expect "$@"
     [ "$(wc -l <"$folder/err")" = 1 ] || fail "${*:3}: not one line"
 }
@@ -45,7 +45,7 @@ cp -r "$here/../../scripts" "$folder/copy"
 cp -r "$here/../../examples/channel_pair" "$folder/copy/examples"
 printf 'echo nothing is built here >&2; exit 99\n' >"$folder/copy/scripts/setup"
 
-# expect_demo STATUS LINES ARGUMENT...: runs that copy.
+# expect_demo STATUS STRINGS ARGUMENT...: runs that copy.
 expect_demo() {
     local status=0 expected=$1 lines=$2
     shift 2
@@ -53,14 +53,14 @@ expect_demo() {
     check "scripts/demo $*" "$status" "$expected" "$lines"
 }
 
-# invalid LINE ARGUMENT...: neither the pair nor scripts/demo accepts the arguments.
+# invalid STRING ARGUMENT...: both the pair and scripts/demo must reject the arguments.
 invalid() {
-    expect 2 "$@"
+    expect_error 2 "$@"
     expect_demo 2 '' "${@:2}"
 }
 
-# disturb STATUS LINES SIGNAL parent|source|sink ARGUMENT...: sends the signal while an endless stream is sent.
-disturb() {
+# send_signal STATUS STRINGS SIGNAL parent|source|sink ARGUMENT...: sends the signal during an endless stream.
+send_signal() {
     local status=0 expected=$1 lines=$2 signal=$3 process=$4 sides=() parent tries
     shift 4
     "${pair[@]}" "$@" /dev/zero >"$folder/out" 2>"$folder/err" &
@@ -88,16 +88,32 @@ disturb() {
         kill -0 "${sides[0]}" 2>/dev/null || kill -0 "${sides[1]}" 2>/dev/null || return 0
         sleep 0.05
     done
-    fail "$signal to the $process: a side still runs"
+    fail "$signal to the $process: a side is still running"
 }
 
-# interrupt_open SIGNAL ARGUMENT...: the signal ends the pair while it waits for the other end of a FIFO. The status of
-# timeout is 124 then, and 137 if it had to kill the pair.
+# interrupt_open SIGNAL ARGUMENT...: the signal must end the pair while it waits for the other end of a FIFO. The exit
+# status of timeout is then 124, or 137 if it had to kill the pair.
 interrupt_open() {
     local status=0 signal=$1
     shift
     timeout --kill-after 5 --signal "$signal" 0.5 "${pair[@]}" "$@" >"$folder/out" 2>"$folder/err" || status=$?
     [ "$status" = 124 ] || fail "$signal while opening a FIFO: exit status $status"
+}
+
+# replace_dump COMMAND...: prints one chunk, replaces its dump with the file that `COMMAND... FILE` creates, and prints
+# the chunk again.
+replace_dump() {
+    local dump tries
+    cat "$folder/chunk"
+    for ((tries = 100; tries > 0; --tries)); do
+        for dump in /data/local/tmp/channel_pair_*; do
+            ! [ -f "$dump" ] || ! cmp -s "$dump" "$folder/chunk" || break 2
+        done
+        sleep 0.05
+    done
+    rm "$dump"
+    "$@" "$dump"
+    cat "$folder/chunk"
 }
 
 random=$folder/random
@@ -107,7 +123,7 @@ empty=$folder/empty
 fifo=$folder/fifo
 mkfifo "$fifo"
 
-# Streams that arrive.
+# Complete streams.
 expect 0 $'sending 5 s of a generated tone, as fast as possible\nchunks      250\nbytes       960000
 lost        0 of 250 chunks\ndetected    0\n desk tablet
 m******e of type *, codec bits 5, profiles 48000,2,16;16000,1,16;
@@ -132,7 +148,7 @@ expect 0 '' --output - "$random"
 cmp "$folder/out" "$random"
 grep -q 'every byte arrived' "$folder/err" || fail 'no report on standard error'
 
-# All announced faults are detected. An unannounced one makes the pair fail, even if no chunk is missing: frame 3 is the
+# All counted faults are detected. An uncounted one makes the pair fail, even if no chunk is missing: frame 3 is the
 # first keep-alive frame of an idle input.
 for seed in 1 2 3; do
     expect 0 $'lost        40 of 322 chunks
@@ -147,36 +163,36 @@ expect 1 $'lost        1 of 250 chunks\n6 business-flow steps reported, 3 failed
 expect 1 'the device document is missing or not as offered' --flip 0
 expect 1 'the service document is missing or not as offered' --flip 1
 expect 1 $'the settings are missing or not as offered\nthe first missing frame is frame 2' --flip 2
-refuse 1 'the end of the stream is missing, expected frame 253' --flip 253
-refuse 1 'the stream is too short: 1 faults not injected' --flip 254
-(sleep 1) | refuse 1 'faults detected: 1 (1 corrupted); faults injected: 0; the first missing frame is frame 3' \
+expect_error 1 'the end of the stream is missing, expected frame 253' --flip 253
+expect_error 1 'the stream is too short: 1 faults not injected' --flip 254
+(sleep 1) | expect_error 1 'faults detected: 1 (1 corrupted); faults injected: 0; the first missing frame is frame 3' \
     --timeout 0.4 --flip 3 -
-head -c 5000 "$random" | refuse 1 'faults not injected' --faults 7 -
+head -c 5000 "$random" | expect_error 1 'faults not injected' --faults 7 -
 
-# Sides that are killed, stopped, interrupted or left alone.
-disturb 1 $'the source was killed by signal 9\nthe end of the stream is missing' KILL source
-disturb 1 $'the sink was killed by signal 9\nthe sink closed the connection' KILL sink
-disturb 1 $'the source sent nothing for 1 s\nthe source did not end within 1 s' STOP source --timeout 0.9999999
-disturb 1 $'the sink received nothing for 0.5 s\nthe sink did not end within 0.5 s' STOP sink --timeout 0.5
-disturb 130 'interrupted; of what was sent so far, every byte arrived' INT parent
-disturb 130 'interrupted; of what was sent so far, every byte arrived' TERM parent
-disturb 130 'interrupted; of what was sent so far, every byte arrived' INT source
-disturb 137 '' KILL parent
+# Sides that are killed, stopped or interrupted.
+send_signal 1 $'the source was killed by signal 9\nthe end of the stream is missing' KILL source
+send_signal 1 $'the sink was killed by signal 9\nthe sink closed the connection' KILL sink
+send_signal 1 $'the source sent nothing for 1 s\nthe source did not end within 1 s' STOP source --timeout 0.9999999
+send_signal 1 $'the sink received nothing for 0.5 s\nthe sink did not end within 0.5 s' STOP sink --timeout 0.5
+send_signal 130 'interrupted; of what was sent so far, every byte arrived' INT parent
+send_signal 130 'interrupted; of what was sent so far, every byte arrived' TERM parent
+send_signal 130 'interrupted; of what was sent so far, every byte arrived' INT source
+send_signal 137 '' KILL parent
 for signal in INT TERM; do
     interrupt_open "$signal" "$fifo"
     interrupt_open "$signal" --output "$fifo" "$random"
 done
 
 # Files that cannot be read or written.
-refuse 1 "channel_pair: $folder/missing: No such file or directory" "$folder/missing"
-refuse 1 "channel_pair: $folder: Is a directory" "$folder"
-refuse 1 'channel_pair: /proc/self/mem: Input/output error' /proc/self/mem
-refuse 1 'channel_pair: /dev/full: No space left on device' --output /dev/full /dev/zero
-refuse 1 "channel_pair: $random: the output is the input file" --output "$random" "$random"
+expect_error 1 "channel_pair: $folder/missing: No such file or directory" "$folder/missing"
+expect_error 1 "channel_pair: $folder: Is a directory" "$folder"
+expect_error 1 'channel_pair: /proc/self/mem: Input/output error' /proc/self/mem
+expect_error 1 'channel_pair: /dev/full: No space left on device' --output /dev/full /dev/zero
+expect_error 1 "channel_pair: $random: the output is the input file" --output "$random" "$random"
 [ -s "$random" ] || fail "the input was truncated"
 if [ "$(id -u)" != 0 ]; then
     chmod 000 "$empty"
-    refuse 1 "channel_pair: $empty: Permission denied" "$empty"
+    expect_error 1 "channel_pair: $empty: Permission denied" "$empty"
 fi
 status=0
 "${pair[@]}" /dev/zero 2>"$folder/err" >/dev/full || status=$?
@@ -192,12 +208,20 @@ if [ -d /data/local/tmp ]; then
         dumps+=("$dump")
     done
     [ "${dumps[0]}" != "${dumps[1]}" ] || fail "the name of the dump can be guessed"
+    remove_dump() { rm "$(sed -n 's/^channel_pair: \(.*\): the dump.*/\1/p' "$folder/err")"; }
     (ulimit -f 200 && expect 1 'the dump is incomplete: File too large' --dump "$random")
-    rm "$(sed -n 's/^channel_pair: \(.*\): the dump.*/\1/p' "$folder/err")"
+    remove_dump
+    # If another user replaces the file, the sink neither waits for the reader of a FIFO nor follows a symbolic link.
+    head -c 3840 "$random" >"$folder/chunk"
+    replace_dump mkfifo | expect 1 'the dump is incomplete: No such device or address' --dump -
+    remove_dump
+    replace_dump ln -s "$folder/target" | expect 1 'the dump is incomplete: Too many levels of symbolic links' --dump -
+    remove_dump
 fi
 
 # Invalid arguments.
-invalid '--nonsense' --nonsense
+invalid 'unknown option --nonsense' --nonsense
+expect_demo 2 "unknown option '--nonsense'" --nonsense
 invalid '--flip' --flip -1
 invalid '--faults' --faults some
 invalid '--faults' --faults 1000001 "$random"
@@ -208,7 +232,7 @@ invalid '--seed requires --faults' --seed 3
 invalid '--faults excludes --flip' --flip 3 --faults 4
 invalid 'the name is empty' ''
 invalid 'the name is empty' --output ''
-invalid 'second' first second
+invalid 'unexpected argument second' first second
 invalid 'FILE excludes --seconds' --seconds 1 "$random"
 expect 2 '--faults: at most 125 fit into 5 s of a generated tone' --faults 126
 expect 0 '--output' --help

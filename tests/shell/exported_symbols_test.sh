@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Holds the library's dynamic symbol table to what it may export: classes and functions of its namespace, and the
-# plain-name entries. Usage: exported_symbols.sh NM LIBRARY [PLAIN_NAME ...]
+# Checks that the library exports only names of its namespace and the listed C functions.
+# Usage: exported_symbols_test.sh NM LIBRARY [C_FUNCTION ...]
 set -euo pipefail
 
 nm=$1
@@ -25,7 +25,7 @@ while read -r type name; do
     failed=1
 done <<<"$exported"
 for name in "$@"; do
-    grep -qx "T $name" <<<"$exported" || { echo "plain name is missing: $name"; failed=1; }
+    grep -qx "T $name" <<<"$exported" || { echo "not exported: $name"; failed=1; }
 done
-[ "$failed" = 0 ] && echo "$(wc -l <<<"$exported") symbols, all of the published interface"
+[ "$failed" = 0 ] && echo "$(wc -l <<<"$exported") symbols, all of them part of the public interface"
 exit "$failed"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Checks how built libraries are hardened: addresses that are bound at load time and read-only afterwards, protected
-# stacks, and functions marked for the processor's protection of jumps, if it has one. The first library must also stay
-# loaded. Nothing in the build tree may search the current directory for libraries.
+# Checks the hardening of built libraries: immediate binding, read-only relocations, stack protection, and landing pads
+# for indirect branches on processors that have them. The first library must not be unloadable. No program in the build
+# tree may search the current directory for libraries.
 # Usage: hardening_test.sh READELF OBJDUMP BUILD_DIRECTORY LIBRARY ...
 set -euo pipefail
 
@@ -34,7 +34,7 @@ for library in "$@"; do
     case $("$readelf" -hW "$library" | sed -n 's/^ *Machine: *//p') in
         *X86-64)
             mark=endbr64
-            # Whatever allocates more than a page at once can jump over the guard page of the stack.
+            # A function that allocates more than a page at once can skip the guard page of the stack.
             if grep -E 'sub +[$]0x([1-9a-f][0-9a-f]{3}|[0-9a-f]{5,7}),%rsp' <<<"$code" | grep -v '[$]0x1000,'; then
                 echo "$library: no protection against stack clashes"
                 failed=1
@@ -43,14 +43,14 @@ for library in "$@"; do
         AArch64) mark='paciasp|bti' ;;
         *) continue ;;
     esac
-    # By address: without an optimiser the symbols of one constructor share it.
+    # By address: without optimization, the symbols of a constructor share one.
     unmarked=$({
         sed -nE 's/^ *[0-9]+: 0*([0-9a-f]+) .* FUNC +(GLOBAL|WEAK) +DEFAULT +[0-9].*/\1/p' <<<"$symbols" | sort -u
         echo "$code"
     } | awk -v mark="^($mark)\$" '
         NF == 1 { entries["" $1 ":"]; next }
         $1 in entries { ++seen; if ($2 !~ mark) print $0 }
-        END { if (seen == 0) print "no function was found" }')
+        END { if (seen == 0) print "no function found" }')
     [ -z "$unmarked" ] || { echo "$library: not marked with $mark: $unmarked"; failed=1; }
 done
 [ "$failed" = 0 ] && echo "hardened: $*"

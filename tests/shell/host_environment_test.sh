@@ -1,15 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Tests the environment variables for events, parameters and the log. A FIFO must never block.
-# Usage: host_environment_test.sh COMMAND..., which runs
-# tests/host/environment.cpp
+# Usage: host_environment_test.sh COMMAND..., where COMMAND runs the program of tests/host/environment.cpp
 set -euo pipefail
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 export OSTRA_HOST_PARAMETERS='test.both=from list; test.list=a=b;nothing;;test.empty='
 
-# expect WHAT PATTERN: the output of the last run matches the extended regular expression, where dots match line ends.
+# expect WHAT PATTERN: the output of the last run must match the extended regular expression; dots match newlines.
 expect() {
     [[ $(cat "$folder/output") =~ $2 ]] || {
         cat "$folder/output"
@@ -29,13 +28,13 @@ mkfifo "$folder/fifo"
 printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semicolon=a;b\n' >"$folder/parameters"
 
 TZ=XST-5:30 run OSTRA_HOST_EVENT_OUTPUT stderr
-expect 'the zone of the clock' '"tz_":"\+0530"'
+expect 'time zone' '"tz_":"\+0530"'
 expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 received 2'
 run OSTRA_HOST_EVENT_OUTPUT ''
 expect 'no output' $'\nresults 0 0 received 2'
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
 run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
-[ "$(grep -c '^{"domain_":.*"T":"[ab]"}$' "$folder/events")" = 4 ] || { echo "FAILED: not 4 whole lines"; exit 1; }
+[ "$(grep -c '^{"domain_":.*"T":"[ab]"}$' "$folder/events")" = 4 ] || { echo "FAILED: not 4 complete lines"; exit 1; }
 run OSTRA_HOST_EVENT_OUTPUT /dev/full
 expect 'a full disk' 'results -5 -5 received 0'
 for refused in "$folder" "$folder/fifo"; do
@@ -46,7 +45,7 @@ for refused in "$folder" "$folder/fifo"; do
 done
 exec 3<>"$folder/fifo" # has a reader now
 run OSTRA_HOST_EVENT_OUTPUT "$folder/fifo"
-expect 'a FIFO that is read' $'Is a FIFO\n.*results -5 -5 received 0'
+expect 'a FIFO with a reader' $'Is a FIFO\n.*results -5 -5 received 0'
 run OSTRA_HOST_PARAMETER_FILE "$folder/none"
 expect 'a missing file' 'cannot be opened: .*test.file is unset'
 run OSTRA_HOST_PARAMETER_FILE "$folder/parameters"
@@ -56,7 +55,7 @@ run OSTRA_HOST_PARAMETER_FILE "$folder/parameters" <&- # the file gets descripto
 expect 'parameters without standard input' 'file is from file'
 ! grep '# a=1' "$folder/output" || { echo 'FAILED: a comment is reported'; exit 1; }
 
-# level VALUE DELIVERED LINE...: the level and message of each line in the log, one write per line.
+# level VALUE DELIVERED LINE...: checks the level and message of each line in the log, which must be one write each.
 level() {
     local value=$1 delivered=$2 today process
     shift 2

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Compares the names that the host platform exports with a list. Everything else must be hidden: a program's own
-# `class Arguments` would replace an exported one.
+# Compares the names that the host platform exports with a list. All others must be hidden: otherwise a class of the
+# same name in a program would replace that of the library.
 # Usage: host_symbols_test.sh NM LIBRARY LIST
 set -euo pipefail
 
@@ -9,8 +9,8 @@ nm=$1
 library=$2
 list=$3
 
-# Without return types, parameters and template arguments, which differ between processors. What headers define (V, W) is
-# exported or not as the compiler inlines it, but must belong to the platform.
+# Without return types, parameters and template arguments, which differ between processors. Whether names that headers
+# define (V, W) are exported depends on inlining, but they must belong to the platform.
 exported=$("$nm" -D --defined-only "$library" | sed 's/^[0-9a-f]* //' | c++filt)
 names=$(sed -n 's/^[^VvWw] //p' <<<"$exported" | sed -E 's/\[abi:[^]]*\]//; s/(\(|<).*//' | LC_ALL=C sort -u)
 names+=$(sed -n 's/^[VvWw] //p' <<<"$exported" | grep -v OHOS:: | sed 's/^/\n/' || true)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Runs the commands of inspect_test.txt and of README.md and compares what they print, gives ostra-inspect the worked
+# Runs the commands of inspect_test.txt and of README.md and compares their output, runs ostra-inspect on the worked
 # examples of the page on wire formats, and checks what a transcript cannot show: terminals, pipes, and memory.
 # Usage: inspect_test.sh OSTRA_INSPECT CHANNEL_PAIR SOURCE_FOLDER; with UPDATE=1 it rewrites inspect_test.txt instead.
 set -euo pipefail
@@ -23,7 +23,7 @@ fail() {
     exit 1
 }
 
-# transcript FILE: runs the lines that begin with "$ " and prints them with their output and failure status.
+# transcript FILE: runs the lines that start with "$ " and prints them with their output and failure status.
 transcript() {
     local command status
     while IFS= read -r command; do
@@ -34,7 +34,7 @@ transcript() {
     done < <(grep '^\$ ' "$1")
 }
 
-# expect STATUS STRINGS ARGUMENT...: the exit status, and a string that each line of STRINGS must be part of.
+# expect STATUS STRINGS ARGUMENT...: checks the exit status, and that the output contains each line of STRINGS.
 expect() {
     local status=0 wanted=$1 strings=$2 string
     shift 2
@@ -72,7 +72,7 @@ check_frames() {
     while IFS= read -r line; do
         content=${line#*:}
         content=$(tr -d ' ' <<<"${content%=>*}")
-        # The words of the frame are to be split.
+        # The bytes of the frame must be split into arguments.
         # shellcheck disable=SC2086
         expect 0 "value $((${line%%:*} & 0xFFFFFFF))"$'\n'"content length $((${#content} / 2))" frame ${line#*=> }
         ! grep -q overlong "$folder/out" || fail "a writer writes a shorter header: $line"
@@ -107,7 +107,7 @@ check_documents() {
     done <"$folder/audio"
 }
 
-# A parcel with these entries, in hexadecimal.
+# Prints a parcel with these entries in hexadecimal.
 words() { for number in "$@"; do printf '%02x%02x%02x%02x' $((number & 255)) $((number >> 8 & 255)) 0 0; done; }
 compose() {
     local entry
@@ -119,7 +119,7 @@ compose() {
     done
 }
 
-# The entries that the tool accepts, composed in ascending order, are the parcel that the reader writes next.
+# The accepted entries, composed in ascending order, must be the parcel that a reader would write.
 check_parcels() {
     local line entries accepted
     examples parcel 4
@@ -146,7 +146,7 @@ check_events() {
     OSTRA_HOST_LOG_LEVEL=off OSTRA_HOST_EVENT_OUTPUT=$PWD/written "$pair" --seconds 0.2 >"$folder/out" 2>&1
     expect 0 $'ServiceStartRes ok source\nDisconnectDeviceRes ok sink calls dsoftbus' events written
     [ "$(wc -l <"$folder/out")" = "$(($(wc -l <written) + 1))" ] || fail 'not a row for every event'
-    # A line is shown before the next one arrives.
+    # An event is printed before the next one arrives.
     mkfifo pipe
     "$inspect" events - <pipe >"$folder/out" &
     exec 3>pipe
@@ -157,7 +157,7 @@ check_events() {
     done
     exec 3>&-
     wait $!
-    [ "$tries" != 0 ] || fail 'the event was not shown at once'
+    [ "$tries" != 0 ] || fail 'the event was not printed immediately'
 }
 
 check_terminals() {
@@ -168,12 +168,12 @@ check_terminals() {
     ! grep -q $'\x1b' "$folder/out" || fail 'raw content on a terminal'
     sed 's/"STAGE_RES":1/"STAGE_RES":2/' event >failure
     on_terminal "stty cols 5; NO_COLOR= '$inspect' events failure"
-    grep -q $'^\033.*FAILED' "$folder/out" || fail 'failures do not stand out'
+    grep -q $'^\033.*FAILED' "$folder/out" || fail 'failures are not highlighted'
     on_terminal "NO_COLOR=1 '$inspect' events failure"
-    ! grep -q $'\033' "$folder/out" || fail 'colors in spite of NO_COLOR'
+    ! grep -q $'\033' "$folder/out" || fail 'colors despite NO_COLOR'
 }
 
-# Memory is bounded, and running out of it is an error whatever was being read. Sanitizers need more address space.
+# Memory is bounded, and every failed allocation is reported. Sanitizers need more address space.
 check_memory() {
     local limit status
     (ulimit -v 200000 && "$inspect" --version >"$folder/out" 2>&1) || return 0
@@ -202,6 +202,6 @@ check_parcels
 check_events
 check_terminals
 check_memory
-! "$inspect" events written >/dev/full 2>"$folder/out" || fail 'a full standard output goes unnoticed'
+! "$inspect" events written >/dev/full 2>"$folder/out" || fail 'a full standard output is not an error'
 grep -q 'No space left on device' "$folder/out" || fail 'the reason is missing'
 echo 'the tool behaves as documented'

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Installs a build to an empty prefix, moves it, and builds and runs two outside projects against it: the first program
-# and CMakeLists.txt of README.md through find_package, and the C interface through pkg-config.
-# Usage: package_test.sh BUILD_DIRECTORY, or package_test.sh PREFIX for what is installed already. Takes CMAKE, CC, CXX,
+# Installs a build to an empty prefix, moves it, and builds and runs two external projects against it: the first program
+# and CMakeLists.txt of README.md with find_package, and the C interface with pkg-config.
+# Usage: package_test.sh BUILD_DIRECTORY, or package_test.sh PREFIX for an installed package. Reads CMAKE, CC, CXX,
 # CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR from the environment; the last two are empty unless cross-compiling.
 set -euo pipefail
 
@@ -27,11 +27,11 @@ for header in "$top"/include/*.h; do
 done
 libraries=$(dirname "$(find "$prefix/lib" -name libostra_adapter_utils.so)")
 version=$(sed -n 's/^#define OSTRA_VERSION "\(.*\)"$/\1/p' "$top/include/ostra_version.h")
-interface=${version%%.*} # while it is 0, each minor version may change the interface
+interface=${version%%.*} # while this is 0, each minor version may change the interface
 [ "${interface:?}" != 0 ] || interface=${version%.*}
-[ -L "$libraries/libostra_adapter_utils.so.$interface" ] || fail "no library is named after interface $interface"
+[ -L "$libraries/libostra_adapter_utils.so.$interface" ] || fail "missing: libostra_adapter_utils.so.$interface"
 
-# The pages and what they link to. A Debian package names the directory after itself.
+# The documentation and the files that it links to. A Debian package uses its own name for the directory.
 pages=$(dirname "$(find "$prefix"/share/doc/*ostra* -name CHANGELOG.md)")
 links=0
 while IFS=: read -r page link; do
@@ -39,7 +39,7 @@ while IFS=: read -r page link; do
     [ -e "$target" ] || fail "$page links to $link, which is not installed"
     links=$((links + 1))
 done < <(find "$pages" -name '*.md' -exec grep -oHP '\]\(\K(?!#|[a-z]+:)[^)]+' {} +)
-[ -f "$pages/docs/wire-formats.md" ] && [ $links -gt 0 ] || fail "no pages are installed"
+[ -f "$pages/docs/wire-formats.md" ] && [ $links -gt 0 ] || fail "the documentation is not installed"
 
 mkdir "$work/outside"
 sed -n '/^```cmake$/,/^```$/{/^```/!p;}' "$top/README.md" >"$work/outside/CMakeLists.txt"
@@ -55,7 +55,7 @@ expected=$(sed -n 's/^ *\/\/ Prints: //p' "$work/outside/first_frame.cpp")
 [ "$printed" = "${expected:?}" ] || fail "the first program prints $printed, README.md says $expected"
 
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
-# The program itself needs only one library, which must find the other one. The flags are words to be split.
+# The program needs one library only, which must find the other one. The flags must be split into words.
 # shellcheck disable=SC2086
 "$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror -x c "$top/tests/library/c_interface.c" - \
     -Wl,--as-needed $flags -Wl,--enable-new-dtags,-rpath,"$libraries" -o "$work/c_interface" <<'C'

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Tests that every script prints its usage for --help and -h, and rejects unknown arguments with status 2, in both cases
-# before it does anything else; and that benchmark results are judged correctly. Usage: scripts_test.sh SOURCE_DIRECTORY
+# Tests that every script prints its usage for --help and -h and rejects unknown arguments with status 2, both before it
+# does anything else, and that benchmark results are rated correctly. Usage: scripts_test.sh SOURCE_DIRECTORY
 set -euo pipefail
 
 cd "$1"

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Runs the commands of the page on stream dumps on a stream of the example pair, and compares the measured values with
-# those on the page. Plays to nowhere. Usage: stream_dump_test.sh PAGE CHANNEL_PAIR
+# those on the page. Plays to no device. Usage: stream_dump_test.sh PAGE CHANNEL_PAIR
 set -euo pipefail
 
 page=$(realpath "$1")
@@ -15,7 +15,7 @@ fail() {
     exit 1
 }
 
-# What the sink writes here are the bytes that it dumps with --dump.
+# The sink writes the same bytes with --output as with --dump.
 OSTRA_HOST_LOG_LEVEL=off "$pair" --output dump.pcm >/dev/null
 play() { sox "$@" -n; }
 
@@ -32,5 +32,5 @@ while IFS= read -r line; do
     grep -qxF -- "$line" stats || { cat stats; fail "not measured: $line"; }
 done <measured
 cmp <(tail -c "$(wc -c <dump.pcm)" dump.wav) dump.pcm || fail 'the WAV file has other samples'
-[ "$(head -c 8 dump.png | od -An -t x1)" = ' 89 50 4e 47 0d 0a 1a 0a' ] || fail 'no picture'
+[ "$(head -c 8 dump.png | od -An -t x1)" = ' 89 50 4e 47 0d 0a 1a 0a' ] || fail 'not a PNG file'
 echo 'the four commands work'

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Checks the examples of the page on wire formats: its fenced blocks, whose info string is their kind. Those of the
-# computed kinds, one "input => output" each, are recomputed by inspect_test.sh; a block of another kind is output of the
-# library, and must occur word for word in a golden file.
+# Checks the examples in docs/wire-formats.md: its fenced code blocks, whose info string names their kind. A block of a
+# computed kind has lines "input => output", which inspect_test.sh recomputes. Any other block is output of the library
+# and must occur unchanged in a golden file.
 # Usage: wire_formats_test.sh PAGE GOLDEN_DIRECTORY
 set -euo pipefail
 
 page=$1
-# Messages of several lines are indented in golden files.
+# Joins messages of several lines, which are indented in golden files.
 golden=$(cat "$2"/*.txt | sed -e ':a' -e 'N;$!ba' -e 's/\n    |/\n/g')
 declare -A kinds=([frame]=computed [header]=computed [crc]=computed [audio]=computed [parcel]=computed [pair]=computed
     [device]=golden [service]=golden [unset-service]=golden [message]=golden [request]=golden
@@ -19,17 +19,18 @@ fail() {
     exit 1
 }
 
-# check KIND BLOCK: a line that begins with a space continues the one above, two spaces and "//" begin a comment.
+# check KIND BLOCK: checks one block. A line that begins with a space continues the previous line; two spaces and "//"
+# begin a comment.
 check() {
-    local text line
-    text=$(sed 's|  //.*||' <<<"$2" | sed -e ':a' -e '$!N;s/\n //;ta' -e 'P;D')
-    [ -n "$text" ] || fail "a block of the kind $1 is empty"
+    local example line
+    example=$(sed 's|  //.*||' <<<"$2" | sed -e ':a' -e '$!N;s/\n //;ta' -e 'P;D')
+    [ -n "$example" ] || fail "empty $1 block"
     if [ "${kinds[$1]}" = computed ]; then
         while IFS= read -r line; do
-            [[ $line == *"=>"* ]] || fail "no example of the kind $1: $line"
-        done <<<"$text"
-    elif [[ $golden != *"$text"* ]]; then
-        fail "in no golden file: $text"
+            [[ $line == *"=>"* ]] || fail "not an example in a $1 block: $line"
+        done <<<"$example"
+    elif [[ $golden != *"$example"* ]]; then
+        fail "not in a golden file: $example"
     fi
 }
 
@@ -38,12 +39,12 @@ while IFS= read -r line; do
     case $kind,$line in
         ,'```'*)
             kind=${line#'```'} block=
-            [ -n "${kind:+${kinds[$kind]:-}}" ] || fail "no kind is called so: $line"
+            [ -n "${kind:+${kinds[$kind]:-}}" ] || fail "unknown kind of block: $line"
             ;;
         ?*,'```') check "$kind" "${block%$'\n'}" && found[$kind]=1 kind= ;;
         ?*,*) block+=$line$'\n' ;;
     esac
 done <"$page"
-[ -z "$kind" ] || fail "the last block has no end"
-[ "${#found[@]}" = "${#kinds[@]}" ] || fail "only these kinds have examples: ${!found[*]}"
-echo "the page holds: ${!found[*]}"
+[ -z "$kind" ] || fail "unterminated block"
+[ "${#found[@]}" = "${#kinds[@]}" ] || fail "missing kinds of blocks; found: ${!found[*]}"
+echo "checked: ${!found[*]}"

@@ -4,22 +4,27 @@
 
 #include "support/fault.h"
 
+#include <cJSON.h>
+
 #include <atomic>
-#include <cstdint>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
 std::atomic<int64_t> g_liveBlocks{0};
-thread_local uint64_t g_count = 0;
-thread_local uint64_t g_failing = UINT64_MAX;
 
-void *Allocate(bool fails, size_t size)
+void *Allocate(size_t size)
 {
-    void *const block = fails || size > PTRDIFF_MAX ? nullptr : std::malloc(size);
+    void *const block = Fault::Strikes() || size > PTRDIFF_MAX ? nullptr : std::malloc(size);
     g_liveBlocks += block == nullptr ? 0 : 1;
     return block;
+}
+
+void *AllocateOrThrow(size_t size)
+{
+    void *const block = Allocate(size);
+    return block != nullptr ? block : throw std::bad_alloc();
 }
 
 void Free(void *block)
@@ -28,10 +33,11 @@ void Free(void *block)
     std::free(block);
 }
 
-void *OrThrow(void *block)
-{
-    return block != nullptr ? block : throw std::bad_alloc();
-}
+[[maybe_unused]] const bool IS_CJSON_REPLACED = [] {
+    cJSON_Hooks hooks = {Allocate, Free};
+    cJSON_InitHooks(&hooks);
+    return true;
+}();
 
 }  // namespace
 
@@ -40,29 +46,19 @@ int64_t LiveBlocks()
     return g_liveBlocks;
 }
 
-AllocationFault::AllocationFault(uint64_t ordinal)
-{
-    g_failing = g_count + ordinal;
-}
-
-AllocationFault::~AllocationFault()
-{
-    g_failing = UINT64_MAX;
-}
-
 void *operator new(size_t size)
 {
-    return OrThrow(Allocate(g_count++ == g_failing, size));
-}
-
-void *operator new[](size_t size, const std::nothrow_t &) noexcept
-{
-    return Allocate(Fault::Strikes(), size);
+    return AllocateOrThrow(size);
 }
 
 void *operator new[](size_t size)
 {
-    return OrThrow(Allocate(Fault::Strikes(), size));
+    return AllocateOrThrow(size);
+}
+
+void *operator new[](size_t size, const std::nothrow_t &) noexcept
+{
+    return Allocate(size);
 }
 
 void operator delete(void *block) noexcept

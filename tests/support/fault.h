@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Fault injection, one failure at a time. In a program that links fault.cpp each allocation can fail: that of an array
-// by Fault, any other by AllocationFault. The log and the tests themselves allocate no arrays.
+// Fault injection, one failure at a time. GoldenTest::EachFault lets everything that can fail fail once: in a program
+// that links fault.cpp these are the allocations of C++ and cJSON, and in any program the functions that a test
+// replaces.
 
 #ifndef TESTS_FAULT_H
 #define TESTS_FAULT_H
 
 #include <cstdint>
-#include <new>
+#include <utility>
 
-// Whatever a test lets fail asks Strikes() whether it is its turn.
+// Anything that can fail asks Strikes() whether to fail now. Each thread has its own count.
 class Fault {
 public:
     // Lets call number `ordinal` of Strikes(), counted from 0, return true.
@@ -21,9 +22,7 @@ public:
     // Returns true if that call was made.
     static bool Disarm()
     {
-        const bool hasStruck = countdown_ < 0;
-        countdown_ = -1;
-        return hasStruck;
+        return std::exchange(countdown_, -1) < 0;
     }
 
     static bool Strikes()
@@ -31,34 +30,23 @@ public:
         return countdown_ >= 0 && countdown_-- == 0;
     }
 
+    // While it exists, nothing fails and nothing is counted.
+    class Pause {
+    public:
+        ~Pause()
+        {
+            countdown_ = paused_;
+        }
+
+    private:
+        const int paused_ = std::exchange(countdown_, -1);
+    };
+
 private:
     inline static thread_local int countdown_ = -1;
 };
 
-// While it exists, allocation number `ordinal` of this thread, counted from 0 without arrays, fails.
-class AllocationFault {
-public:
-    explicit AllocationFault(uint64_t ordinal);
-    ~AllocationFault();
-};
-
-// Repeats `operation`, letting the next allocation fail, until none does. Calls `check` after each std::bad_alloc.
-// Returns the number of allocations that failed.
-template <typename Operation, typename Check>
-uint64_t FailEachAllocation(Operation operation, Check check)
-{
-    for (uint64_t ordinal = 0;; ++ordinal) {
-        try {
-            const AllocationFault fault(ordinal);
-            operation();
-            return ordinal;
-        } catch (const std::bad_alloc &) {
-        }
-        check();
-    }
-}
-
-// Returns the number of allocations of the program and its libraries that are not freed.
+// Returns the number of allocations of C++ and cJSON, in the program and its libraries, that are not freed.
 int64_t LiveBlocks();
 
 #endif  // TESTS_FAULT_H

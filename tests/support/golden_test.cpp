@@ -5,41 +5,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <mutex>
+#include <new>
 #include <set>
-#include <sstream>
 
 #include "hilog/log.h"
 #include "support/fault.h"
-#include "support/quiet.h"
 
 namespace {
 
-constexpr unsigned int DOMAIN = 0xD004160;
-constexpr char TAG[] = "OSTRA_ADAPTER";
-constexpr char INDENT[] = "    ";
-
-std::mutex g_mutex;
+bool g_isRecording = false;
 std::string g_recorded;
-
-void Append(const std::string &lines)
-{
-    const std::lock_guard<std::mutex> lock(g_mutex);
-    g_recorded += lines + "\n";
-}
-
-// Sets what is recorded, and returns what was recorded before.
-std::string Exchange(const std::string &recorded)
-{
-    const std::lock_guard<std::mutex> lock(g_mutex);
-    return std::exchange(g_recorded, recorded);
-}
-
-bool IsDebugDelivered()
-{
-    static const bool isDelivered = HiLogIsLoggable(DOMAIN, TAG, LOG_DEBUG);
-    return isDelivered;
-}
 
 // Shows bytes that are not printable, and a space at the end, as <E9>, and long messages by their length. Further lines
 // begin with a bar.
@@ -62,92 +37,90 @@ std::string Printable(const std::string &message)
 
 void RecordLog(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *message)
 {
-    static constexpr char letters[] = "???DIWEF";
-    if (type == LOG_CORE && domain == DOMAIN && tag == std::string(TAG) && (level != LOG_DEBUG || IsDebugDelivered())) {
-        GoldenTest::Record(std::string(1, letters[level]) + " " + message);
+    const Fault::Pause pause;
+    if (type == LOG_CORE && domain == 0xD004160 && tag == std::string("OSTRA_ADAPTER") && level != LOG_DEBUG) {
+        GoldenTest::Record(std::string(1, "???DIWEF"[level]) + " " + message);
     }
 }
 
-// Returns the section of a test, without what the platform does not deliver.
-std::string GoldenSection(const std::string &test)
+// Returns the lines that follow a heading.
+std::string GoldenSection(const std::string &heading)
 {
-    std::istringstream file(GOLDEN_FILE);
-    std::string section;
-    bool isInSection = false;
-    for (std::string line; std::getline(file, line);) {
-        if (line.rfind("=== ", 0) == 0) {
-            isInSection = line == "=== " + test;
-        } else if (isInSection && (line.rfind(INDENT + std::string("D "), 0) != 0 || IsDebugDelivered())) {
-            section += line + "\n";
-        }
+    const std::string file(GOLDEN_FILE);
+    const size_t begin = file.find(heading);
+    if (begin == std::string::npos) {
+        return "";
     }
-    return section;
+    const size_t length = file.substr(begin + heading.size()).find("=== ");
+    return file.substr(begin + heading.size(), length);
 }
 
 }  // namespace
 
+GoldenTest::Recording::Recording(const char *source)
+{
+    const Fault::Pause pause;
+    g_recorded += source + std::string("\n");
+    g_isRecording = true;
+}
+
+GoldenTest::Recording::~Recording()
+{
+    g_isRecording = false;
+}
+
 void GoldenTest::SetUp()
 {
-    Exchange("");
+    g_recorded.clear();
     LOG_SetCallback(RecordLog);
 }
 
 void GoldenTest::TearDown()
 {
     LOG_SetCallback(nullptr);
-    std::string recorded = Exchange("");
-    for (const auto &[changing, shown] : hidden_) {
-        for (size_t at = recorded.find(changing); at != std::string::npos; at = recorded.find(changing, at)) {
-            recorded.replace(at, changing.size(), shown);
-        }
-    }
     const ::testing::TestInfo &info = *::testing::UnitTest::GetInstance()->current_test_info();
-    const std::string test = std::string(info.test_suite_name()) + "." + info.name();
+    const std::string heading = std::string("=== ") + info.test_suite_name() + "." + info.name() + "\n";
     const char *const output = std::getenv("OSTRA_UPDATE_GOLDEN");
     if (output == nullptr) {
-        EXPECT_EQ(GoldenSection(test), recorded) << "- is the golden file, + what was recorded";
-        return;
+        EXPECT_EQ(GoldenSection(heading), g_recorded) << "- is the golden file, + what was recorded";
+    } else if (!g_recorded.empty()) {
+        std::ofstream(output, std::ios::app) << heading << g_recorded;
     }
-    ASSERT_TRUE(IsDebugDelivered()) << "debug lines would be missing in the golden file";
-    if (!recorded.empty()) {
-        std::ofstream(output, std::ios::app) << "=== " << test << "\n" << recorded;
-    }
-}
-
-void GoldenTest::Record(const std::string &message)
-{
-    Append(INDENT + Printable(message));
 }
 
 void GoldenTest::Note(const std::string &line)
 {
-    Append(line);
+    const Fault::Pause pause;
+    g_recorded += "    " + Printable(line) + "\n";
 }
 
-void GoldenTest::Hide(const std::string &changing, const std::string &shown)
+void GoldenTest::Record(const std::string &message)
 {
-    hidden_.emplace_back(changing, shown);
+    if (g_isRecording) {
+        Note(message);
+    }
 }
 
-void GoldenTest::Unrecorded(const std::function<void()> &act)
+void GoldenTest::EachFault(const std::function<void()> &act, const std::function<void()> &check)
 {
-    const std::string before = Exchange("");
-    act();
-    Exchange(before);
-}
-
-void GoldenTest::EachFault(const std::function<void()> &act)
-{
-    std::set<std::string> outcomes;
-    bool hasStruck = true;
-    for (int ordinal = 0; hasStruck; ++ordinal) {
-        const std::string before = Exchange("");
+    std::set<std::string> outcomes = {""};
+    int ordinal = 0;
+    for (bool hasFailed = true; hasFailed; ++ordinal) {
+        const size_t begin = g_recorded.size();
+        bool hasThrown = false;
         Fault::Arm(ordinal);
-        act();
-        hasStruck = Fault::Disarm();
-        const std::string outcome = Exchange(before);
-        if (hasStruck && outcomes.insert(outcome).second) {
-            Append("-- one fails\n" + outcome.substr(0, outcome.size() - 1));
+        try {
+            act();
+        } catch (const std::bad_alloc &) {
+            hasThrown = true;
+        }
+        hasFailed = Fault::Disarm();
+        check();
+        const std::string outcome = g_recorded.substr(begin);
+        g_recorded.resize(begin);
+        if (hasFailed && !hasThrown && outcomes.insert(outcome).second) {
+            g_recorded += "-- one fails\n" + outcome;
         }
     }
+    EXPECT_GT(ordinal, 1) << "nothing can fail";
 }

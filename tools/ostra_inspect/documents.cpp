@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The subcommands service, audio and device. What the library reads is shown as its operations return it; a second
-// parse shows which members it ignores and why.
+// The subcommands service, audio and device. The values are those that the library returns; a second parse shows which
+// members it ignores, and why.
 
 #include <strings.h>
 
@@ -36,7 +36,7 @@ const MemberRule PROFILES = {"profiles", cJSON_Array};
 const MemberRules PROFILE_FIELDS = {{"sampleRate", cJSON_Number}, {"channel", cJSON_Number}, {"format", cJSON_Number}};
 const MemberRule VERSIONS = {"2016", cJSON_String};
 
-// The members of a document that the library writes, with their types.
+// Returns the members, with their types, of a document that the library wrote.
 MemberRules RulesOf(const std::string &written)
 {
     const JsonTree root(cJSON_Parse(written.c_str()));
@@ -49,7 +49,7 @@ MemberRules RulesOf(const std::string &written)
     return rules;
 }
 
-// The name of the first of the types.
+// Returns the name of the first of these types.
 std::string KindOf(int types)
 {
     constexpr std::array<const char *, 7> names = {"a bool",   "a bool",   "null",     "a number",
@@ -61,7 +61,7 @@ std::string KindOf(int types)
     return names[bit];
 }
 
-// The member that a reader uses: the first of that name, ignoring case, if its type is right; else null.
+// Returns the member that a reader uses: the first one of that name (case-insensitive), or null if it has another type.
 const cJSON *MemberOf(const cJSON *object, const MemberRule &rule)
 {
     const cJSON *const member = cJSON_GetObjectItem(object, rule.name.c_str());
@@ -70,10 +70,10 @@ const cJSON *MemberOf(const cJSON *object, const MemberRule &rule)
 
 struct Document {
     JsonTree root;
-    std::string flaw;  // why there is no root
+    std::string error;  // why there is no root
 };
 
-// Parses as the library does, and warns about what it ignores without a word.
+// Parses as the library does, and warns about what the library silently ignores.
 Document ParseDocument(const std::string &text, List &warnings)
 {
     if (text.rfind("\xEF\xBB\xBF", 0) == 0) {
@@ -109,8 +109,8 @@ Document ParseDocument(const std::string &text, List &warnings)
     return {std::move(root), ""};
 }
 
-// Adds the result of the library's reader, and why it refused the document.
-void AddResult(Finding &finding, const std::string &kind, int32_t result, const std::string &flaw)
+// Adds the result of the library's reader, and its reasons if it rejected the document.
+void AddResult(Finding &finding, const std::string &kind, int32_t result, const std::string &parseError)
 {
     const std::string reasons = TakeReasons();
     AddNumber(finding.report.get(), "result", result);
@@ -118,8 +118,8 @@ void AddResult(Finding &finding, const std::string &kind, int32_t result, const 
     if (result == OSTRA_JSON_SUCCESS) {
         return;
     }
-    finding.refusal = "not " + kind + " (" + std::to_string(result) + " " + ResultName(result) + "): " + reasons +
-                      (flaw.empty() ? " (nested deeper than 100 levels)" : " (" + flaw + ")");
+    finding.error = "not " + kind + " (" + std::to_string(result) + " " + ResultName(result) + "): " + reasons +
+                    (parseError.empty() ? " (nested deeper than 100 levels)" : " (" + parseError + ")");
 }
 
 void AddIgnored(List &ignored, const std::string &member, const std::string &reason)
@@ -155,7 +155,7 @@ void AddIgnoredMembers(List &ignored, const cJSON *object, const MemberRules &ru
     }
 }
 
-// Warns if the number loses its fraction or does not fit a signed 32-bit value.
+// Warns if the number is not an integer or does not fit into a signed 32-bit value.
 void WarnOfNumber(List &warnings, const cJSON *number, const std::string &member)
 {
     if (cJSON_IsNumber(number) == 0 || number->valuedouble == number->valueint) {
@@ -166,7 +166,7 @@ void WarnOfNumber(List &warnings, const cJSON *number, const std::string &member
 
 // ---- audio
 
-// The bits that the library derives from this codec alone.
+// Adds the bits that the library derives from this codec.
 void AddCodec(List &codecs, uint32_t codec)
 {
     cJSON *const row = codecs.AddObject();
@@ -199,7 +199,7 @@ void AddProfile(List &profiles, const DHOSTRAAudioProperties &audio, const Audio
     }
 }
 
-// What the library ignores or changes in the lists of the capabilities.
+// Adds what the library ignores or changes in the lists of the capabilities.
 void CheckElements(List &ignored, List &warnings, const cJSON *capabilities)
 {
     size_t index = 0;
@@ -237,9 +237,9 @@ void AddVersions(cJSON *report, const cJSON *properties, List &warnings)
         warnings.Add("there is no version table: properties has no string 2016");
         return;
     }
-    const auto [root, flaw] = ParseDocument(table->valuestring, warnings);
+    const auto [root, parseError] = ParseDocument(table->valuestring, warnings);
     if (root == nullptr) {
-        warnings.Add("the version table is ignored: " + flaw + ": " + table->valuestring);
+        warnings.Add("the version table is ignored: " + parseError + ": " + table->valuestring);
         return;
     }
     const DHOSTRADeviceJson own;
@@ -281,9 +281,9 @@ Finding InspectService(const std::string &document)
     DHOSTRADeviceServiceJson service;
     const int32_t result = service.Unmarshal(document);
     List warnings(report, "warnings");
-    const auto [root, flaw] = ParseDocument(document, warnings);
-    AddResult(finding, "a service document", result, flaw);
-    if (!finding.refusal.empty()) {
+    const auto [root, parseError] = ParseDocument(document, warnings);
+    AddResult(finding, "a service document", result, parseError);
+    if (!finding.error.empty()) {
         return finding;
     }
     std::vector<uint8_t> written;
@@ -310,8 +310,8 @@ Finding InspectService(const std::string &document)
     AddIgnoredMembers(ignored, root.get(), rules);
     if (MemberOf(root.get(), PROPERTIES) != nullptr) {
         Finding audio = InspectAudio(service.properties_);
-        if (!audio.refusal.empty()) {
-            AddString(audio.report.get(), "refused", audio.refusal);
+        if (!audio.error.empty()) {
+            AddString(audio.report.get(), "error", audio.error);
         }
         cJSON_AddItemToObject(report, "audio", audio.report.release());
     }
@@ -326,7 +326,7 @@ Finding InspectAudio(const std::string &document)
     const int32_t result = audio.Unmarshal(document);
     List warnings(report, "warnings");
     List ignored(report, "ignored");
-    auto [root, flaw] = ParseDocument(document, warnings);
+    auto [root, parseError] = ParseDocument(document, warnings);
     AddIgnoredMembers(ignored, root.get(), {CAPABILITIES});
     const bool isOutside = MemberOf(root.get(), CODECS) != nullptr || MemberOf(root.get(), PROFILES) != nullptr;
     if (isOutside && MemberOf(root.get(), CAPABILITIES) == nullptr) {
@@ -336,9 +336,9 @@ Finding InspectAudio(const std::string &document)
         const Document capabilities = ParseDocument(audio.audioCapablities_, warnings);
         AddIgnoredMembers(ignored, capabilities.root.get(), {CODECS, PROFILES}, "2102.");
         CheckElements(ignored, warnings, capabilities.root.get());
-        flaw = capabilities.flaw.empty() ? "" : "in 2102, " + capabilities.flaw;
+        parseError = capabilities.error.empty() ? "" : "in 2102, " + capabilities.error;
     }
-    AddResult(finding, "audio capabilities", result, flaw);
+    AddResult(finding, "audio capabilities", result, parseError);
     AddString(report, "capabilities", audio.audioCapablities_);
     AddNumber(report, "codec_bits", audio.audioCodecType_);
     AddString(report, "profile_text", audio.audioProfiles_);
@@ -361,9 +361,9 @@ Finding InspectDevice(const std::string &document)
     Finding finding;
     cJSON *const report = finding.report.get();
     List warnings(report, "warnings");
-    const auto [root, flaw] = ParseDocument(document, warnings);
+    const auto [root, parseError] = ParseDocument(document, warnings);
     if (root == nullptr) {
-        throw InputError("not a device document: " + flaw);
+        throw InputError("not a device document: " + parseError);
     }
     if (cJSON_IsObject(root.get()) == 0) {
         throw InputError("not a device document: " + KindOf(root->type) + ", not an object");

@@ -16,14 +16,14 @@ using OHOS::DistributedHardware::OstraAdapter::OSTRA_DOMAIN;
 
 namespace {
 
-// The operation of OstraRadar that reports each stage, from stage 1 on.
+// The operation of OstraRadar that reports each stage, starting with stage 1.
 constexpr std::array<const char *, 11> STAGES = {
     "ServiceStartRes",      "ConnectDeviceRes", "UpdateRes",           "UpdatePortRes",  "EnableVirtualRes",
     "AudioOpenRes",         "AudioCloseRes",    "DisconnectDeviceRes", "ServiceStopRes", "LoadSinkServiceRes",
     "UnLoadSinkServiceRes",
 };
 constexpr int SUCCESS = 1;                    // of STAGE_RES
-constexpr size_t MAX_EVENT_BYTES = 1U << 20;  // more than the platform takes; a longer line is not parsed
+constexpr size_t MAX_EVENT_BYTES = 1U << 20;  // more than the platform accepts; longer lines are not parsed
 constexpr std::array<size_t, 7> WIDTHS = {23, 7, 22, 8, 20, 16, 0};
 
 const cJSON *Member(const cJSON *object, const char *key)
@@ -43,7 +43,7 @@ std::string StageName(const cJSON *stage)
     return isKnown ? STAGES[static_cast<size_t>(stage->valueint) - 1] : "unknown";
 }
 
-// Local time with milliseconds.
+// Returns the local time with milliseconds.
 std::string TimeText(const cJSON *epochMs)
 {
     constexpr double maxTime = 253402300799999;  // the end of the year 9999
@@ -95,7 +95,7 @@ void Print(const cJSON *event, const EventOptions &options, bool isFirst)
         std::printf("%s%s%s%s\n", isFirst ? heading.c_str() : "", isColored ? "\033[1;31m" : "",
                     EventRow(event).c_str(), isColored ? "\033[0m" : "");
     }
-    std::fflush(stdout);  // for those who follow a pipe
+    std::fflush(stdout);  // a reader of the pipe sees the event immediately
 }
 
 }  // namespace

@@ -17,12 +17,12 @@ constexpr int MAX_HEADER = 4;  // bytes
 constexpr uint32_t HEADER_VALUE_BITS = 28;
 constexpr int HEX = 16;
 constexpr int CRC_DIGITS = 4;
-constexpr size_t PREFIX_BYTES = 8;  // that the example pair sends ahead of each frame: size and CRC
+constexpr size_t PREFIX_BYTES = 8;  // size and CRC, which channel_pair sends before each frame
 constexpr size_t SIZE_BYTES = 4;
 
 uint32_t Crc(const std::string &bytes, size_t begin)
 {
-    // The library takes a pointer to mutable bytes and only reads them.
+    // GetCrc takes a pointer to non-const bytes, but only reads them.
     auto *const data = reinterpret_cast<unsigned char *>(const_cast<char *>(bytes.data()));
     return ChannelProtocol().GetCrc(data + begin, static_cast<int>(bytes.size() - begin));
 }
@@ -38,7 +38,7 @@ void AddPrefixHint(List &warnings, const std::string &bytes)
     OSTRAIntToByte(Crc(bytes, PREFIX_BYTES), begin + SIZE_BYTES, PREFIX_BYTES - SIZE_BYTES);
     if (bytes.compare(0, SIZE_BYTES, prefix, 0, SIZE_BYTES) == 0) {
         const bool isIntact = bytes.rfind(prefix, 0) == 0;
-        warnings.Add("the first 8 bytes look like the size and CRC that channel_pair sends ahead of a frame (the CRC " +
+        warnings.Add("the first 8 bytes look like the size and CRC that channel_pair sends before a frame (the CRC " +
                      std::string(isIntact ? "matches" : "differs: corrupted") + "); use --skip 8");
     }
 }
@@ -52,7 +52,7 @@ void AddWarnings(cJSON *report, const std::string &bytes, const UnPackagedEA &he
     shortest.Create(static_cast<int>(header.value), 0);
     if (!hasStopBit && header.offset == MAX_HEADER) {
         const int64_t negative = static_cast<int64_t>(header.value) - (int64_t{1} << HEADER_VALUE_BITS);
-        warnings.Add("the header value has no stop bit; a writer encodes a negative value so, such as " +
+        warnings.Add("the header value has no stop bit; this is how a negative value is encoded, for example " +
                      std::to_string(negative));
     } else if (!hasStopBit) {
         warnings.Add("truncated: the frame ends within the header value, which has no stop bit");
@@ -120,7 +120,7 @@ Finding InspectFrame(std::string bytes, const FrameOptions &options)
     AddString(report, "content_crc", ToHex(Crc(bytes, offset), CRC_DIGITS));
     AddWarnings(report, bytes, header);
     if (!options.crc.empty() && std::stoul(options.crc, nullptr, HEX) != crc) {
-        finding.refusal = "corrupted: the CRC is " + ToHex(crc, CRC_DIGITS) + ", expected " + options.crc;
+        finding.error = "corrupted: the CRC is " + ToHex(crc, CRC_DIGITS) + ", expected " + options.crc;
     }
     finding.content = std::move(bytes.erase(0, offset));
     return finding;

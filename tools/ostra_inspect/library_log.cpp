@@ -11,11 +11,11 @@ using OHOS::DistributedHardware::OstraAdapter::LOG_PREFIX_TAG;
 
 namespace {
 
-constexpr size_t MAX_REASONS = 10;  // some inputs are logged element by element
+constexpr size_t MAX_REASONS = 10;  // the library may log each element of an input
 
-std::vector<std::string> g_reasons;  // the tool has one thread
+std::vector<std::string> g_reasons;  // the tool is single-threaded
 
-// Keeps "[tag][Function]:message" as "Function: message".
+// Shortens "[tag][Function]:message" to "Function: message".
 void Collect(LogType /* type */, LogLevel level, unsigned int /* domain */, const char * /* tag */, const char *message)
 {
     if (level < LOG_WARN || g_reasons.size() == MAX_REASONS) {

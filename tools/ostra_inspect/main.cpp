@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ostra-inspect: shows what the library reads from a frame, a document, a parcel or events.
+// ostra-inspect: shows what the library reads from frames, documents, parcels and events.
 
 #include <unistd.h>
 
@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "inspect.h"
@@ -20,10 +21,10 @@ constexpr char DESCRIPTION[] =
     "Shows what libostra_adapter_utils reads from a frame, a document, a parcel or events, and what it ignores.";
 constexpr char FOOTER[] =
     "HEX is pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68. A FILE\n"
-    "and standard input hold the bytes themselves: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
+    "and standard input contain binary data: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
     "Control characters, and bytes that are not UTF-8, are shown as \\x and two digits. The JSON of events is one\n"
-    "object per line. The exit status is 0 if the input is valid, 1 if it is refused or cannot be read, and 2 for a\n"
-    "wrong command line.\n\n"
+    "object per line. The exit status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for an\n"
+    "invalid command line.\n\n"
     "Examples:\n"
     "  $ ostra-inspect frame 85 68 65 6C 6C 6F\n"
     "  $ ostra-inspect frame --crc A1CD 8568656C6C6F\n"
@@ -33,7 +34,7 @@ constexpr char FOOTER[] =
     "  $ ostra-inspect events --failed --pid 4711 events.txt\n"
     "  $ tail -f events.txt | ostra-inspect events -";
 constexpr int EXIT_USAGE = 2;
-constexpr size_t MAX_CRC_DIGITS = 8;  // the example pair sends a CRC as 4 bytes
+constexpr size_t MAX_CRC_DIGITS = 8;  // channel_pair sends a CRC as 4 bytes
 
 struct Options {
     std::vector<std::string> arguments;
@@ -43,7 +44,7 @@ struct Options {
     bool isContentOnly = false;
 };
 
-// --help-all, which the manual page is made from, shows each subcommand under a heading of its own.
+// Formats --help-all, the source of the manual page, with a heading for each subcommand.
 class PageFormatter : public CLI::Formatter {
 public:
     std::string make_expanded(const CLI::App *subject) const override
@@ -56,7 +57,7 @@ public:
     }
 };
 
-// The error on one line, whatever characters the input's name has.
+// Prints the error on one line, even if a file name has control characters.
 int Fail(const std::string &error)
 {
     std::fprintf(stderr, "%s: %s\n", PROGRAM, Printable(error).c_str());
@@ -75,15 +76,16 @@ void AddInputs(CLI::App &app, Options &options)
         CLI::App *const subject = app.add_subcommand(name, help);
         subject->add_option(kind, input, inputHelp)->option_text(" ");
     };
-    constexpr char bytes[] = "the bytes, or a file that holds them; - is standard input";
-    constexpr char document[] = "the document; - is standard input, and {... the document itself";
+    constexpr char bytes[] = "the bytes, or a file that contains them; - is standard input";
+    constexpr char document[] =
+        "a file with the document, or the document itself if it starts with {; - is standard input";
     add("frame", "a channel frame: header value, content, CRC-16", "HEX|FILE", options.arguments, bytes);
     add("service", "a device service document", "FILE", options.path, document);
     add("audio", "audio capabilities: a properties object with the member 2102", "FILE", options.path, document);
-    add("device", "a device document, with its table of versions", "FILE", options.path, document);
+    add("device", "a device document with its version table", "FILE", options.path, document);
     add("parcel", "a map from integers to strings in a parcel", "HEX|FILE", options.arguments, bytes);
-    add("events", "business-flow events, one a line, as OSTRA_HOST_EVENT_OUTPUT writes them", "FILE", options.path,
-        "the events; - is standard input");
+    add("events", "business-flow events, one per line, as OSTRA_HOST_EVENT_OUTPUT writes them", "FILE", options.path,
+        "a file with the events; - is standard input");
 }
 
 void AddOptions(CLI::App &app, Options &options)
@@ -92,18 +94,19 @@ void AddOptions(CLI::App &app, Options &options)
     app.set_help_all_flag("--help-all", "Print this help message with that of all subcommands and exit");
     app.add_flag("--json", options.events.isJson, "print JSON");
     CLI::App *const frame = app.get_subcommand("frame");
-    frame->add_option("--skip", options.frame.skip, "ignore the first N bytes; 8 for a message of channel_pair")
-        ->option_text("N");
+    frame->add_option("--skip", options.frame.skip, "skip the first N bytes; 8 for a message of channel_pair")
+        ->option_text("N")
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()));
     frame->add_option("--crc", options.frame.crc, "fail unless the CRC-16 of the frame is HEX")
         ->option_text("HEX")
         ->check([](const std::string &digits) {
             const bool isHex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
             return isHex && !digits.empty() && digits.size() <= MAX_CRC_DIGITS ? "" : "not a CRC: " + digits;
         });
-    frame->add_flag("--content", options.isContentOnly, "write the content alone, as it is, to a pipe or file");
+    frame->add_flag("--content", options.isContentOnly, "write only the raw content, to a pipe or file");
     CLI::App *const events = app.get_subcommand("events");
-    events->add_flag("--failed", options.events.isFailedOnly, "show failures only");
-    events->add_option("--pid", options.events.pid, "show the events of this process only")->option_text("PID");
+    events->add_flag("--failed", options.events.isFailedOnly, "show only failures");
+    events->add_option("--pid", options.events.pid, "show only events of this process")->option_text("PID");
 }
 
 Finding Inspect(const std::string &subject, Options &options)
@@ -133,8 +136,8 @@ void Print(const Finding &finding, const Options &options)
         const char *const heading = finding.content.empty() ? "" : "content\n";
         std::printf("%s%s%s", ToText(report).c_str(), heading, HexView(finding.content).c_str());
     } else {
-        if (!finding.refusal.empty()) {
-            AddString(report, "error", finding.refusal);
+        if (!finding.error.empty()) {
+            AddString(report, "error", finding.error);
         }
         if (cJSON_HasObjectItem(report, "content_length") != 0) {
             AddString(report, "content", ToHex(finding.content));
@@ -148,11 +151,11 @@ int Run(const std::string &subject, Options &options)
     Finding finding;
     try {
         if (options.isContentOnly && isatty(STDOUT_FILENO) != 0) {
-            throw InputError("--content writes bytes that a terminal cannot show; redirect standard output");
+            throw InputError("--content writes binary data; redirect standard output to a file or pipe");
         }
         finding = Inspect(subject, options);
     } catch (const InputError &error) {
-        finding.refusal = error.what();
+        finding.error = error.what();
     }
     if (subject != "events") {
         Print(finding, options);
@@ -160,14 +163,14 @@ int Run(const std::string &subject, Options &options)
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         return Fail(std::string("standard output: ") + std::strerror(errno));
     }
-    return finding.refusal.empty() ? EXIT_SUCCESS : Fail(finding.refusal);
+    return finding.error.empty() ? EXIT_SUCCESS : Fail(finding.error);
 }
 
 }  // namespace
 
 int main(int argc, char **argv)
 {
-    // cJSON and the library report a failed allocation as invalid JSON or a missing member, so none may fail.
+    // cJSON and the library report a failed allocation as invalid JSON or a missing member, so end the program instead.
     std::set_new_handler(ExitOutOfMemory);
     cJSON_Hooks hooks = {[](size_t size) { return ::operator new(size); },
                          [](void *memory) {
@@ -188,7 +191,7 @@ int main(int argc, char **argv)
     } catch (const CLI::Success &help) {
         return app.exit(help);
     } catch (const CLI::ParseError &error) {
-        // CLI11 misses the subcommand before it sees that there is an unknown one.
+        // CLI11 reports the missing subcommand first, even if there is an unknown one.
         const std::vector<std::string> unknown = app.remaining();
         const std::string kind =
             unknown.empty() || unknown.front()[0] != '-' ? "unexpected argument " : "unknown option ";

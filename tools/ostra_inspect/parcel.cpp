@@ -12,7 +12,7 @@ using IntegerMap = std::map<int32_t, std::string>;
 
 namespace {
 
-// Reads the string as the only entry of a map, which shows what the library reads from it.
+// Adds what the library reads from the string if it is the only entry of a map.
 void AddEntry(List &entries, const std::string &text)
 {
     MessageParcel parcel;
@@ -62,8 +62,8 @@ Finding InspectParcel(const std::string &bytes)
         AddEntry(entries, text);
     }
     if (!isRead) {
-        finding.refusal =
-            "refused after " + std::to_string(read) + " of " + std::to_string(count) + " entries: " + reasons;
+        finding.error =
+            "rejected after " + std::to_string(read) + " of " + std::to_string(count) + " entries: " + reasons;
         return finding;
     }
     List warnings(report, "warnings");

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr char GAP[] = "  ";  // between columns, and of an indented row
+constexpr char GAP[] = "  ";  // between columns, and before an indented row
 
 struct Character {
     size_t length = 0;  // in bytes; 0 if the string does not begin with UTF-8
@@ -39,7 +39,7 @@ Character Decode(std::string_view text)
     return value < minima[length - 2] || value > 0x10FFFF || isSurrogate ? Character() : Character{length, value};
 }
 
-// Control characters, line separators, and characters that change the direction of those around them.
+// Returns true for control characters, line separators, and characters that change the writing direction.
 bool IsControl(char32_t value)
 {
     constexpr std::pair<char32_t, char32_t> ranges[] = {{0, 0x1F},        {0x7F, 0x9F},     {0x61C, 0x61C},
@@ -48,8 +48,8 @@ bool IsControl(char32_t value)
                        [value](const auto &range) { return value >= range.first && value <= range.second; });
 }
 
-// Shows each byte that is not UTF-8, and the characters for which `isEscaped` is true, as \x and digits; as \u for
-// JSON.
+// Escapes each byte that is not valid UTF-8, and the characters for which `isEscaped` is true, as \x and digits, or as
+// \u for JSON.
 template <typename Predicate>
 std::string Escaped(std::string_view text, Predicate isEscaped, bool isJson = false)
 {
@@ -203,7 +203,7 @@ std::string Cell(const cJSON *value)
 
 std::string ToJson(const cJSON *report, bool isIndented)
 {
-    // cJSON escapes the control characters below U+0020, and indents with tabs and line ends.
+    // cJSON escapes the control characters below U+0020, and uses tabs and newlines for indentation.
     const auto isEscaped = [](char32_t character) {
         return character >= 0x20 && IsControl(character);
     };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A report is a JSON object, printed as JSON or as rows for people. Strings from the input are escaped, so that they
-// can neither control a terminal nor look like a row of their own.
+// A report is a JSON object, printed as JSON or as human-readable rows. Strings from the input are escaped, so that
+// they cannot control a terminal or add rows.
 //
 //     JsonTree report = NewObject();
 //     AddString(report.get(), "header", "85");
@@ -30,8 +30,8 @@ void AddNumber(cJSON *object, const char *key, int64_t value);
 /// Adds a copy of a string, number or bool, or null if `value` is null.
 void AddCopy(cJSON *object, const char *key, const cJSON *value);
 
-/// A list that is added to a report when it is destroyed. It keeps the first MAX_LISTED elements, so that the memory of
-/// a report is bounded, and adds the number of the others as KEY_omitted.
+/// A list that adds itself to a report when it is destroyed. To bound the memory of a report, it keeps the first
+/// MAX_LISTED elements, and adds the number of the others as KEY_omitted.
 class List {
 public:
     List(cJSON *report, std::string key);
@@ -53,17 +53,17 @@ private:
     size_t size_ = 0;
 };
 
-/// Returns one row for each value and for each element of a list; nothing for an empty list.
+/// Returns a row for each value and for each element of a list; no row for an empty list.
 std::string ToText(const cJSON *report);
 
-/// Returns the string of one value in a row.
+/// Formats one value of a row.
 std::string Cell(const cJSON *value);
 
-/// Returns compact or indented JSON without a line end.
+/// Returns compact or indented JSON without a final newline.
 std::string ToJson(const cJSON *report, bool isIndented);
 
-/// Returns the string with control characters, invisible characters that change the direction of others, and bytes that
-/// are not UTF-8 as \x and two digits for each byte.
+/// Escapes control characters, characters that change the writing direction, and bytes that are not valid UTF-8 as \x
+/// and two digits for each byte.
 std::string Printable(std::string_view text);
 
 /// Returns `text` followed by spaces up to `width` bytes.
