@@ -84,5 +84,5 @@ TEST(Securec, MatchesRecording)
         {"strtok_s", Tokens},
     };
     Replay("recorded/securec.txt", 359, operations);
-    Replay("handwritten/securec.txt", 21, operations);
+    Replay("handwritten/securec.txt", 22, operations);
 }

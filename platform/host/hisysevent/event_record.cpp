@@ -211,7 +211,7 @@ void HiSysEventRecord::GetParamNames(std::vector<std::string> &params) const
     }
 }
 
-// NOLINTBEGIN(bugprone-macro-parentheses): a type cannot be parenthesized
+// NOLINTBEGIN(bugprone-macro-parentheses): types cannot be put in parentheses
 #define PARAM_VALUE(Type)                                                                         \
     int HiSysEventRecord::GetParamValue(const std::string &param, Type &value) const              \
     {                                                                                             \
@@ -221,8 +221,8 @@ void HiSysEventRecord::GetParamNames(std::vector<std::string> &params) const
     {                                                                                             \
         return content_->Get(param, value);                                                       \
     }
-
 // NOLINTEND(bugprone-macro-parentheses)
+
 PARAM_VALUE(int64_t)
 PARAM_VALUE(uint64_t)
 PARAM_VALUE(double)
