@@ -172,10 +172,7 @@ int main(int argc, char **argv)
 {
     // cJSON and the library report a failed allocation as invalid JSON or a missing member, so end the program instead.
     std::set_new_handler(ExitOutOfMemory);
-    cJSON_Hooks hooks = {[](size_t size) { return ::operator new(size); },
-                         [](void *memory) {
-                             ::operator delete(memory);
-                         }};
+    cJSON_Hooks hooks = {::operator new, ::operator delete };
     cJSON_InitHooks(&hooks);
     CollectLog();
     Options options;
