@@ -19,7 +19,7 @@ namespace {
 constexpr int FEW = 1000;
 constexpr int MANY = 10000;
 constexpr size_t CAPACITY = 1 << 24;
-constexpr double LINEAR_GROWTH = 20;  // for ten times the size, which may exceed a cache
+constexpr double LINEAR_GROWTH = 20;  // bar for ten times the entries, which may exceed a cache
 
 using Map = std::map<int32_t, std::string>;
 

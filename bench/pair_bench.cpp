@@ -23,7 +23,7 @@ namespace {
 
 constexpr uint64_t CHUNKS = 10000;
 constexpr size_t CHUNK_BYTES = 3840;  // 20 ms of audio
-constexpr size_t HEADER_BYTES = 4;    // for high sequence numbers
+constexpr size_t HEADER_BYTES = 4;    // the maximum, for large sequence numbers
 
 double WallClockSeconds()
 {
@@ -94,7 +94,7 @@ private:
     FrameReceiver receiver_;
 };
 
-// The same for messages of the same size without the library.
+// One end of a connection that transfers messages of the same size without the library.
 class BareEnd {
 public:
     explicit BareEnd(int socket) : socket_(socket), message_(MAX_MESSAGE_BYTES)

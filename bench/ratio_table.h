@@ -28,8 +28,8 @@ inline bool AreCurvesMeasured()
     return std::getenv("OSTRA_BENCH_CURVES") != nullptr;
 }
 
-// `name` must not contain a slash. `atMost` is the bar: the time of the operation divided by that of the baseline.
-// Returns 0, so that a constant can be initialized with it.
+// `name` must not contain a slash. `atMost` is the bar: the maximum ratio of the operation's time to the baseline's.
+// Returns 0, so that the initializer of a constant can call it.
 template <typename Operation, typename Baseline>
 int AddRow(const std::string &name, Operation measureOperation, const std::string &baselineName,
            Baseline measureBaseline, double atMost, TimeSource timeSource = TimeSource::CPU)

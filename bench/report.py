@@ -26,7 +26,7 @@ def read_runs(path):
             sys.exit(f"{run['name']}: {run['error_message']}")
         if run["run_type"] == "iteration":
             name, *options = run["run_name"].split("/")
-            # CPU time, unless the benchmark measures its own: other processes may be busy.
+            # CPU time, which busy processes distort less, unless the benchmark measures the time itself.
             time = run["real_time" if "manual_time" in options else "cpu_time"]
             size = int(options[0]) if options and options[0].isdigit() else None
             yield name, size, time * SECONDS[run["time_unit"]], run

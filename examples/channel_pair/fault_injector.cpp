@@ -9,8 +9,8 @@
 FaultInjector::FaultInjector(const FaultOptions &options, const StreamLength &length)
     : random_(options.seed), flippedFrame_(options.flippedFrame), isTimed_(length.seconds.has_value())
 {
-    // The stream is divided into `count` equal parts with one fault in each. Parts in chunks end with an intact chunk.
-    // A stream of unknown length gets its faults within the first 10 * count chunks.
+    // The stream is divided into `count` equal parts with one fault in each. If parts are measured in chunks, the last
+    // chunk of each part stays intact. A stream of unknown length gets its faults within the first 10 * count chunks.
     constexpr double timeForTheLastFault = 0.8;
     const auto count = static_cast<double>(options.count);
     const double span = length.chunks    ? static_cast<double>(*length.chunks)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Fault injection between the source and the sink: each kind of fault equally often, at random positions in the stream
-// that a seed reproduces.
+// Fault injection between the source and the sink: each kind of fault equally often, at random positions in the stream.
+// A seed determines the positions.
 
 #ifndef EXAMPLES_CHANNEL_PAIR_FAULT_INJECTOR_H
 #define EXAMPLES_CHANNEL_PAIR_FAULT_INJECTOR_H
@@ -31,8 +31,8 @@ public:
         bool isDropped = false;         // the receiver must drop the content
     };
 
-    // Returns the messages to send instead of `message`: itself unless a fault is due. Counted faults are injected into
-    // chunks of the stream only.
+    // Returns the messages to send instead of `message`: itself unless a fault is due. The counted faults affect only
+    // chunks of the stream; FaultOptions::flippedFrame may be a frame of any kind.
     Output Inject(FrameKind kind, uint64_t frameNumber, Message message);
 
     // Returns true while a delayed chunk waits for the next message to overtake it.
@@ -46,7 +46,7 @@ public:
         return injected_;
     }
 
-    // Faults that have not been injected.
+    // Returns the number of faults that have not been injected yet.
     uint64_t Remaining() const
     {
         return faults_.size() - next_ + (flippedFrame_ ? 1 : 0);

@@ -29,7 +29,7 @@ public:
         FAILED,  // errno is set
     };
 
-    // Opens the input that the options name. Returns false, with errno set, if that fails.
+    // Opens the input that the options specify. Returns false, with errno set, if that fails.
     bool Open(const PairOptions &options);
 
     // Reads the next chunk, which is valid until the next call. Only the last one may be shorter than CHUNK_BYTES.
@@ -41,7 +41,7 @@ public:
         return length_;
     }
 
-    // "5 s of a generated tone", or the path.
+    // For messages: for example "5 s of a generated tone", "standard input" or the path.
     const std::string &Name() const
     {
         return name_;

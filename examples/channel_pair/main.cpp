@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The example pair: forks a source and a sink, joined by a socket pair, and reports whether the stream arrived.
+// The example pair: forks a source and a sink, connected by a socket pair, and reports whether the stream arrived.
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -61,7 +61,7 @@ int PrintError(const std::string &message, int status = EXIT_FAILURE)
     return status;
 }
 
-// Returns the exit status if the program must end at once.
+// Returns the exit status if the program must exit immediately.
 std::optional<int> ParseOptions(int argc, char **argv, PairOptions &options)
 {
     constexpr double minTime = 0.1;
@@ -108,8 +108,8 @@ bool Print(const PairOptions &options, const std::string &lines)
     return std::fputs(lines.c_str(), file) >= 0 && std::fflush(file) == 0;
 }
 
-// Opens the file that the sink writes and sets `output`, to -1 if there is none. Prints an error and returns false on
-// failure.
+// Opens the file that the sink writes and sets `output` to its descriptor, or to -1 if there is none. Prints an error
+// and returns false on failure.
 bool OpenOutput(const std::string &path, int input, int &output)
 {
     output = -1;
@@ -131,7 +131,7 @@ bool OpenOutput(const std::string &path, int input, int &output)
         PrintError(path + ": the output is the input file");
         return false;
     }
-    // Only now, because open with O_TRUNC would truncate the input.
+    // Truncate only now: opening with O_TRUNC would already have truncated an output that is the input.
     if (!isStandardOutput && ftruncate(output, 0) != 0) {
         PrintSystemError(path);
         return false;
@@ -139,8 +139,8 @@ bool OpenOutput(const std::string &path, int input, int &output)
     return true;
 }
 
-// Creates a connected pair of sockets with a timeout in seconds: the source sends at the first, the sink receives at
-// the second. Returns false, with errno set, on failure.
+// Creates a connected pair of sockets with a timeout in seconds: the source sends through the first, the sink
+// receives from the second. Returns false, with errno set, on failure.
 bool MakeConnection(double timeout, std::array<int, 2> &ends)
 {
     using std::chrono::microseconds;
@@ -191,7 +191,7 @@ Offer MakeOffer()
     return offer;
 }
 
-// Prints the reports of both sides and returns the exit status. Omits failures that are the consequence of another one.
+// Prints the reports of both sides and returns the exit status. Omits consequences of another failure.
 int Conclude(const PairOptions &options, const ChildProcess &source, const ChildProcess &sink)
 {
     Print(options, source.report.summary + sink.report.summary);
@@ -249,7 +249,7 @@ int main(int argc, char **argv)
     if (!MakeConnection(options.timeout, ends)) {
         return PrintSystemError("socket pair");
     }
-    // Only now, so that a signal still ends the program while it waits for the other end of a FIFO.
+    // Not earlier, so that a signal still ends the program while it waits for the other end of a FIFO.
     CountInterrupts();
     const Offer offer = MakeOffer();
     ChildProcess source = Start("source", [&] {

@@ -26,7 +26,7 @@ constexpr char STANDARD_STREAM[] = "-";  // as a file name: standard input or ou
 struct FaultOptions {
     uint64_t count = 0;
     uint64_t seed = 1;
-    std::optional<uint64_t> flippedFrame;  // corrupted, but not counted at the end of the stream
+    std::optional<uint64_t> flippedFrame;  // a frame to corrupt, which the END frame does not count
 };
 
 struct PairOptions {
@@ -42,7 +42,7 @@ struct PairOptions {
 
 using ParcelMap = std::map<int32_t, std::string>;
 
-// What the source sends before the stream. The sink compares it with what it expects.
+// What the source sends before the stream. Created before the fork, so that the sink knows what to expect.
 struct Offer {
     OHOS::DistributedHardware::OstraAdapter::DHConnectInfo connection;
     std::string device;   // device document
@@ -53,7 +53,7 @@ struct Offer {
 constexpr char DEVICE_NAME[] = "desk tablet";
 
 // Keys of the map in the frame that ends a stream. All values are decimal numbers. A chunk is intact if no injected
-// fault dropped it.
+// fault made it unusable.
 enum EndKey : int32_t {
     SENT_CHUNKS,
     INTACT_CHUNKS,
@@ -75,7 +75,7 @@ class Input;
 // Sends the offer, then `input` up to its end or SIGINT, then the frame that ends the stream.
 SideReport RunSource(int socket, const Offer &offer, const PairOptions &options, Input &input);
 
-// Receives them, writes the stream to `output` unless that is -1, and checks that all of it arrived.
+// Receives these frames, writes the stream to `output` unless that is -1, and checks that all of it arrived.
 SideReport RunSink(int socket, const Offer &offer, const PairOptions &options, int output);
 
 #endif  // EXAMPLES_CHANNEL_PAIR_PAIR_H

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Runs the source and the sink as child processes and waits for both, however they end.
+// Runs the source and the sink as child processes and waits for both, even if one of them crashes or hangs.
 
 #ifndef EXAMPLES_CHANNEL_PAIR_PROCESS_H
 #define EXAMPLES_CHANNEL_PAIR_PROCESS_H

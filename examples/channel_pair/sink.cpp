@@ -96,7 +96,7 @@ public:
         if (options_.isDumped) {
             SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), "a");
         }
-        OstraDump::GetInstance().Init();  // the parameter may also be set from outside
+        OstraDump::GetInstance().Init();  // even without --dump, the environment may set the parameter
     }
 
     // Returns false, with the reason in the report, if not everything arrived.
@@ -264,7 +264,7 @@ private:
     const PairOptions &options_;
     int output_;
     FrameReceiver receiver_;
-    // Random, so that other users cannot create the file first. OstraDump refuses longer names.
+    // Random, so that other users cannot create the file first. OstraDump rejects longer names.
     const std::string dumpName_ = "channel_pair_" + GetRandomID().substr(16) + ".pcm";
     const std::string dumpPath_ = DUMP_PATH_PREFIX + dumpName_;
     std::string device_ = MISSING;

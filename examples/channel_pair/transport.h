@@ -6,7 +6,7 @@
 //     4 bytes  CRC-16 of the frame, big-endian
 //     frame    header value: kind in the low 4 bits, above them the sequence number modulo 2^24; then the content
 //
-// docs/wire-formats.md describes the contents. Every frame takes the next sequence number, so the receiver recognizes
+// docs/wire-formats.md describes the contents. Every frame has the next sequence number, so the receiver detects
 // missing, duplicated, delayed and unexpected frames.
 
 #ifndef EXAMPLES_CHANNEL_PAIR_TRANSPORT_H
@@ -34,10 +34,10 @@ constexpr uint32_t SEQUENCE_NUMBERS = 1U << 24;
 constexpr size_t PREFIX_BYTES = 8;  // size and CRC
 constexpr size_t MAX_MESSAGE_BYTES = 64 * 1024;
 
-// What can be wrong with a message: what fault injection does, and what the receiver detects.
+// The faults of a message, which FaultInjector injects and FrameReceiver detects.
 enum Fault : uint32_t {
     CORRUPTED,   // the CRC does not match
-    TRUNCATED,   // shorter than its size field says
+    TRUNCATED,   // the size does not match
     DUPLICATED,  // received before
     DELAYED,     // overtaken by a later frame; dropped, since the stream has moved on
     EMPTY,       // an empty message
@@ -52,13 +52,14 @@ uint64_t Sum(const FaultCounts &counts);
 // Formats the counts as "3 (2 corrupted, 1 truncated)", or "0".
 std::string ToString(const FaultCounts &counts);
 
-// Borrowed bytes. Not const, because ChannelProtocol takes a pointer to non-const bytes.
+// A view of bytes, which it does not own. Not const, because ChannelProtocol takes a pointer to non-const bytes.
 struct ByteView {
     uint8_t *data = nullptr;
     size_t size = 0;
 };
 
-// Chunks of the stream, their bytes, and the sum of a 64-bit digest of each chunk and its frame number.
+// The number of chunks, the number of their bytes, and the sum of the 64-bit hashes of the chunks, each with its frame
+// number as the seed.
 struct Totals {
     uint64_t chunks = 0;
     uint64_t bytes = 0;
@@ -79,7 +80,7 @@ bool SendMessage(int socket, const Message &message);
 
 struct ReceivedFrame {
     FrameKind kind = FrameKind::STREAM;
-    uint64_t number = 0;  // sequence number, counted on beyond 2^24
+    uint64_t number = 0;  // sequence number, which continues beyond 2^24
     ByteView content;     // valid until the next call of Receive
 };
 
@@ -87,7 +88,7 @@ enum class ReceiveResult {
     FRAME,
     DROPPED,  // a fault was detected and counted
     CLOSED,   // the peer has closed the connection, and everything it sent has been read
-    FAILED,   // errno is set; EAGAIN if nothing came within the socket's timeout
+    FAILED,   // errno is set; EAGAIN if nothing arrived within the socket's timeout
 };
 
 class FrameReceiver {

@@ -25,7 +25,7 @@ constexpr int BOOL = cJSON_True | cJSON_False;
 
 struct MemberRule {
     std::string name;
-    int types;  // of cJSON
+    int types;  // cJSON type flags
 };
 using MemberRules = std::vector<MemberRule>;
 
@@ -95,7 +95,7 @@ Document ParseDocument(const std::string &text, List &warnings)
     JsonTree root(cJSON_ParseWithOpts(text.c_str(), &end, 0));
     const auto length = static_cast<size_t>(end - text.c_str());
     if (root == nullptr) {
-        const bool isBracket = *end == '[' || *end == '{';  // where cJSON stops at its own limit of nesting, too
+        const bool isBracket = *end == '[' || *end == '{';  // cJSON stops here at its nesting limit, too
         return {nullptr, std::string("not valid JSON") + (isBracket ? ", or nested too deeply," : "") +
                              " near offset " + std::to_string(length) + " of " + std::to_string(text.size()) +
                              " bytes"};
@@ -109,7 +109,7 @@ Document ParseDocument(const std::string &text, List &warnings)
     return {std::move(root), ""};
 }
 
-// Adds the result of the library's reader, and its reasons if it rejected the document.
+// Adds the result of the library's reader, and the logged reasons if it rejected the document.
 void AddResult(Finding &finding, const std::string &kind, int32_t result, const std::string &parseError)
 {
     const std::string reasons = TakeReasons();
@@ -129,7 +129,7 @@ void AddIgnored(List &ignored, const std::string &member, const std::string &rea
     AddString(entry, "reason", reason);
 }
 
-// Adds each member that no rule reads. `path` precedes the names.
+// Adds each member that no rule accepts, with the reason. `path` is prepended to the names.
 void AddIgnoredMembers(List &ignored, const cJSON *object, const MemberRules &rules, const std::string &path = {})
 {
     if (cJSON_IsObject(object) == 0) {
@@ -199,7 +199,7 @@ void AddProfile(List &profiles, const DHOSTRAAudioProperties &audio, const Audio
     }
 }
 
-// Adds what the library ignores or changes in the lists of the capabilities.
+// Adds what the library ignores or changes in the arrays of the capabilities.
 void CheckElements(List &ignored, List &warnings, const cJSON *capabilities)
 {
     size_t index = 0;

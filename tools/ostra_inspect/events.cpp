@@ -22,7 +22,7 @@ constexpr std::array<const char *, 11> STAGES = {
     "AudioOpenRes",         "AudioCloseRes",    "DisconnectDeviceRes", "ServiceStopRes", "LoadSinkServiceRes",
     "UnLoadSinkServiceRes",
 };
-constexpr int SUCCESS = 1;                    // of STAGE_RES
+constexpr int SUCCESS = 1;                    // value of STAGE_RES
 constexpr size_t MAX_EVENT_BYTES = 1U << 20;  // more than the platform accepts; longer lines are not parsed
 constexpr std::array<size_t, 7> WIDTHS = {23, 7, 22, 8, 20, 16, 0};
 

@@ -25,7 +25,7 @@ struct InputError : std::runtime_error {
 
 using InputFile = std::unique_ptr<FILE, int (*)(FILE *)>;
 
-/// Opens a file. "-" is standard input, and so is "" unless that is a terminal, which is an error.
+/// Opens a file. "-" is standard input; so is "", but then throws InputError if standard input is a terminal.
 InputFile OpenInput(const std::string &path);
 
 /// Returns the bytes of hexadecimal arguments, of the file that a single argument names, or of standard input.
@@ -38,7 +38,7 @@ std::string ReadDocument(const std::string &argument);
 /// Parses pairs of hexadecimal digits, which spaces, commas and "0x" may separate.
 std::string ParseHex(const std::string &digits);
 
-// The library's log (library_log.cpp), which has the reasons why the library rejected or skipped something.
+// The library's log (library_log.cpp), which contains the reasons why the library rejected or skipped something.
 
 /// Starts collecting warnings and errors. Disables the log on standard error unless the environment sets a level.
 void CollectLog();
@@ -46,7 +46,8 @@ void CollectLog();
 /// Returns the first ten warnings and errors since the last call, on one line.
 std::string TakeReasons();
 
-// The subcommands. All but PrintEvents throw InputError if there is nothing to report.
+// The subcommands. Those that return a Finding throw InputError if there is nothing to report; otherwise they set
+// `error` if the input was rejected.
 
 struct Finding {
     JsonTree report = NewObject();

@@ -12,7 +12,7 @@ using IntegerMap = std::map<int32_t, std::string>;
 
 namespace {
 
-// Adds what the library reads from the string if it is the only entry of a map.
+// Adds what the library reads from a map whose only entry is this string.
 void AddEntry(List &entries, const std::string &text)
 {
     MessageParcel parcel;
