@@ -14,7 +14,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Not SEPARATOR, whose destructor may run before the last call of IpcUtils.
+// A copy of SEPARATOR, which may be destroyed before the last call to IpcUtils.
 constexpr char KEY_END = '#';
 constexpr uint32_t MAX_ENTRIES = 10000;
 constexpr size_t MAX_INT32_LENGTH = 11;
@@ -37,8 +37,8 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
     return true;
 }
 
-// Converts a string that CheckIsNum accepts; returns nullopt if the number is out of range. Not with std::from_chars,
-// whose inline code may rely on unsigned overflow (for "-0"), which aborts the process on a device.
+// Converts a string that CheckIsNum accepts; returns nullopt if the number is out of range. Does not use
+// std::from_chars: its inline code may rely on unsigned overflow (for "-0"), which aborts the process on a device.
 std::optional<int32_t> ToInt32(const std::string &number)
 {
     const long long value = std::strtoll(number.c_str(), nullptr, 10);  // saturates far outside of the range
@@ -94,7 +94,7 @@ bool IpcUtils::UnMarshalling(MessageParcel &parcel, std::map<int32_t, std::strin
         }
         const size_t valueBegin = keyLength + 1;
         OSTRA_LOGI("the key is %d, value is %s", *key, entry.c_str() + valueBegin);
-        params.insert_or_assign(params.end(), *key, entry.substr(valueBegin));  // peers send ascending keys
+        params.insert_or_assign(params.end(), *key, entry.substr(valueBegin));  // hint: peers send ascending keys
     }
     return true;
 }

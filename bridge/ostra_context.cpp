@@ -10,7 +10,7 @@ namespace {
 
 constexpr DHTopic NOTIFICATION_TOPIC = static_cast<DHTopic>(8);
 
-// Not DEV_ID_KEY and ISOMERISM_EVENT, whose destructors may run before the last call of PublishMessage.
+// Copies of DEV_ID_KEY and ISOMERISM_EVENT, which may be destroyed before the last call to PublishMessage.
 constexpr char DEVICE_KEY[] = "dev_id";
 constexpr char EVENT_KEY[] = "isomerism_event";
 

@@ -8,7 +8,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Adds the NUL. SIZE_MAX cannot be incremented, but its allocation fails anyway.
+// Adds one byte for the NUL. SIZE_MAX cannot be incremented, but its allocation fails anyway.
 size_t AllocationSize(size_t capacity)
 {
     return capacity == std::numeric_limits<size_t>::max() ? capacity : capacity + 1;

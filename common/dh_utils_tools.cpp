@@ -15,7 +15,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Not OSTRA_PKG_NAME, whose destructor may run before the last call of GetLocalDeviceNetworkId.
+// A copy of OSTRA_PKG_NAME, which may be destroyed before the last call to GetLocalDeviceNetworkId.
 constexpr char PACKAGE_NAME[] = "ohos.dhardware.osatraadapter";
 constexpr char MASK[] = "******";
 constexpr size_t MIN_LENGTH_WITH_ENDS = 3;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Owners of what cJSON returns: trees, printed strings, and objects under construction.
+// RAII wrappers for cJSON: trees, printed strings, and objects under construction.
 
 #ifndef COMMON_JSON_OBJECT_H
 #define COMMON_JSON_OBJECT_H

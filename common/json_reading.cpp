@@ -19,7 +19,7 @@ const char *FirstValue(const char *json)
     return position;
 }
 
-// Returns the quotation mark that ends the string starting at `quote`, or the NUL of an unterminated string.
+// Returns the closing quotation mark of the string that starts at `quote`, or the NUL of an unterminated string.
 const char *EndOfString(const char *quote)
 {
     const char *position = quote + 1;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Parsing of JSON from a peer, with limited nesting.
+// Parsing of untrusted JSON from a peer, with a limit on nesting.
 
 #ifndef COMMON_JSON_READING_H
 #define COMMON_JSON_READING_H

@@ -32,7 +32,7 @@ LogLevel ToHiLogLevel(DHLogLevel level)
 
 void DHLog(DHLogLevel level, const char *format, ...)
 {
-    // Not cleared: vsprintf_s null-terminates what it writes.
+    // Not initialized: vsprintf_s null-terminates its output.
     char message[MESSAGE_BUFFER_SIZE];
     va_list arguments;
     va_start(arguments, format);

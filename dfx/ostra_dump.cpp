@@ -10,7 +10,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Not DUMP_WRITE_ENABLE_KEY and DUMP_PATH_PREFIX, whose destructors may run before the last call of OstraDump.
+// Copies of DUMP_WRITE_ENABLE_KEY and DUMP_PATH_PREFIX, which may be destroyed before the last call to OstraDump.
 constexpr char ENABLE_PARAMETER[] = "sys.ostra.audio.dump.write.enable";
 constexpr char PATH_PREFIX[] = "/data/local/tmp/";
 constexpr char UNSET_MARKER[] = "-1";

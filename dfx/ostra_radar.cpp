@@ -12,7 +12,7 @@ namespace {
 
 using HiviewDFX::HiSysEvent;
 
-// Not the constants of the header, whose destructors may run before the last event is reported.
+// Copies of the constants of the header, which may be destroyed before the last event is reported.
 constexpr char DOMAIN[] = "OSTRAADAPTER";
 constexpr char EVENT_NAME[] = "OSTRA_ADAPTER_BEHAVIOR";
 constexpr char REPORTING_PACKAGE[] = "ostra_adapter";
@@ -28,7 +28,7 @@ constexpr int32_t STATE_STOP = 2;
 
 struct Step {
     const char *method;
-    const char *nameInLog;  // differs from `method` in some log lines
+    const char *nameInLog;  // differs from `method` for some steps
     int32_t stage;
     int32_t state;
 };
@@ -70,7 +70,7 @@ int32_t LineOf(const Step &step, bool isSuccess)
     return isSuccess ? step.stage : FAILURE_LINE_OFFSET + step.stage;
 }
 
-// The platform takes the keys and values of an event as arguments, so each lambda appends those it adds to the
+// HiSysEvent::Write takes the keys and values of an event as variadic arguments, so each lambda appends its own to the
 // arguments of its caller.
 int WriteEvent(const Step &step, const Report &report)
 {

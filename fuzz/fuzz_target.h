@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Helpers of the fuzzers: values taken from the front of an input, and the comparison of a naive reference with the
-// library. The first difference is printed together with the input, and aborts the program.
+// Helpers for fuzzers: functions that consume values from the front of an input, and ExpectEqual, which compares the
+// library with a naive reference. The first difference is printed with the input, and aborts the program.
 //
 //     int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 //     {
@@ -70,7 +70,7 @@ inline std::string TakeLine(std::string &input)
     return line;
 }
 
-// Aborts, so that the fuzzer keeps the input, if the library returned another value. Prints the input for `xxd -r -p`.
+// If the values differ, prints them and the input (for `xxd -r -p`), and aborts, so that the fuzzer saves the input.
 template <typename Value>
 void ExpectEqual(const char *field, const Value &expected, const Value &got)
 {

@@ -9,7 +9,7 @@
 ///     Send(out.GetBuffer(), out.GetBufferSize());       in.ReadEA(ea, 0);   // content: ea.offset to the end
 ///
 /// The header value (EA) is a 28-bit varint: little-endian groups of 7 bits, bit 7 set on the last byte (stop bit). 5
-/// is encoded as 85, 300 as 2C 82. A frame does not contain its CRC; services that use one agree on where to send it.
+/// is encoded as 85, 300 as 2C 82. A frame does not contain its CRC; services that use one must agree where to send it.
 
 #ifndef CHANNEL_PROTOCOL_H
 #define CHANNEL_PROTOCOL_H

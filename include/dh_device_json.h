@@ -68,7 +68,7 @@ public:
     std::string deviceId_;
     std::string deviceName_;
     uint32_t deviceType_ = 0;
-    std::string reserved_;  ///< For the host process; not written.
+    std::string reserved_;  ///< Free for use by the host process; not written.
     std::string bluetoothMac_;
     std::string btName_;
     std::string localIp_;
@@ -110,8 +110,8 @@ public:
     ///
     /// The values are derived from all entries of the lists, so a second call appends the profiles of the first again.
     /// If "2102" is missing or not a string, the values are derived from the current lists; if it is empty, they are
-    /// not derived. Each list and string grows completely or not at all. On success, logs the result of String at info
-    /// level, unmasked, unless "2102" is empty.
+    /// not derived. Each list and string is extended completely or not at all. On success, logs the result of String at
+    /// info level, unmasked, unless "2102" is empty.
     ///
     /// Returns:
     /// - OSTRA_JSON_SUCCESS.
@@ -173,7 +173,7 @@ public:
 
 /// A service of a peer, read from its service document.
 ///
-/// Limits of documents, failed allocations and log lines are the same as for DHOSTRAAudioProperties.
+/// Document limits, allocation failures and log lines are the same as for DHOSTRAAudioProperties.
 class DHOSTRADeviceServiceJson {
 public:
     OSTRA_EXPORT DHOSTRADeviceServiceJson();

@@ -82,7 +82,7 @@ struct DHConnectInfo {
     ///
     /// Compares, byte by byte, the concatenation of sourceNetworkId, sinkNetworkId, sourceIp, sinkIp, sinkBrMac and the
     /// port in decimal, without separators. Different connections whose concatenations are equal are therefore
-    /// equivalent as keys, and port 10 orders before port 9.
+    /// equivalent as keys, and port 10 is ordered before port 9.
     OSTRA_EXPORT bool operator<(const DHConnectInfo &other) const;
 
     std::string sourceNetworkId;
@@ -136,10 +136,10 @@ OSTRA_EXPORT std::string GetAnonyInt32(int32_t value);
 /// unchanged.
 OSTRA_EXPORT int32_t GetLocalDeviceNetworkId(std::string &networkId);
 
-/// Returns the milliseconds since the Unix epoch. Uses the system clock, which may be set back.
+/// Returns the milliseconds since the Unix epoch. Uses the system clock, which is not monotonic.
 OSTRA_EXPORT int64_t GetNowTimeStampMs();
 
-/// Returns the microseconds since the Unix epoch. Uses the system clock, which may be set back.
+/// Returns the microseconds since the Unix epoch. Uses the system clock, which is not monotonic.
 OSTRA_EXPORT int64_t GetNowTimeStampUs();
 
 /// Writes `value` to byteArray[0..3], most significant byte first.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Marshalling of integer-to-string maps in IPC parcels: the number of entries as an unsigned 32-bit value, then one
+/// Marshalling of integer-to-string maps to IPC parcels: the number of entries as an unsigned 32-bit value, then one
 /// string per entry, which consists of the key in decimal, "#" and the value. Include message_parcel.h as well.
 ///
 ///     IpcUtils::Marshalling(parcel, settings);         // in one process
@@ -10,7 +10,7 @@
 /// **UnMarshalling logs each key and value unmasked at info level.** Do not pass secrets in the values, or set the log
 /// level of domain 0xD004160 to warning (on the host, `OSTRA_HOST_LOG_LEVEL=warn`).
 ///
-/// Thread-safe for different parcels and maps: callers must synchronize calls that share one.
+/// Thread-safe, except that callers must synchronize calls that share a parcel or a map.
 
 #ifndef IPC_UTILS_H
 #define IPC_UTILS_H

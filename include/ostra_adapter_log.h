@@ -8,7 +8,7 @@
 ///         OSTRA_LOGI("open port %d", port);   // [ostraadapterutils][Connect]:open port 8080
 ///     }
 ///
-/// The macros compose prefix and message at compile time, so they cost no more than a call of DHLog. Programs that use
+/// The macros compose prefix and message at compile time, so they cost no more than a call to DHLog. Programs that use
 /// the library may use them, too. Thread-safe.
 
 #ifndef OSTRA_ADAPTER_LOG_H
@@ -34,7 +34,7 @@ enum DHLogLevel : int32_t {
 /// A message has at most 4095 bytes. A longer one, or one whose format is invalid, is replaced by
 /// "DH log length error." at the same level. DHLog itself does not filter by level.
 ///
-/// Reports no errors, throws nothing and allocates nothing. Uses 4 KiB of stack for the message; a whole call on the
+/// Does not report errors, throw or allocate. Uses 4 KiB of stack for the message; a whole call on the
 /// host needs up to 16 KiB.
 OSTRA_EXPORT void DHLog(DHLogLevel level, const char *format, ...) __attribute__((format(printf, 2, 3)));
 

@@ -41,13 +41,13 @@ constexpr auto ComposeLogFormat(const char (&function)[FUNCTION_SIZE], const cha
     return format;
 }
 
-// Never called: lets the compiler check the arguments against the conversions of the message.
+// Never called: makes the compiler check the arguments against the format specifiers of the message.
 __attribute__((format(printf, 1, 2))) inline void CheckLogMessage(const char * /* message */, ...)
 {
 }
 
-// Calls DHLog through a pointer without the format attribute, since the compiler checks string literals only. `message`
-// is unused: OSTRA_LOG cannot remove it from its arguments.
+// Calls DHLog through a pointer without the format attribute, since the compiler can check only string literals.
+// `message` is unused, but OSTRA_LOG cannot remove it from __VA_ARGS__.
 template <typename... Arguments>
 inline void LogComposed(DHLogLevel level, const char *format, const char * /* message */, Arguments... arguments)
 {
@@ -59,7 +59,7 @@ inline void LogComposed(DHLogLevel level, const char *format, const char * /* me
 
 #define OSTRA_LOG_FIRST(first, ...) first
 
-// The arguments after the level are the message and the values for its conversions.
+// The arguments after the level are those of printf: the message as the format, and its values.
 #define OSTRA_LOG(level, ...)                                                                                       \
     do {                                                                                                            \
         static constexpr auto ostraLogFormat_ =                                                                     \

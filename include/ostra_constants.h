@@ -17,7 +17,7 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-/// Package name under which the adapter is registered with the platform, spelling included.
+/// Package name under which the adapter is registered with the platform. "osatra" is intentional.
 inline const std::string OSTRA_PKG_NAME = "ohos.dhardware.osatraadapter";
 /// Permission of the distributed hardware framework.
 inline const std::u16string DH_ACCESS_TOKEN_PERMISSION = u"ohos.distributedhardware.accessToken";

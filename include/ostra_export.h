@@ -11,7 +11,7 @@
 #ifndef OSTRA_EXPORT_H
 #define OSTRA_EXPORT_H
 
-/** Gives a function default visibility, in front of its declaration. */
+/** Placed before the declaration of a function, gives it default visibility. */
 #define OSTRA_EXPORT __attribute__((visibility("default")))
 
 #endif /* OSTRA_EXPORT_H */

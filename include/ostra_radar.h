@@ -42,8 +42,8 @@ inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 /// EnableVirtualRes, AudioOpenRes, AudioCloseRes and DisconnectDeviceRes log "UpdatePortRes error", with their own name
 /// in the prefix.
 ///
-/// SetCurBusinessId and SetProcessName must not run while another thread reports; the other operations are thread-safe.
-/// All throw std::bad_alloc if allocation of a string fails.
+/// SetCurBusinessId and SetProcessName must not run while another thread reports a step; the other operations are
+/// thread-safe. All throw std::bad_alloc if allocation of a string fails.
 class OstraRadar {
 public:
     /// Returns the reporter of the process, which the first call creates and which is never destroyed.

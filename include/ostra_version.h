@@ -13,7 +13,7 @@
 #ifndef OSTRA_VERSION_H
 #define OSTRA_VERSION_H
 
-/** Incremented for incompatible changes of the interface, from version 1.0.0 on. */
+/** Incremented for incompatible changes to the interface, from version 1.0.0 on. */
 #define OSTRA_VERSION_MAJOR 0
 /** Incremented for additions; while the major version is 0, also for incompatible changes. */
 #define OSTRA_VERSION_MINOR 1

@@ -8,7 +8,7 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 uint16_t ExtendCrc16(uint16_t crc, const uint8_t *data, size_t length)
 {
-    constexpr size_t minFoldingLength = 64;  // measured: from this length on never slower than the tables
+    constexpr size_t minFoldingLength = 64;  // measured: never slower than the tables from here on
     return length >= minFoldingLength && HasCarryLessMultiplication() ? ExtendCrc16ByFolding(crc, data, length)
                                                                       : ExtendCrc16ByTables(crc, data, length);
 }

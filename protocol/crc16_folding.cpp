@@ -23,10 +23,10 @@ constexpr size_t STEP_BYTES = LANES * BLOCK_BYTES;
 // Polynomials Using PCLMULQDQ Instruction" (Gopal et al., 2009). A block is low * x^64 + high. Multiplied by x^n,
 // n = 8 * bytes, it has the same remainder as
 //     low * (x^(n + 64) mod P) + high * (x^n mod P),
-// which has less than 128 bits again: folding costs two multiplications and an addition, whatever the distance. The
-// product of two reflected 64-bit numbers has 127 bits; read as a reflected 128-bit number it has an additional factor
-// x, so both powers are lower by one. The 16 bits of a remainder are the low powers of x: the top bits of a reflected
-// number.
+// which again has fewer than 128 bits: folding costs two multiplications and an addition, regardless of the distance.
+// The product of two reflected 64-bit numbers has 127 bits; read as a reflected 128-bit number it has an additional
+// factor x, so both exponents are reduced by one. The 16 bits of a remainder are the low powers of x: the top bits of a
+// reflected number.
 constexpr Block FoldConstants(size_t bytes)
 {
     constexpr uint16_t one = 0x8000;

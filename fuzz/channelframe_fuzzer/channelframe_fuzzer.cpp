@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Operations on one frame object, in any order and with any arguments, compared with a byte string and an offset. And
-// the CRC's implementations, compared with a division by the polynomial.
+// Calls operations of one frame object, in any order and with any arguments, and compares it with a model: a byte
+// string and an offset. Also compares the CRC implementations with bitwise division by the polynomial.
 
 #include <algorithm>
 #include <memory>
@@ -17,7 +17,7 @@ namespace {
 using namespace Fuzz;
 using namespace OHOS::DistributedHardware::OstraAdapter;
 
-constexpr char UNDEFINED = '?';  // content that is not written yet
+constexpr char UNDEFINED = '?';  // content that has not been written
 
 // A number in base 128, lowest digit first; 128 is added to the last digit.
 std::string Encode(uint32_t value)
@@ -119,10 +119,10 @@ uint16_t Divide(const std::vector<uint8_t> &bytes)
     return static_cast<uint16_t>(remainder);
 }
 
-// Compares each implementation, over two pieces of the input.
+// Compares each implementation with the definition; each computes the CRC of the input in two pieces.
 void CheckCrc(const std::string &input)
 {
-    std::vector<uint8_t> bytes(input.begin(), input.end());  // of exact size, as a buffer for Run
+    std::vector<uint8_t> bytes(input.begin(), input.end());  // exact, as in Run
     const uint16_t expected = Divide(bytes);
     const size_t head = input.empty() ? 0 : size_t{bytes[0]} * bytes.back() % (bytes.size() + 1);
     const auto folding = HasCarryLessMultiplication() ? ExtendCrc16ByFolding : ExtendCrc16;

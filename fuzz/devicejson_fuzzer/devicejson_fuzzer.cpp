@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// JSON from a peer: each line of the input is read as a service document, as audio properties, and as the audio
-// capabilities that are a string in audio properties. And a device document to a peer, whose members are taken from the
-// input. The references use cJSON.
+// Reads each line of the input as a service document, as audio properties, and as the capability document in audio
+// properties. Also writes a device document whose members are taken from the input. The references use cJSON.
 
 #include <algorithm>
 #include <memory>
@@ -25,7 +24,7 @@ constexpr int32_t STEP_FAILED = -70004;
 constexpr int32_t INPUT_INVALID = -70005;
 constexpr char VERSIONS[] = "{\n\t\"1\":\t1,\n\t\"2\":\t2,\n\t\"4\":\t2,\n\t\"256\":\t1,\n\t\"512\":\t1\n}";
 
-// Returns how many arrays and objects are open at once.
+// Returns the nesting depth of arrays and objects.
 int Nesting(const cJSON *item)
 {
     int nesting = 0;
@@ -37,7 +36,7 @@ int Nesting(const cJSON *item)
     return nesting + (cJSON_IsArray(item) != 0 || cJSON_IsObject(item) != 0 ? 1 : 0);
 }
 
-// Returns null if the string is not valid JSON or nested too deep. The string ends at its first NUL.
+// Returns null if the string is not valid JSON or is nested too deeply. The string ends at its first NUL.
 JsonTree Parse(const std::string &json)
 {
     JsonTree tree(cJSON_Parse(json.c_str()), cJSON_Delete);
@@ -189,7 +188,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     DHOSTRADeviceServiceJson service;
     DHOSTRAAudioProperties &audioRecord = record.audioProperties_;
     DHOSTRAAudioProperties &audio = service.audioProperties_;
-    audioRecord.audioCodecType_ = audio.audioCodecType_ = 8;  // cleared by the first derivation without a codec
+    audioRecord.audioCodecType_ = audio.audioCodecType_ = 8;  // reset to 0 if there are no codecs
     for (int i = 0; i < MAX_LINES && !input.empty(); ++i) {   // one object reads all lines: it accumulates capabilities
         const std::string line = TakeLine(input);
         ExpectEqual("result for a service", ReadService(line, record), service.Unmarshal(line));

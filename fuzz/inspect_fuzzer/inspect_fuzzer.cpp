@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The subcommands of ostra-inspect: whatever the input, the output is printable, has no more rows than values, is the
-// same in both forms, and takes memory in proportion to the input. The first byte of an input selects the subcommand.
+// Checks the subcommands of ostra-inspect: for any input, all output is printable, text output has no more rows than
+// the report has values, JSON output parses to the same report, and memory use is at most proportional to the input
+// size. The first byte of an input selects the subcommand.
 
 #include <malloc.h>
 
@@ -21,7 +22,7 @@ using namespace Fuzz;
 constexpr size_t MAX_MEMORY_FACTOR = 2000;
 constexpr size_t MAX_BASE_MEMORY = 64 * 1024;
 
-size_t g_memory = 0;  // that cJSON holds for the library and the tool
+size_t g_memory = 0;  // bytes that cJSON has allocated for the library and the tool
 size_t g_maxMemory = 0;
 
 void *Allocate(size_t size)

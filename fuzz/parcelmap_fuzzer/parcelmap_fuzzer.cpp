@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A parcel from another process, read into a map that already has entries; and a map that is written.
+// Reads the input as a parcel into a map that already has entries. Also writes a map to a parcel and reads it back.
 
 #include <cstring>
 #include <map>

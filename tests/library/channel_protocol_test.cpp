@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Failures and log lines; the fuzzer of frames compares all results and the CRC's implementations with references.
+// Tests failures and log lines; channelframe_fuzzer compares all results and the CRC implementations with references.
 
 #include "channel_protocol.h"
 
@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr int SIZE_THAT_CAN_FAIL = 4243;  // only this size: the platform's log copies, too
+constexpr int SIZE_THAT_CAN_FAIL = 4243;  // no other size: the platform's log calls memcpy_s, too
 
 }  // namespace
 

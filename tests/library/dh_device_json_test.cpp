@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Failures and log lines; the fuzzers compare what is read and written with references.
+// Tests failures and log lines; devicejson_fuzzer compares what is read and written with references.
 
 #include "dh_device_json.h"
 
@@ -50,7 +50,7 @@ TEST_F(AudioPropertiesTest, GrowsItsListsWholeOrNotAtAll)
 {
     const std::string profile = R"({\"sampleRate\":44100,\"channel\":3,\"format\":1})";
     const std::string json = R"({"2102":"{\"codecs\":[0,1],\"profiles\":[)" + profile + "," + profile + "]}\"}";
-    std::optional<DHOSTRAAudioProperties> audio(std::in_place);  // renewed each time: the old lists have capacity left
+    std::optional<DHOSTRAAudioProperties> audio(std::in_place);  // new for each run: used lists have spare capacity
     EachFault([&] { CALL(audio->Unmarshal(json)); },
               [&audio] {
                   EXPECT_EQ(audio->codecs_.size() % 2, 0U);

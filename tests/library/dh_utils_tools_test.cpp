@@ -22,7 +22,7 @@
 
 #include "dh_utils_tools_test.txt"
 
-// Fails only for single numbers: the platform's log prints, too.
+// Fails only for the format "%d": the platform's log calls sprintf_s, too.
 int sprintf_s(char *destination, size_t size, const char *format, ...)
 {
     if (std::strcmp(format, "%d") == 0 && Fault::Strikes()) {
@@ -77,7 +77,7 @@ TEST_F(UtilsTest, MasksNumbers)
     EXPECT_TRUE(Fault::Disarm());
 }
 
-// All bits but the six constant ones are set about half the time, and no two in the same identifiers.
+// Each bit except the six constant ones is set in about half of the identifiers, and no two bits are always equal.
 TEST_F(UtilsTest, ReturnsRandomIdentifiers)
 {
     constexpr size_t count = 400;

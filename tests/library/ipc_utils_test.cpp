@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Limits and log lines; the fuzzer of parcels compares what is read and written with a reference.
+// Tests limits and log lines; parcelmap_fuzzer compares what is read and written with a reference.
 
 #include "ipc_utils.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The compiler must warn about this file: the conversion does not fit the argument.
+// The compiler must warn about this file: the format specifier does not match the argument.
 
 #include "ostra_adapter_log.h"
 

@@ -19,7 +19,7 @@ std::function<void()> g_onPublish;
 
 }  // namespace
 
-// Replaces the framework's, which delivers later, from another process.
+// Replaces the framework's function, which delivers asynchronously, from another process.
 int32_t DistributedHardwareFwkKit::PublishMessage(const DHTopic topic, const std::string &message)
 {
     GoldenTest::Record("topic " + std::to_string(static_cast<uint32_t>(topic)) + " " + message);
@@ -60,7 +60,7 @@ TEST_F(OstraContextTest, PublishesTheLastEventOfEachDeviceInOrder)
     CALL(context_.PublishMessage());
 }
 
-// The framework's allocations fail, too, as if a listener threw. A lock that is still held makes the test time out.
+// Allocations in the framework fail, too, as if a listener threw. If the lock is not released, the test times out.
 TEST_F(OstraContextTest, KeepsTheQueueIfAllocationFails)
 {
     const auto queue = [this] {

@@ -10,7 +10,7 @@
 
 #include "ostra_qos_adapter_test.txt"
 
-// These replace the platform's functions, and return what no platform does.
+// These replace the platform's functions, and return values that the platform never returns.
 namespace OHOS::QOS {
 
 int SetQosForOtherThread(enum QosLevel level, int tid)

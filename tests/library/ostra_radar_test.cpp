@@ -12,7 +12,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-// Records an event without the fields of the platform, which change from run to run.
+// Records an event without the fields that the platform adds, which differ from run to run.
 void RecordEvent(const EventListener::Event &event)
 {
     std::string json = event->AsJson();
@@ -22,7 +22,7 @@ void RecordEvent(const EventListener::Event &event)
 
 class OstraRadarTest : public GoldenTest {
 protected:
-    // Writes other events, so that the platform's rate limiter forgets those of the library that it counted.
+    // Writes other events, so that the platform's rate limiter discards its counts of the library's events.
     void SetUp() override
     {
         static const bool isListening = [] {
@@ -72,7 +72,7 @@ TEST_F(OstraRadarTest, ReportsEachStepWithItsKeysInOrder)
     EXPECT_TRUE(CALL(radar_.ServiceStartRes("OnStart", 7, "ignored", 0)));
 }
 
-// Each operation is counted separately, and so are its failures: no number of successes suppresses one.
+// The rate limiter counts operations separately, and failures separately from successes, which never suppress them.
 TEST_F(OstraRadarTest, LogsRefusedEvents)
 {
     for (int i = 0; i < 100; ++i) {
@@ -80,7 +80,7 @@ TEST_F(OstraRadarTest, LogsRefusedEvents)
     }
     CALL(ReportAll(false));
     EXPECT_TRUE(CALL(radar_.AudioOpenRes("F", -1)));
-    EXPECT_FALSE(CALL(radar_.AudioOpenRes(std::string(262145, 'x'), -1)));  // sent, with a warning
+    EXPECT_FALSE(CALL(radar_.AudioOpenRes(std::string(262145, 'x'), -1)));  // written, with a warning
 }
 
 TEST_F(OstraRadarTest, NamesTheHostOfTheBusinessUntilTheProcessNameIsSet)

@@ -57,7 +57,7 @@ void AtExit(void * /* argument */)
     }
 }
 
-// Not with atexit, whose handlers run with the destructors of the program that registers them.
+// Does not use atexit: its handlers run with the destructors of the program that registers them.
 void RegisterOnce()
 {
     [[maybe_unused]] static const int registered = __cxa_atexit(AtExit, nullptr, nullptr);

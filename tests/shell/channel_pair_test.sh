@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Runs the example pair as a user would, and checks its output and exit status. Also checks that scripts/demo rejects
 # the same arguments before it builds anything, and that docs/wire-formats.md shows the messages of the pair.
-# Usage: channel_pair_test.sh COMMAND [WORD ...]
+# Usage: channel_pair_test.sh COMMAND [ARGUMENT ...]
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)

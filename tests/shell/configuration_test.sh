@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Configures the project as other projects and packagers do, without building it: there is a default build type, a
-# static build is refused, the pkg-config file keeps absolute directories, the version comes from ostra_version.h, and a
-# parent project can install and export what links to the library.
+# static build is rejected, the pkg-config file keeps absolute directories, the version comes from ostra_version.h, and
+# a parent project can install and export targets that link to the library.
 # Usage: configuration_test.sh SOURCE_DIRECTORY, with CMAKE, CC and CXX in the environment
 set -euo pipefail
 

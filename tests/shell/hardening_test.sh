@@ -43,7 +43,7 @@ for library in "$@"; do
         AArch64) mark='paciasp|bti' ;;
         *) continue ;;
     esac
-    # By address: without optimization, the symbols of a constructor share one.
+    # Compares addresses instead of names: without optimization, the symbols of a constructor share an address.
     unmarked=$({
         sed -nE 's/^ *[0-9]+: 0*([0-9a-f]+) .* FUNC +(GLOBAL|WEAK) +DEFAULT +[0-9].*/\1/p' <<<"$symbols" | sort -u
         echo "$code"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Tests the environment variables for events, parameters and the log. A FIFO must never block.
+# Tests the environment variables for events, parameters and the log. Opening a FIFO must never block.
 # Usage: host_environment_test.sh COMMAND..., where COMMAND runs the program of tests/host/environment.cpp
 set -euo pipefail
 
@@ -55,7 +55,7 @@ run OSTRA_HOST_PARAMETER_FILE "$folder/parameters" <&- # the file gets descripto
 expect 'parameters without standard input' 'file is from file'
 ! grep '# a=1' "$folder/output" || { echo 'FAILED: a comment is reported'; exit 1; }
 
-# level VALUE DELIVERED LINE...: checks the level and message of each line in the log, which must be one write each.
+# level VALUE DELIVERED LINE...: checks the level and message of each log line; each must be a single write.
 level() {
     local value=$1 delivered=$2 today process
     shift 2

@@ -45,7 +45,7 @@ expect() {
     done <<<"$strings"
 }
 
-# examples KIND COUNT: the worked examples of one kind, one per line, without comments.
+# examples KIND COUNT: writes the worked examples of one kind to a file, one per line, without comments.
 examples() {
     sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/d;s|  // .*||;p}" "$page" |
         sed -e ':a' -e '$!N;s/\n / /;ta' -e 'P;D' >"$folder/$1"
@@ -107,8 +107,9 @@ check_documents() {
     done <"$folder/audio"
 }
 
-# Prints a parcel with these entries in hexadecimal.
+# words NUMBER...: prints 32-bit little-endian words in hexadecimal.
 words() { for number in "$@"; do printf '%02x%02x%02x%02x' $((number & 255)) $((number >> 8 & 255)) 0 0; done; }
+# compose ENTRY...: prints a parcel with these entries in hexadecimal.
 compose() {
     local entry
     words "$#"
@@ -119,14 +120,14 @@ compose() {
     done
 }
 
-# The accepted entries, composed in ascending order, must be the parcel that a reader would write.
+# A parcel of the accepted entries, in ascending order of keys, must equal the parcel in the example.
 check_parcels() {
     local line entries accepted
     examples parcel 4
     while IFS= read -r line; do
         IFS=, read -r -a entries <<<"${line%%=>*}"
         entries=("${entries[@]# }")
-        # Of equal keys the last one counts.
+        # The last entry with a key replaces earlier ones.
         mapfile -t accepted < <("$inspect" parcel "$(compose "${entries[@]% }")" |
             sed -n 's/^  key \([^ ]*\)  value \(.*\)/\1#\2/p' | sed 's/(empty)//' |
             awk -F'#' '{ map[$1] = $0 } END { for (key in map) print map[key] }' | sort -n)
@@ -146,7 +147,7 @@ check_events() {
     OSTRA_HOST_LOG_LEVEL=off OSTRA_HOST_EVENT_OUTPUT=$PWD/written "$pair" --seconds 0.2 >"$folder/out" 2>&1
     expect 0 $'ServiceStartRes ok source\nDisconnectDeviceRes ok sink calls dsoftbus' events written
     [ "$(wc -l <"$folder/out")" = "$(($(wc -l <written) + 1))" ] || fail 'not a row for every event'
-    # An event is printed before the next one arrives.
+    # Each event must be printed before the next one arrives.
     mkfifo pipe
     "$inspect" events - <pipe >"$folder/out" &
     exec 3>pipe

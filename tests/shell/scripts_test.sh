@@ -30,7 +30,7 @@ message=$(scripts/test bench 2>&1) && fail "scripts/test accepts a preset withou
 [[ ${message#*presets: } == *host* && ${message#*presets: } != *bench* ]] ||
     fail "scripts/test does not list the presets with tests: $message"
 
-# Two rounds in which an operation takes TIME1 and TIME2 times as long as its baseline, with a bar of 1.6.
+# Two rounds in which an operation takes TIME1 and TIME2 times as long as its baseline, with a limit of 1.6.
 while read -r time1 time2 result status; do
     for i in 1 2; do
         time=time$i

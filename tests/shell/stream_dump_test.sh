@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Runs the commands of the page on stream dumps on a stream of the example pair, and compares the measured values with
-# those on the page. Plays to no device. Usage: stream_dump_test.sh PAGE CHANNEL_PAIR
+# those on the page. Plays to a null device. Usage: stream_dump_test.sh PAGE CHANNEL_PAIR
 set -euo pipefail
 
 page=$(realpath "$1")

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Replaces the allocation functions of a program and its libraries. The forms that are missing call these.
+// Replaces the allocation functions of a program and its libraries. The default versions of the other overloads call
+// these.
 
 #include "support/fault.h"
 

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Fault injection, one failure at a time. GoldenTest::EachFault lets everything that can fail fail once: in a program
-// that links fault.cpp these are the allocations of C++ and cJSON, and in any program the functions that a test
-// replaces.
+// Fault injection, one failure at a time. GoldenTest::EachFault makes each failure point fail once. Failure points are
+// the functions that a test replaces and, in a program that links fault.cpp, the allocations of C++ and cJSON.
 
 #ifndef TESTS_FAULT_H
 #define TESTS_FAULT_H
@@ -10,16 +9,16 @@
 #include <cstdint>
 #include <utility>
 
-// Anything that can fail asks Strikes() whether to fail now. Each thread has its own count.
+// A failure point fails if Strikes() returns true. Each thread counts its own calls.
 class Fault {
 public:
-    // Lets call number `ordinal` of Strikes(), counted from 0, return true.
+    // Makes call number `ordinal` of Strikes(), counted from 0, return true.
     static void Arm(int ordinal)
     {
         countdown_ = ordinal;
     }
 
-    // Returns true if that call was made.
+    // Stops counting, and returns true if that call was made.
     static bool Disarm()
     {
         return std::exchange(countdown_, -1) < 0;
@@ -30,7 +29,7 @@ public:
         return countdown_ >= 0 && countdown_-- == 0;
     }
 
-    // While it exists, nothing fails and nothing is counted.
+    // Suspends faults and counting during its lifetime.
     class Pause {
     public:
         ~Pause()
@@ -46,7 +45,7 @@ private:
     inline static thread_local int countdown_ = -1;
 };
 
-// Returns the number of allocations of C++ and cJSON, in the program and its libraries, that are not freed.
+// Returns the number of live allocations of C++ and cJSON in the program and its libraries.
 int64_t LiveBlocks();
 
 #endif  // TESTS_FAULT_H

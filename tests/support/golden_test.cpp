@@ -16,8 +16,8 @@ namespace {
 bool g_isRecording = false;
 std::string g_recorded;
 
-// Shows bytes that are not printable, and a space at the end, as <E9>, and long messages by their length. Further lines
-// begin with a bar.
+// Escapes non-printable bytes and a trailing space in the form <E9>, replaces a long message by its length, and starts
+// continuation lines with a bar.
 std::string Printable(const std::string &message)
 {
     constexpr size_t maxLength = 2000;

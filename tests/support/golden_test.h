@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Golden tests: what is logged, published and written during the calls of a test is compared with a golden file, the
-// section of the test in PROGRAM_test.txt next to PROGRAM_test.cpp. Return values and fields are compared in the test.
+// Golden tests compare what the calls of a test log, publish and write with a golden file: the section of the test in
+// PROGRAM_test.txt, next to PROGRAM_test.cpp. Tests compare return values and fields themselves.
 //
 //     using ChannelProtocolTest = GoldenTest;
 //     TEST_F(ChannelProtocolTest, RejectsNegativeSize)
@@ -10,8 +10,8 @@
 //         EXPECT_FALSE(CALL(frame.Create(5, -1)));     // frame.Create(5, -1)
 //     }                                                //     E [ostraadapterutils][Create]:...
 //
-// A program includes its golden file behind this header. scripts/update-golden rewrites the files. Only log lines of
-// the library's type, domain and tag are recorded, and no debug lines, which a device does not deliver. Not
+// A program includes its golden file after this header. scripts/update-golden rewrites the files. Only log lines of the
+// library's type, domain and tag are recorded, without debug lines, which a device does not deliver by default. Not
 // thread-safe.
 
 #ifndef TESTS_GOLDEN_TEST_H
@@ -25,15 +25,15 @@
 // The contents of PROGRAM_test.txt, which defines it.
 extern const char *const GOLDEN_FILE;
 
-// Makes a call, and records its source and what follows from it.
+// Evaluates a call, and records its source text and its effects.
 #define CALL(...) (Recording(#__VA_ARGS__), __VA_ARGS__)
 
 class GoldenTest : public ::testing::Test {
 public:
-    // Records a message if it follows from a CALL.
+    // Records a message if a CALL is in progress.
     static void Record(const std::string &message);
 
-    // Records a string of the test itself.
+    // Records a line, whether or not a CALL is in progress.
     static void Note(const std::string &line);
 
 protected:
@@ -45,9 +45,9 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Runs `act` repeatedly, letting the next of the things that can fail (see fault.h) fail, until nothing does. Each
-    // time it then runs `check`, in which nothing fails. Records each different outcome once; but not those of an `act`
-    // that throws std::bad_alloc, which depend on how the C++ library allocates.
+    // Runs `act` repeatedly, each time with a fault at the next failure point (see fault.h), until a run has no fault.
+    // Runs `check` after each run, without faults. Records each distinct outcome once, except those of runs that throw
+    // std::bad_alloc, which depend on how the C++ library allocates.
     static void EachFault(
         const std::function<void()> &act, const std::function<void()> &check = [] {});
 };
