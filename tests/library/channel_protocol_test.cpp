@@ -20,14 +20,14 @@
 
 namespace {
 
-constexpr int SIZE_THAT_CAN_FAIL = 4243;  // no other size: the platform's log calls memcpy_s, too
+constexpr int FAILING_COPY_SIZE = 4243;  // no other size: the platform's log calls memcpy_s, too
 
 }  // namespace
 
 errno_t memcpy_s(void *destination, size_t destinationSize, const void *source, size_t count)
 {
     static const auto platformCopy = reinterpret_cast<decltype(&memcpy_s)>(dlsym(RTLD_NEXT, "memcpy_s"));
-    const bool fails = destinationSize == SIZE_THAT_CAN_FAIL && Fault::Strikes();
+    const bool fails = destinationSize == FAILING_COPY_SIZE && Fault::ShouldFail();
     return fails ? -1 : platformCopy(destination, destinationSize, source, count);
 }
 
@@ -59,7 +59,7 @@ TEST_F(ChannelProtocolTest, RejectsInvalidArguments)
     EXPECT_FALSE(CALL(frame.ReadEA(ea, -1)));
 }
 
-TEST_F(ChannelProtocolTest, RejectsSizesPastIntMaxBeforeItAllocates)
+TEST_F(ChannelProtocolTest, RejectsOversizedFramesWithoutAllocating)
 {
     for (const auto &[value, maxSize] : {std::pair(5, INT_MAX - 1), {-1, INT_MAX - 4}}) {
         for (const bool fits : {true, false}) {
@@ -76,7 +76,7 @@ TEST_F(ChannelProtocolTest, RejectsSizesPastIntMaxBeforeItAllocates)
 
 TEST_F(ChannelProtocolTest, ReturnsFalseIfAllocationOrCopyingFails)
 {
-    unsigned char bytes[SIZE_THAT_CAN_FAIL] = {};
+    unsigned char bytes[FAILING_COPY_SIZE] = {};
     for (const bool isReceived : {false, true}) {
         EachFault([&] {
             unsigned char earlier = 0;  // replaced, not released
@@ -84,10 +84,10 @@ TEST_F(ChannelProtocolTest, ReturnsFalseIfAllocationOrCopyingFails)
             frame.bufferSize_ = 3;
             frame.offset_ = 2;
             frame.protocolBuffer_ = &earlier;
-            const bool isCreated = isReceived ? CALL(frame.CreateFromBuffer(bytes, SIZE_THAT_CAN_FAIL))
-                                              : CALL(frame.Create(5, SIZE_THAT_CAN_FAIL - 1));
+            const bool isCreated = isReceived ? CALL(frame.CreateFromBuffer(bytes, FAILING_COPY_SIZE))
+                                              : CALL(frame.Create(5, FAILING_COPY_SIZE - 1));
             EXPECT_EQ(isCreated, frame.GetBuffer() != nullptr);
-            EXPECT_EQ(frame.GetBufferSize(), isCreated ? SIZE_THAT_CAN_FAIL : 3);
+            EXPECT_EQ(frame.GetBufferSize(), isCreated ? FAILING_COPY_SIZE : 3);
             EXPECT_EQ(frame.offset_, !isCreated ? 2 : isReceived ? 0 : 1);
         });
     }

@@ -46,7 +46,7 @@ TEST_F(AudioPropertiesTest, LogsWhatItReadsAndDerives)
     EXPECT_EQ(CALL(audio.UnmarshalAudioProfiles(nullptr)), OSTRA_JSON_ROOT_MISSING);
 }
 
-TEST_F(AudioPropertiesTest, GrowsItsListsWholeOrNotAtAll)
+TEST_F(AudioPropertiesTest, ExtendsListsCompletelyOrNotAtAll)
 {
     const std::string profile = R"({\"sampleRate\":44100,\"channel\":3,\"format\":1})";
     const std::string json = R"({"2102":"{\"codecs\":[0,1],\"profiles\":[)" + profile + "," + profile + "]}\"}";

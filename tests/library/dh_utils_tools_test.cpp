@@ -25,7 +25,7 @@
 // Fails only for the format "%d": the platform's log calls sprintf_s, too.
 int sprintf_s(char *destination, size_t size, const char *format, ...)
 {
-    if (std::strcmp(format, "%d") == 0 && Fault::Strikes()) {
+    if (std::strcmp(format, "%d") == 0 && Fault::ShouldFail()) {
         return -1;
     }
     va_list arguments;
@@ -133,7 +133,7 @@ TEST_F(UtilsTest, WritesFourBigEndianBytes)
     EXPECT_EQ(bytes, (std::vector<uint8_t>{0xEE, 0x12, 0xF4, 0x86, 0xF8, 0xEE, 0xEE, 0xEE}));
 }
 
-TEST_F(UtilsTest, AcceptsTheNumbersOfThePatternOnly)
+TEST_F(UtilsTest, CheckIsNumMatchesNumberPattern)
 {
     const std::regex pattern(NUMBER_PATTERN);
     for (int byte = 0; byte < 256; ++byte) {
@@ -206,7 +206,7 @@ DHConnectInfo MakeConnection()
     return {"source-network-id-0001", "sink", "10.0.0.1", "192.168.1.10", "AA:BB", "info", {1, 2}, 8080, "param"};
 }
 
-TEST_F(ConnectInfoTest, IsPrintedMasked)
+TEST_F(ConnectInfoTest, StringIsMasked)
 {
     Note(DHConnectInfo().String());
     Note(MakeConnection().String());
@@ -240,7 +240,7 @@ TEST_F(ConnectInfoTest, OrdersByTheBytesOfItsKey)
     }
 }
 
-TEST_F(ConnectInfoTest, IsCopiedWholeIntoADevice)
+TEST_F(ConnectInfoTest, DeviceCopiesAllFields)
 {
     DHConnectInfo info = MakeConnection();
     const DHConnectDevice device(-7, DHBusinessId{0xFFFFFFFF}, DHChannelType{0xFFFFFFFE}, info);

@@ -11,7 +11,7 @@ namespace {
 
 using OstraAdapterLogTest = GoldenTest;
 
-TEST_F(OstraAdapterLogTest, PassesEachLevelOn)
+TEST_F(OstraAdapterLogTest, ForwardsLevels)
 {
     for (int level = -1; level <= 4; ++level) {
         CALL(DHLog(static_cast<DHLogLevel>(level), "level %d of %s", level, "%{private}s"));

@@ -90,7 +90,7 @@ TEST_F(OstraContextTest, ReleasesTheDocumentBeforeItPublishes)
     EXPECT_TRUE(Published().empty());
 }
 
-TEST_F(OstraContextTest, PublishesWhatIsQueuedMeanwhileWithTheNextCall)
+TEST_F(OstraContextTest, PublishesEventsQueuedDuringPublishNextTime)
 {
     std::future<void> queuing;
     g_onPublish = [&] {
@@ -109,7 +109,7 @@ TEST_F(OstraContextTest, PublishesWhatIsQueuedMeanwhileWithTheNextCall)
     EXPECT_EQ(Published(), first_);
 }
 
-TEST_F(OstraContextTest, QueuesANotificationWholeOrNotAtAll)
+TEST_F(OstraContextTest, KeepsTheQueueIfQueueingFails)
 {
     const std::string event(100, 'x');
     for (const std::string device : {"1", "2"}) {

@@ -12,7 +12,7 @@ namespace {
 
 using DeviceServiceTest = GoldenTest;
 
-TEST_F(DeviceServiceTest, PacksCompactJsonAndShowsItselfMasked)
+TEST_F(DeviceServiceTest, PacksCompactJsonAndMasksString)
 {
     const OSTRADeviceService services[] = {
         {},

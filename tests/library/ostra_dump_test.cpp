@@ -60,7 +60,7 @@ protected:
     const std::string path_ = DUMP_PATH_PREFIX + name_;
 };
 
-TEST_F(OstraDumpTest, KeepsTheLastOrAllBytesAsTheParameterSays)
+TEST_F(OstraDumpTest, TruncatesOrAppendsByMode)
 {
     const std::string first("fir\0st", 6);
     const std::pair<std::string, std::string> cases[] = {{"-1", "no file"},
@@ -131,7 +131,7 @@ TEST_F(OstraDumpTest, OpensFilesInTheCurrentModeAndClosesThem)
     }
 }
 
-TEST_F(OstraDumpTest, LogsWhatTheDiskDoesNotAccept)
+TEST_F(OstraDumpTest, LogsWriteErrors)
 {
     ASSERT_EQ(symlink("/dev/full", path_.c_str()), 0);
     InitWith("w");

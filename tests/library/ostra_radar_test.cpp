@@ -73,7 +73,7 @@ TEST_F(OstraRadarTest, ReportsEachStepWithItsKeysInOrder)
 }
 
 // The rate limiter counts operations separately, and failures separately from successes, which never suppress them.
-TEST_F(OstraRadarTest, LogsRefusedEvents)
+TEST_F(OstraRadarTest, LogsRejectedEvents)
 {
     for (int i = 0; i < 100; ++i) {
         ReportAll(true);
@@ -83,7 +83,7 @@ TEST_F(OstraRadarTest, LogsRefusedEvents)
     EXPECT_FALSE(CALL(radar_.AudioOpenRes(std::string(262145, 'x'), -1)));  // written, with a warning
 }
 
-TEST_F(OstraRadarTest, NamesTheHostOfTheBusinessUntilTheProcessNameIsSet)
+TEST_F(OstraRadarTest, ProcessNameOverridesHostOfBusinessId)
 {
     for (int businessId = -1; businessId <= 11; ++businessId) {
         radar_.SetCurBusinessId(businessId);

@@ -118,7 +118,7 @@ TEST(SmallStack, SufficesToLogAndToReadDeepDocuments)
 }
 
 // In a process of its own, since the random device is opened once.
-TEST(Unwinding, OpensTheRandomDeviceAgainAfterAFailure)
+TEST(Unwinding, ReopensTheRandomDeviceAfterAFailure)
 {
     const auto use = [] {
         rlimit files = {};

@@ -246,7 +246,7 @@ expect_demo 0 "$("${pair[@]}" --help)" --help
 # The worked examples of messages; a line that starts with a space continues the previous one.
 printf hi >"$folder/hi"
 expect 0 '' --trace "$folder/trace" "$folder/hi"
-(sleep 0.2) | expect 0 '' --trace "$folder/idle" --timeout 0.4 -
+(sleep 2) | expect 0 '' --trace "$folder/idle" --timeout 0.4 -
 examples=0
 while read -r message; do
     grep -qxF "$message " "$folder/trace" "$folder/idle" || fail "the pair does not send this message: $message"

@@ -17,7 +17,7 @@ std::atomic<int64_t> g_liveBlocks{0};
 
 void *Allocate(size_t size)
 {
-    void *const block = Fault::Strikes() || size > PTRDIFF_MAX ? nullptr : std::malloc(size);
+    void *const block = Fault::ShouldFail() || size > PTRDIFF_MAX ? nullptr : std::malloc(size);
     g_liveBlocks += block == nullptr ? 0 : 1;
     return block;
 }

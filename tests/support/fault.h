@@ -9,10 +9,10 @@
 #include <cstdint>
 #include <utility>
 
-// A failure point fails if Strikes() returns true. Each thread counts its own calls.
+// A failure point fails if ShouldFail() returns true. Each thread counts its own calls.
 class Fault {
 public:
-    // Makes call number `ordinal` of Strikes(), counted from 0, return true.
+    // Makes call number `ordinal` of ShouldFail(), counted from 0, return true.
     static void Arm(int ordinal)
     {
         countdown_ = ordinal;
@@ -24,7 +24,7 @@ public:
         return std::exchange(countdown_, -1) < 0;
     }
 
-    static bool Strikes()
+    static bool ShouldFail()
     {
         return countdown_ >= 0 && countdown_-- == 0;
     }
