@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Writes log messages and events and reads parameters, for host_environment_test.sh, which sets the environment
-// variables of the host platform and checks what is printed here.
+// variables of the host platform and checks the output of this program.
 
 #include <sys/syscall.h>
 #include <unistd.h>

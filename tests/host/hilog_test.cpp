@@ -27,9 +27,9 @@ constexpr unsigned int DOMAIN_ID = 0xD004160;
 constexpr HiLogLabel LABEL = {LOG_CORE, DOMAIN_ID, "T"};
 
 const int g_isUnset = unsetenv("OSTRA_HOST_LOG_LEVEL");
-std::optional<std::string> g_message;  // that the callback received last
+std::optional<std::string> g_message;  // the last one that the callback received
 int g_level = 0;
-int g_interruptions = 0;  // of the next writes
+int g_interruptions = 0;  // how many of the next writes fail with EINTR
 
 void Keep(LogType, LogLevel level, unsigned int, const char *, const char *message)
 {
@@ -52,7 +52,7 @@ extern "C" ssize_t write(int descriptor, const void *data, size_t size)
 
 namespace {
 
-// Returns what `action` writes to standard error, with T for the time and P for process and thread id.
+// Returns what `action` writes to standard error, with T for the time and P for the process and thread ids.
 template <typename Action>
 std::string Output(const Action &action)
 {
@@ -173,7 +173,7 @@ TEST(HiLog, RepeatsAnInterruptedWriteAndReportsAFailedOne)
     });
 }
 
-// SIGPIPE would end the process.
+// SIGPIPE would terminate the process.
 TEST(HiLog, SurvivesAClosedPipe)
 {
     int ends[2] = {};

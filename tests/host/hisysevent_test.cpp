@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// HiSysEvent: replays the recorded and handwritten cases, and tests events that are written by the templates.
+// HiSysEvent: replays the recorded and handwritten cases, and tests events that the templates write.
 
 #include <cJSON.h>
 #include <gtest/gtest.h>
@@ -23,10 +23,10 @@ using ostra::host::EventKeyValue;
 
 namespace {
 
-// Read at the first event. What is written there is in g_output.
+// Read at the first event. The replaced write() also appends the output to g_output.
 const int g_isOutputConfigured = setenv("OSTRA_HOST_EVENT_OUTPUT", "/dev/null", 1);
 std::string g_output;
-size_t g_outputRoom = SIZE_MAX;         // the bytes of the next write that are accepted
+size_t g_outputRoom = SIZE_MAX;         // the number of bytes that a write accepts
 std::atomic<int64_t> g_wallClockMs{0};  // 0: the real time
 
 }  // namespace
@@ -66,7 +66,7 @@ int Write(const std::string &eventName, Types... keyValues)
     return HiSysEvent::Write("Write", ++g_line, "DOMAIN", eventName, HiSysEvent::FAULT, keyValues...);
 }
 
-// Undoes the escapes of JSON and quotes the strings as the recording does.
+// Decodes the escapes of JSON and quotes the strings as the recording does.
 std::string WithoutEscapes(const std::string &json)
 {
     const std::string letters = "bfnrt";
@@ -80,7 +80,7 @@ std::string WithoutEscapes(const std::string &json)
     return result;
 }
 
-// Reduces a list or object of more than `max` parts to the first three.
+// Abbreviates a list or object of more than `max` elements to the first three.
 void Shorten(std::string &json, char open, char close, size_t max)
 {
     const size_t begin = std::min(json.find(open), json.size() - 1) + 1;
@@ -102,7 +102,7 @@ std::string OwnKeys(const std::string &json)
     return own;
 }
 
-// Sets a value as HiSysEvent::Write does. It borrows strings, so that they are kept here.
+// Sets a value as HiSysEvent::Write does. EventKeyValue does not copy strings, so they are kept alive here.
 template <typename T>
 void Set(EventKeyValue &param, const std::string &value)
 {
@@ -176,7 +176,7 @@ Fields WriteKeys(const Fields &in, int type = HiSysEvent::FAULT)
     return {Show(result), isSent ? OwnKeys(Output(begin).back()) : "-"};
 }
 
-// domain, event, COUNT: so many keys K0, K1, ... with numbers; or domain, event, COUNT, LENGTH: T0, T1, ... with
+// domain, event, COUNT: the keys K0, K1, ... with numbers; or domain, event, COUNT, LENGTH: the keys T0, T1, ... with
 // strings
 Fields WriteMany(const Fields &in)
 {
@@ -233,7 +233,7 @@ Fields Listen(const Fields &in)
 
 std::optional<HiSysEventRecord> g_record;
 
-// Reads a key into a variable that holds `before`.
+// Reads a key into a variable that is initialized to `before`.
 template <typename T>
 Operation Gets(const T &before)
 {
@@ -260,7 +260,7 @@ std::vector<std::string> Names(const HiSysEventRecord &record)
     return names;
 }
 
-// Which writes and allocations succeed
+// Send and UseCjson select which writes and allocations succeed.
 Fields Send(const std::string &state)
 {
     g_outputRoom = state == "works" ? SIZE_MAX : state == "fails" ? 0 : Value<size_t>(state);
@@ -294,7 +294,7 @@ int WriteEvents(int count)
 Fields Begin()
 {
     Send("works");
-    Write("FLUSH");  // sends what the case before left behind
+    Write("FLUSH");  // sends the backlog of the previous case
     g_output.clear();
     return {};
 }

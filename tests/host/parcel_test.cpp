@@ -52,7 +52,7 @@ Operation ReadsBlock(const uint8_t *(Parcel::*read)(size_t))
 #define GET(Name) operations[#Name] = Call(+[] { return g_parcel->Name(); });
 #define SET(Name, Type) operations[#Name] = Call(+[](Type value) { return g_parcel->Name(value); });
 
-// Reads into a variable that holds `before`.
+// Reads into a variable that is initialized to `before`.
 #define READ_INTO(name, call, Type, before) \
     operations[name] = Call(+[] {           \
         Type value = before;                \

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// QoS and concurrent task client: replays the recordings over a stand-in for the kernel, and tests the scheduling of
-// threads.
+// QoS and concurrent task client: replays the recordings on a fake kernel, and tests the scheduling of threads.
 
 #include "qos.h"
 
@@ -26,13 +25,13 @@ using namespace replay;
 
 namespace {
 
-// The stand-in for the kernel.
+// The state of the fake kernel.
 bool g_isKernelReplaced = false;
 int g_result = 0;
 int g_level = -1;
 std::string g_request;
 
-// Keeps the request to the stand-in, or passes it to the host platform's function `symbol`.
+// Records the request to the fake kernel, or forwards it to the host platform's function `symbol`.
 template <typename... Arguments>
 int Request(const std::string &request, int tid, const char *symbol, Arguments &&...arguments)
 {

@@ -36,17 +36,17 @@ using Fields = std::vector<std::string>;
 using Operation = std::function<Fields(const Fields &arguments)>;
 using Operations = std::map<std::string, Operation>;
 
-// An operation throws it to skip its case.
+// Thrown by an operation to skip its case.
 struct Skip {};
 
-// Replays a file of `count` cases: from one line "case" to the next, or one per line if there is no such line. Returns
-// the number of skipped cases.
+// Replays a file of `count` cases. A case extends from one line "case" to the next; in a file without such lines, each
+// line is a case. Returns the number of skipped cases.
 size_t Replay(const std::string &name, size_t count, const Operations &operations);
 
 // Splits at a separator outside quotes; "-" and "" have no elements.
 Fields Split(const std::string &field, char separator = ',');
 
-// A string is quoted, with \xNN for a byte.
+// Convert a string to and from its form in a field: in quotes, with \xNN for a byte.
 std::string Unquote(const std::string &field);
 std::string Quote(const std::string &text);
 
@@ -117,7 +117,7 @@ T Value(const std::string &field)
         return static_cast<T>(std::stod(field));
     } else {
         size_t end = 0;
-        const unsigned long long value = std::stoull(field, &end, 0);  // also of a negative number
+        const unsigned long long value = std::stoull(field, &end, 0);  // wraps for a negative number
         return end == field.size() ? static_cast<T>(value) : throw std::invalid_argument("not a number: " + field);
     }
 }
@@ -182,7 +182,7 @@ struct PrintfCall {
     // this machine differs from the recorded one.
     PrintfCall(const Fields &fields, size_t at);
 
-    // Passes format and arguments to `print`, and zeros for the arguments that are not there.
+    // Passes the format and the arguments to `print`, with zeros for missing arguments.
     template <typename Print>
     int Pass(const Print &print) const
     {

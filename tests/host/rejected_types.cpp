@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Does not compile: each case passes a type that a template of the host platform rejects with a message.
+// Must not compile: each case passes a type that a template of the host platform rejects with a message.
 
 #include "hisysevent_record.h"
 #include "refbase.h"

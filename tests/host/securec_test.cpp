@@ -14,7 +14,7 @@ using namespace replay;
 
 namespace {
 
-// Sets the memory to `bytes`, then 5a.
+// Sets the memory to `bytes`, followed by 0x5a bytes.
 void Fill(size_t size, const std::string &bytes = "")
 {
     g_memory = bytes + std::string(size - bytes.size(), '\x5a');

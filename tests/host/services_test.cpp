@@ -31,7 +31,7 @@ static_assert(SUCCEEDED(ERR_OK) && FAILED(ERR_OK - 1));
 
 namespace {
 
-const auto token = std::make_shared<int>();  // shared with every object
+const auto token = std::make_shared<int>();  // every live object holds a reference
 
 struct Object : virtual RefBase {
     std::shared_ptr<int> held = token;
@@ -69,9 +69,9 @@ TEST(RefBase, PointersShareTheCountOfTheObject)
     }
     EXPECT_EQ(raw->GetSptrRefCount(), 1);
     const sptr<Derived> derived = sptr<Derived>::MakeSptr();
-    first = derived;  // ends the first object
+    first = derived;  // destroys the first object
     EXPECT_EQ(token.use_count(), 1 + 1);
-    Object copy(*first);  // counts for itself
+    Object copy(*first);  // has its own count
     copy = *first;
     EXPECT_EQ(copy.GetSptrRefCount(), 0);
     EXPECT_EQ(derived->GetSptrRefCount(), 2);
@@ -95,7 +95,7 @@ TEST(RefBase, WeakPointersExpireWithTheObject)
         weak = &uncounted;
     }
     EXPECT_FALSE(weak.promote());
-    weak = new Derived();  // not counted yet: the first strong pointer owns it
+    weak = new Derived();  // no reference yet: the first strong pointer takes ownership
     EXPECT_TRUE(weak.promote());
     EXPECT_FALSE(weak.promote());
 }
@@ -152,7 +152,7 @@ TEST(FwkKit, PublishesToTheListenersOfTheTopic)
 
 namespace {
 
-std::map<std::string, std::string> g_idFiles;  // content of the files of the machine id; "unreadable" fails
+std::map<std::string, std::string> g_idFiles;  // content of the machine id files; "unreadable" fails to open
 std::string g_hostName;
 
 }  // namespace
@@ -183,7 +183,7 @@ TEST(SoftBus, IdentifiesTheLocalNode)
     constexpr char first[] = "/etc/machine-id";
     constexpr char second[] = "/var/lib/dbus/machine-id";
     const std::string longest(64, 'h');
-    // HMAC-SHA-256, which must not change: peers know this machine by it.
+    // HMAC-SHA-256, which must not change: peers identify this machine by it.
     const std::string idOfMachine = "ba69e395c3d99af5eb2f15cd89311ae60664bced981eb5a40ffacf263e759636";
     const std::string idOfHost = "986c165d586b12c90021b8237569dc019d8b5ed80fa3b360a024809e3b0b7de3";
     const struct {

@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view PUBLIC_MARK = "{public}";
 constexpr std::string_view PRIVATE_MARK = "{private}";
 
-// Parses digits or a star. Returns false if the number exceeds an int.
+// Parses digits, or takes an argument for `*`. Returns false if the number or its negation does not fit in an int.
 bool ParseNumber(const char *&cursor, Arguments &arguments, int &number)
 {
     if (*cursor == '*') {
@@ -65,7 +65,7 @@ void ParsePrivacy(const char *&cursor, Conversion &conversion)
     }
 }
 
-// The platform accepts any number of size letters; the widest counts.
+// The platform accepts any number of length modifiers; the one with the highest precedence applies.
 ConversionSize ParseSize(const char *&cursor)
 {
     struct NamedSize {

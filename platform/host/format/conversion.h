@@ -12,7 +12,7 @@
 
 namespace ostra::host {
 
-/// A copy of a va_list that functions can take by reference.
+/// A copy of a va_list that can be passed by reference.
 class Arguments {
 public:
     explicit Arguments(va_list list)
@@ -40,7 +40,7 @@ private:
 
 constexpr int UNSET_PRECISION = -1;
 
-/// The size letters of a conversion, from the narrowest to the widest.
+/// The length modifier of a conversion, in ascending order of precedence.
 enum class ConversionSize { PLAIN, SHORT, CHAR, SIZE, DIFFERENCE, LONG, LONG_LONG, LONG_DOUBLE };
 
 /// The parts of a conversion such as "%{public}-8.3ld".
@@ -59,8 +59,9 @@ struct Conversion {
     char type = '\0';
 };
 
-/// Parses the conversion after a percent sign and advances `cursor` to its end. Width and precision may come from the
-/// arguments. The type may be a percent sign, which is printed verbatim. Returns false if the conversion is malformed.
+/// Parses the conversion after a percent sign and advances `cursor` to its end. For `*`, takes the width or precision
+/// from the arguments. The type may be a percent sign, which prints itself. Returns false if the conversion is
+/// malformed.
 bool ParseConversion(const char *&cursor, FormatDialect dialect, Arguments &arguments, Conversion &conversion);
 
 }  // namespace ostra::host

@@ -18,9 +18,9 @@ namespace {
 
 constexpr int MAX_PRECISION = 512;  // of integers
 constexpr std::string_view PRIVATE_TEXT = "<private>";
-constexpr auto NO_CHARACTER = static_cast<size_t>(-1);  // as wcrtomb reports it
+constexpr auto NO_CHARACTER = static_cast<size_t>(-1);  // wcrtomb's error result
 
-// An integer of either sign.
+// An integer as sign and magnitude.
 struct Number {
     bool isNegative = false;
     uint64_t magnitude = 0;
@@ -209,7 +209,7 @@ private:
         return PutInteger(conversion, {false, address});
     }
 
-    // Pads the `length` bytes that `put` prints.
+    // Calls `put`, which prints `length` bytes, and pads its output to the width.
     template <typename Putter>
     bool PutPadded(const Conversion &conversion, size_t length, const Putter &put)
     {
@@ -261,7 +261,7 @@ private:
         const size_t limit =
             conversion.precision == UNSET_PRECISION ? SIZE_MAX : static_cast<size_t>(conversion.precision);
         const void *const text = arguments_.Next<const void *>();
-        if (!conversion.isVisible) {  // without reading it: it may be invalid
+        if (!conversion.isVisible) {  // not dereferenced: it may be invalid
             Put(PRIVATE_TEXT);
             return true;
         }
@@ -313,7 +313,8 @@ private:
         if (wanted < 0) {
             return false;
         }
-        // The C library adds a null terminator, which must not overwrite a byte that may yet remain unchanged.
+        // snprintf appends a null terminator. Restore the byte that it overwrites, which must be unchanged if the rest
+        // of the format is invalid.
         const size_t length = std::min(static_cast<size_t>(wanted), Room());
         char &behind = dest_[length_ + length];
         const char kept = behind;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The platform's own formatting, which HiLog and the bounds-checked functions print with. Unlike printf of the C
-// library, it rejects the whole format at a conversion that it does not know (a, A, n, m, positions, the apostrophe).
+// The platform's own printf-style formatting, used by HiLog and the bounds-checked functions. Unlike printf, it rejects
+// the whole format string if it reaches an unsupported conversion (a, A, n, m, positional arguments, the apostrophe).
 
 #ifndef HOST_FORMAT_FORMAT_H
 #define HOST_FORMAT_FORMAT_H
@@ -13,7 +13,7 @@ namespace ostra::host {
 
 enum class FormatDialect {
     SECUREC,
-    HILOG,  // privacy marks, pointers as 16 digits in upper case, strings padded with zeros, `z` as wide as an int
+    HILOG,  // privacy marks; pointers as 16 upper-case digits; strings padded with zeros; `z` as wide as an int
 };
 
 enum class FormatOutcome { COMPLETE, TRUNCATED, INVALID };
@@ -23,9 +23,9 @@ struct FormatResult {
     size_t length;  // of the string in the destination
 };
 
-/// Prints a null-terminated string into `dest`, which holds `size` bytes, at least 1. Stops at the first character that
-/// does not fit, so that an error after it goes unnoticed. Does not terminate the string if the format is invalid.
-/// Never allocates.
+/// Formats into `dest`, a buffer of `size` bytes (at least 1), and null-terminates the result. Stops at the first
+/// character that does not fit, so that an error in the rest of the format is not detected. Does not terminate the
+/// string if the format is invalid. Never allocates.
 FormatResult FormatBounded(char *dest, size_t size, FormatDialect dialect, const char *format, va_list arguments);
 
 }  // namespace ostra::host

@@ -22,7 +22,7 @@ constexpr unsigned int LAST_APP_DOMAIN = 0xFFFF;
 constexpr int LEVEL_OFF = LOG_LEVEL_MAX;
 constexpr int LEVEL_UNSET = LOG_LEVEL_MIN;
 constexpr char LEVEL_VARIABLE[] = "OSTRA_HOST_LOG_LEVEL";
-constexpr size_t KEY_SIZE = 128;  // more than a parameter name can have: a truncated name is invalid
+constexpr size_t KEY_SIZE = 128;  // exceeds the longest parameter name, so that a truncated name is invalid
 
 // Returns the lowest level that is written to standard error.
 int ReadEnvironment()
@@ -49,7 +49,7 @@ int LowestWritten()
     return level;
 }
 
-// Returns the level in the parameter `name`, or else in "persist.sys." + `name`.
+// Returns the level in the parameter `name` or, if it has none, in "persist.sys." + `name`.
 int LevelOfParameter(const char *name, const char *fallback = "")
 {
     constexpr std::string_view letters = "DIWEFX";
@@ -57,7 +57,7 @@ int LevelOfParameter(const char *name, const char *fallback = "")
     for (const char *prefix : {"", "persist.sys."}) {
         char key[KEY_SIZE];
         std::snprintf(key, sizeof(key), "%s%s", prefix, name);
-        char value[2] = "";  // one letter: a longer value is no level
+        char value[2] = "";  // one letter: a longer value is not a level
         GetParameter(key, *prefix == '\0' ? "" : fallback, value, sizeof(value));
         if (const size_t at = letters.find(value); *value != '\0' && at != std::string_view::npos) {
             return LOG_DEBUG + static_cast<int>(at);
@@ -82,8 +82,8 @@ int ReadLowestLevel(unsigned int domain, const char *tag)
     return level != LEVEL_UNSET ? level : LevelOfParameter("hilog.loggable.global", standard);
 }
 
-// Returns the lowest level that the parameters let through. A thread mostly logs under one tag, so it caches the last
-// one.
+// Returns the minimum level according to the parameters. A thread mostly logs with one tag, so each thread caches the
+// last result.
 int LowestLevel(unsigned int domain, const char *tag)
 {
     struct Remembered {
@@ -94,7 +94,7 @@ int LowestLevel(unsigned int domain, const char *tag)
     };
     static thread_local Remembered last = {UINT64_MAX, 0, "", LEVEL_UNSET};
     const uint64_t changes = CountParameterChanges();
-    // A truncated tag never compares equal.
+    // A truncated tag never compares equal, and so is never served from the cache.
     if (last.changes != changes || last.domain != domain || std::strncmp(last.tag, tag, sizeof(last.tag)) != 0) {
         last.level = ReadLowestLevel(domain, tag);
         last.changes = changes;
@@ -104,7 +104,7 @@ int LowestLevel(unsigned int domain, const char *tag)
     return last.level;
 }
 
-// Preference and level of HiLogSetAppLogLevel in one number, so that both change atomically.
+// Preference and level of HiLogSetAppLogLevel, packed into one integer so that both change atomically.
 constexpr int PREFERENCE_UNIT = 16;
 std::atomic<int> g_appLevel{UNSET_LOGLEVEL * PREFERENCE_UNIT};
 

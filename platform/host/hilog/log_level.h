@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Which delivered messages reach standard error. Which are delivered is HiLogIsLoggable (hilog/log_c.h).
+// Decides which delivered messages are written to standard error. HiLogIsLoggable (hilog/log_c.h) decides which
+// messages are delivered.
 
 #ifndef HOST_HILOG_LOG_LEVEL_H
 #define HOST_HILOG_LOG_LEVEL_H

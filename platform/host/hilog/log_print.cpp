@@ -43,7 +43,7 @@ char TypeLetter(LogType type)
     return type >= LOG_APP && type <= LOG_ONLY_PRERELEASE ? letters[type] : '?';
 }
 
-// Writes each line of the message with the prefix, except empty ones. Returns false if one cannot be written.
+// Writes each non-empty line of the message with the prefix. Returns false if a line cannot be written in full.
 bool WriteLines(LogType type, LogLevel level, unsigned int domain, const char *tag, std::string_view message)
 {
     timespec now{};
@@ -72,7 +72,7 @@ bool WriteLines(LogType type, LogLevel level, unsigned int domain, const char *t
     return isWritten;
 }
 
-// `fmt` may be null in spite of its attribute.
+// `fmt` may be null despite the format attribute of the public functions.
 int Print(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, va_list arguments)
 {
     const int errorOfCaller = errno;  // reading the level may change it

@@ -17,12 +17,12 @@ namespace {
 
 constexpr char OUTPUT_VARIABLE[] = "OSTRA_HOST_EVENT_OUTPUT";
 
-// The file or standard error that the events of this process are appended to, if any.
+// The file, or standard error, to which the events of this process are appended, if one is configured.
 class EventOutput {
 public:
     static EventOutput &GetInstance()
     {
-        static auto &instance = *new EventOutput(std::getenv(OUTPUT_VARIABLE));  // threads may write until the end
+        static auto &instance = *new EventOutput(std::getenv(OUTPUT_VARIABLE));  // threads may write during exit
         return instance;
     }
 
@@ -31,7 +31,7 @@ public:
         return isConfigured_;
     }
 
-    // Appends the event and a line end. If the previous event was written in part, ends its line first.
+    // Appends the event and a newline. If the previous event was written only partially, ends its line first.
     bool Append(const std::string &json)
     {
         const std::lock_guard<std::mutex> lock(mutex_);

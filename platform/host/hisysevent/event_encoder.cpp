@@ -18,7 +18,8 @@ using namespace OHOS::HiviewDFX;
 namespace ostra::host {
 namespace {
 
-// Sizes of the parts of an encoded event. The platform's limit is recorded to within 8 bytes; these sums meet it there.
+// Sizes of the parts of an encoded event. The recordings determine the platform's limit to within 8 bytes; with these
+// sizes, the host's limit is in that range.
 constexpr size_t HEADER_SIZE = 88;
 constexpr size_t KEY_OVERHEAD = 1;
 constexpr size_t VALUE_OVERHEAD = 1;
@@ -52,8 +53,8 @@ bool IsControl(char character)
     return static_cast<unsigned char>(character) < ' ' || character == deleteCharacter;
 }
 
-// Prints nine digits of a float, and of a double as few as identify it. Without an exponent up to 15 digits, in any
-// locale.
+// Formats a float with nine significant digits, and a double with the fewest that identify it (no exponent up to 15
+// digits). Independent of the locale.
 std::string FormatNumber(const EventScalar &scalar)
 {
     if (!std::isfinite(scalar.floating)) {
@@ -147,7 +148,7 @@ void EventEncoder::AddScalar(const EventScalar &scalar)
     size_ += NUMBER_SIZE;
 }
 
-// The platform, too, sends strings with their escapes, so that these count.
+// The platform also sends strings with their escapes, so the escapes count towards the size.
 void EventEncoder::AddString(std::string_view string)
 {
     AbortIfNull(string, "string");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Encodes an event as JSON, and counts the bytes that the platform's own encoding of it takes.
+// Encodes an event as JSON, and computes its size in the platform's own encoding.
 
 #ifndef HOST_HISYSEVENT_EVENT_ENCODER_H
 #define HOST_HISYSEVENT_EVENT_ENCODER_H
@@ -19,7 +19,7 @@ public:
     // Starts an event of the calling thread with the current time.
     EventEncoder(const std::string &domain, const std::string &eventName, int type);
 
-    // Adds a key and its value within the limits of the platform.
+    // Adds a key and its value, subject to the platform's limits.
     void Add(const EventKeyValue &param);
 
     // Returns the last warning, or SUCCESS.
@@ -33,7 +33,7 @@ public:
         return size_ > OHOS::HiviewDFX::MAX_DATA_SIZE;
     }
 
-    // Returns the whole event, without a line end.
+    // Returns the whole event, without a newline.
     std::string Json() const
     {
         return json_ + '}';

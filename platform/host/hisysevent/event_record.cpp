@@ -16,7 +16,7 @@ constexpr int NOT_JSON = -1;
 constexpr int NO_SUCH_KEY = -2;
 constexpr int OTHER_TYPE = -3;
 
-// The fields that the platform adds to an event, with the functions that return them.
+// The fields that the platform adds to an event, with their getters.
 #define PLATFORM_FIELDS(FIELD)                                   \
     FIELD("domain_", GetDomain, std::string, std::string)        \
     FIELD("name_", GetEventName, std::string, std::string)       \
@@ -37,7 +37,7 @@ enum class Kind { NUMBER, STRING, OTHER };
 
 struct Scalar {
     Kind kind;
-    std::string text;  // of a number its characters in the JSON document
+    std::string text;  // for a number, its characters in the JSON document
     double number;
 };
 
@@ -47,8 +47,8 @@ struct Field {
     std::vector<Scalar> values;
 };
 
-// Reads the fields of an object. The numbers of cJSON are doubles, which hold 53 bits only, so the characters of each
-// number are taken from the document, which has the numbers in the same order.
+// Reads the fields of an object. cJSON stores numbers as doubles, which have only 53 bits of precision, so the
+// characters of each number are taken from the document, where the numbers occur in the same order.
 class FieldReader {
 public:
     explicit FieldReader(std::string_view json) : json_(json)

@@ -21,7 +21,7 @@ class Backlog {
 public:
     static Backlog &GetInstance()
     {
-        static auto &instance = *new Backlog;  // never destroyed: threads may write until the very end
+        static auto &instance = *new Backlog;  // never destroyed: threads may write during exit
         return instance;
     }
 

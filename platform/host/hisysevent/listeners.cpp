@@ -47,7 +47,7 @@ struct Registry {
 
 Registry &ProcessRegistry()
 {
-    static Registry &registry = *new Registry;  // never destroyed: threads may write until the very end
+    static Registry &registry = *new Registry;  // never destroyed: threads may write during exit
     return registry;
 }
 

@@ -18,7 +18,7 @@ constexpr size_t MAX_SITE_KEY_LENGTH = 256;
 
 struct Budget {
     std::string key;
-    int64_t periodBegin;  // in seconds of the wall clock
+    int64_t periodBegin;  // wall-clock time in seconds
     uint32_t count;
 };
 using Budgets = std::list<Budget>;  // most recently used first
@@ -50,7 +50,7 @@ Budget &FindBudget(Budgets &budgets, std::string key)
 
 bool IsWithinRateLimit(std::string_view eventName, const EventCallSite &site)
 {
-    static auto &mutex = *new std::mutex;  // never destroyed: threads may write until the very end
+    static auto &mutex = *new std::mutex;  // never destroyed: threads may write during exit
     static auto &budgets = *new Budgets;
     timespec time{};
     clock_gettime(CLOCK_REALTIME, &time);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Limits how many events each call site writes.
+// Limits how many events each call site may write.
 
 #ifndef HOST_HISYSEVENT_RATE_LIMITER_H
 #define HOST_HISYSEVENT_RATE_LIMITER_H
@@ -11,7 +11,7 @@
 
 namespace ostra::host {
 
-/// Counts a write of the call site. Returns false if its budget for the period is used up. Thread-safe.
+/// Counts a write by the call site. Returns false if its budget for the period is used up. Thread-safe.
 bool IsWithinRateLimit(std::string_view eventName, const EventCallSite &site);
 
 }  // namespace ostra::host

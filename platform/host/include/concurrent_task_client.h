@@ -17,7 +17,7 @@ class ConcurrentTaskClient {
 public:
     static ConcurrentTaskClient &GetInstance();
 
-    /// Each logs one INFO line with the tag CONCURRENT_TASK: its numbers, then the pairs in the order of their keys,
+    /// Each logs one INFO line with the tag CONCURRENT_TASK: its name and numbers, then the pairs in key order,
     /// such as "RequestAuth pid=4711 uid=1000", "ReportData 1 2 uid=1000", "ReportSceneInfo 1 uid=1000".
     /// \{
     void RequestAuth(const std::unordered_map<std::string, std::string> &mapPayload);

@@ -22,10 +22,10 @@ constexpr int ERR_DOMAIN_MASKED = -7;  // *
 constexpr int ERR_EMPTY_EVENT = -8;    // *
 constexpr int ERR_RAW_DATA_WROTE_EXCEPTION = -9;
 
-/// Warnings: the event is sent. The host never returns that marked with *.
+/// Warnings: the event is sent. The host never returns the one marked with *.
 constexpr int ERR_KEY_NAME_INVALID = 1;       // the key is dropped
 constexpr int ERR_VALUE_LENGTH_TOO_LONG = 2;  // the string is sent in full
-constexpr int ERR_KEY_NUMBER_TOO_MUCH = 3;    // the keys above MAX_PARAM_NUMBER are dropped
+constexpr int ERR_KEY_NUMBER_TOO_MUCH = 3;    // keys beyond MAX_PARAM_NUMBER are dropped
 constexpr int ERR_ARRAY_TOO_MUCH = 4;         // the first MAX_ARRAY_SIZE elements are sent
 constexpr int ERR_VALUE_INVALID = 5;          // *
 

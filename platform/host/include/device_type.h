@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 /// \file
-/// Types of distributed hardware. A release of the platform may know more types.
+/// Types of distributed hardware. Releases of the platform may define more types.
 
 #ifndef HOST_DEVICE_TYPE_H
 #define HOST_DEVICE_TYPE_H

@@ -24,7 +24,7 @@ public:
     ~DistributedHardwareFwkKit();  // NOLINT(performance-trivially-destructible): replaceable, as all functions here
 
     /// Adds a listener to a topic, and keeps it alive while it is registered. Returns 0, or -1 for TOPIC_MIN, a null
-    /// listener or one that is registered for the topic already.
+    /// listener or a listener that is already registered for the topic.
     int32_t RegisterPublisherListener(const DHTopic topic, sptr<IPublisherListener> listener);
 
     /// Removes a listener from a topic. Returns 0, or -1 if it is not registered for the topic. A message that another

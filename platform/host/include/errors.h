@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 /// \file
-/// Results of the components of the platform: ERR_OK or an error. The host defines no names for errors.
+/// Result codes of platform components: ERR_OK or an error. The host defines no names for individual errors.
 
 #ifndef HOST_ERRORS_H
 #define HOST_ERRORS_H

@@ -34,7 +34,7 @@
 #define HISYSEVENT_THRESHOLD 100
 #endif
 
-/// Calls HiSysEvent::Write for this call site and returns its result. The domain is a constant array of characters.
+/// Calls HiSysEvent::Write for this call site and returns its result. The domain is a constexpr character array.
 #define HiSysEventWrite(domain, ...) OHOS::HiviewDFX::HiSysEvent::Write<domain>(__FUNCTION__, __LINE__, __VA_ARGS__)
 
 /// \cond The form in which HiSysEvent::Write passes an event to the library. Not part of the platform's interface.
@@ -46,7 +46,7 @@ constexpr bool IS_EVENT_STRING = std::is_convertible_v<Value, std::string>;
 template <typename Value>
 constexpr bool IS_EVENT_VALUE = std::is_arithmetic_v<Value> || std::is_enum_v<Value> || IS_EVENT_STRING<Value>;
 
-/// A single value or one element of a vector. Strings are borrowed.
+/// A single value or one element of a vector. Strings are not copied.
 struct EventScalar {
     enum class Kind : uint8_t { SIGNED, UNSIGNED, FLOAT, DOUBLE, STRING };
 
@@ -73,7 +73,7 @@ struct EventScalar {
         return scalar;
     }
 
-    /// A null string has no data; using it ends the process.
+    /// Returns a view without data for a null string; writing such a view aborts the process.
     static std::string_view View(const char *string)
     {
         return string == nullptr ? std::string_view() : std::string_view(string);
@@ -119,7 +119,7 @@ struct EventCallSite {
     uint32_t threshold;
 };
 
-/// HiSysEvent::Write with the number and the types of the values known at run time only.
+/// Like HiSysEvent::Write, for values whose number and types are known only at run time.
 __attribute__((visibility("default"))) int WriteEvent(const EventCallSite &site, const std::string &domain,
                                                       const std::string &eventName, int type,
                                                       const EventKeyValue *params, size_t paramCount);
@@ -146,14 +146,15 @@ public:
     /// `func` and `line` name the call site. `keyValues` are pairs of a key, which is a string, and its value: bool
     /// (written as 1 or 0), an integer or floating type, an unscoped enumeration, std::string, a C string, or a
     /// std::vector of one of these. Control characters are dropped from strings, except tab, line feed, carriage
-    /// return, backspace and form feed; a number that is not finite is written as 0. A null C string ends the process.
+    /// return, backspace and form feed; a number that is not finite is written as 0. A null C string aborts the
+    /// process.
     ///
     /// Returns the first of these errors that applies, and the event is not sent:
-    ///   - -6: rate limit exceeded. A call site may write HISYSEVENT_THRESHOLD events in a period, refused ones
-    ///   included.
-    ///     The period begins with its first event and ends with the first that is written more than HISYSEVENT_PERIOD
-    ///     wall-clock seconds later, or earlier than that event. A call site is identified by the first 256 bytes of
-    ///     "EVENTNAME_FUNC_LINE"; the 30 that were used last are remembered.
+    ///   - -6: rate limit exceeded. A call site may write HISYSEVENT_THRESHOLD events in a period, including those that
+    ///     fail with another error. The period begins with its first event and ends with the first that is written more
+    ///     than HISYSEVENT_PERIOD wall-clock seconds later or, if the clock was set back, earlier than that event. A
+    ///     call site is identified by the first 256 bytes of "EVENTNAME_FUNC_LINE"; the 30 most recently used are
+    ///     tracked.
     ///   - -1: invalid domain name (at most 16 characters)
     ///   - -2: invalid event name (at most 32 characters)
     ///   - -4: the encoded event exceeds 384 KiB
@@ -190,7 +191,7 @@ private:
         static_assert(AreKeyValues<Types...>(),
                       "HiSysEvent::Write: after the event type come pairs of a string as key and its value");
         std::array<ostra::host::EventKeyValue, sizeof...(Types) / 2> params{};
-        /// An initializer list instead of a fold expression: compilers limit how deep an expression nests.
+        // An initializer list instead of a fold expression: compilers limit the nesting depth of expressions.
         size_t at = 0;
         const std::initializer_list<int> inOrder = {(Pack(params.data(), at++, keyValues), 0)...};
         static_cast<void>(inOrder);

@@ -17,9 +17,9 @@ class HiSysEventListener {
 public:
     virtual ~HiSysEventListener() = default;
 
-    /// Called for every event that matches one of the rules of the listener, in the writing thread and without a lock;
-    /// several threads may call it at the same time. An exception propagates to the writer, and later listeners do not
-    /// receive the event.
+    /// Called for every event that matches one of the listener's rules, in the writing thread and without holding a
+    /// lock; several threads may call it at the same time. An exception propagates to the writer, and later listeners
+    /// do not receive the event.
     virtual void OnEvent(std::shared_ptr<HiSysEventRecord> sysEvent) = 0;
 
     /// Never called on the host, which has no event service.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 /// \file
-/// Listening to HiSysEvent on the host: passes the events that this process writes to its listeners, in the writing
+/// HiSysEvent listeners on the host: passes the events that this process writes to its listeners, in the writing
 /// thread. All functions are thread-safe and may be called by a listener.
 ///
 ///     std::vector<ListenerRule> rules = {ListenerRule("DOMAIN", "EVENT")};
@@ -22,11 +22,11 @@ namespace OHOS::HiviewDFX {
 /// Registers event listeners.
 class __attribute__((visibility("default"))) HiSysEventManager {
 public:
-    /// From now on passes each event that matches at least one of the rules to the listener, once.
+    /// Registers a listener: each later event that matches at least one of the rules is passed to it once.
     ///
-    /// Returns 0, or without a change:
+    /// Returns 0, or one of these errors without any change:
     ///   - -1: the listener is null
-    ///   - -2: the listener is registered already
+    ///   - -2: the listener is already registered
     ///   - -3: a rule has a type other than WHOLE_WORD, which the host does not support
     static int32_t AddListener(std::shared_ptr<HiSysEventListener> listener, std::vector<ListenerRule> &rules);
 

@@ -18,16 +18,16 @@ namespace OHOS::HiviewDFX {
 /// Reads the fields of an event. Immutable and therefore thread-safe.
 class __attribute__((visibility("default"))) HiSysEventRecord {
 public:
-    /// Parses a JSON object such as AsJson returns. If `json` is anything else, only AsJson is of use: strings are
+    /// Parses a JSON object such as AsJson returns. If `json` is anything else, only AsJson is useful: strings are
     /// empty, numbers are 0, and GetParamValue returns -1.
     explicit HiSysEventRecord(const std::string &json);
 
-    /// Returns the JSON document that the record was created from: one line without a line end for a written event.
+    /// Returns the JSON document that the record was created from: one line without a newline for a written event.
     std::string AsJson() const;
 
     /// Return the fields that the platform adds to an event, empty or 0 if the event lacks them. The host writes no
-    /// level, tag and trace, which come from event definitions and from tracing. GetTime is in ms since the Unix epoch,
-    /// GetTimeZone has the form "+0200".
+    /// level, tag or trace fields, which come from event definitions and from tracing. GetTime is in ms since the Unix
+    /// epoch; GetTimeZone has the form "+0200".
     /// \{
     std::string GetDomain() const;
     std::string GetEventName() const;
@@ -48,11 +48,11 @@ public:
     /// Replaces `params` with the event's own keys in the order in which they were written.
     void GetParamNames(std::vector<std::string> &params) const;
 
-    /// Reads the value of a key: the event's own, or one that the platform adds. Of equal keys the first counts. A
-    /// number without fraction and exponent is an int64_t or uint64_t if it fits; every number is a double; an empty
-    /// list is a vector of any type.
+    /// Reads the value of a key: the event's own, or one that the platform adds. If a key occurs more than once, the
+    /// first is used. A number without fraction and exponent can be read as int64_t or uint64_t if it fits, every
+    /// number as double, and an empty list as a vector of any type.
     ///
-    /// Returns 0, or without changing `value`:
+    /// Returns 0, or one of these errors without changing `value`:
     ///   - -1: the record was not created from a JSON object
     ///   - -2: no such key
     ///   - -3: the value has another type

@@ -10,7 +10,7 @@
 
 namespace OHOS {
 
-/// A parcel without further operations.
+/// Adds no operations to Parcel.
 class MessageParcel : public Parcel {};
 
 }  // namespace OHOS

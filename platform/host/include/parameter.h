@@ -3,8 +3,8 @@
 /// \file
 /// System parameters on the host, private to the process. The first use reads the file that OSTRA_HOST_PARAMETER_FILE
 /// names, with one name=value per line ('#' starts a comment line), then OSTRA_HOST_PARAMETERS, name=value entries
-/// separated by ';', which take precedence. Blanks around an entry are ignored. An entry that SetParameter would reject
-/// is reported on standard error and skipped, and so is a file that cannot be read, a directory or a FIFO. All
+/// separated by ';', which take precedence. Whitespace around an entry is ignored. An entry that SetParameter would
+/// reject is reported on standard error and skipped, and so is a file that cannot be read, a directory or a FIFO. All
 /// functions are thread-safe. A C compiler accepts this header.
 
 #ifndef HOST_PARAMETER_H
@@ -19,7 +19,7 @@ extern "C" {
 /// Copies the value of the parameter `key`, or `def` if it is unset, to `value`, a buffer of `len` bytes, as a
 /// null-terminated string. A parameter with an empty value is set.
 ///
-/// Returns the length of the string, or without changing the buffer:
+/// Returns the length of the string, or one of these errors without changing the buffer:
 ///   - -9: the key or the buffer is null, or the buffer is too small
 ///   - -1: the name is invalid, or the parameter is unset and `def` is null
 int GetParameter(const char *key, const char *def, char *value, uint32_t len);

@@ -53,8 +53,8 @@ public:
     Parcel(const Parcel &) = delete;
     Parcel &operator=(const Parcel &) = delete;
 
-    /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4; of
-    /// those, reading uses the lowest ones. ReadBool returns true for any value but 0.
+    /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4;
+    /// reading uses the low-order bytes. ReadBool returns true for any value but 0.
     /// \{
     // NOLINTBEGIN(bugprone-macro-parentheses): types cannot be put in parentheses
 #define HOST_PARCEL_SCALAR(Name, Type) \
@@ -83,7 +83,7 @@ public:
     /// \}
 
     /// A string of 8-bit or 16-bit characters: its length as a signed 32-bit value, its characters and a null
-    /// terminator, padded. A null string is the length -1 alone.
+    /// terminator, padded. A null string is written as the length -1 only.
     /// \{
     bool WriteString(const std::string &value);
     bool WriteString16(const std::u16string &value);
@@ -91,9 +91,11 @@ public:
     bool WriteString16WithLength(const char16_t *value, size_t length);
     /// \}
 
-    /// Returns an empty string, or false, if the length is negative or 0x7fffffff, characters are missing, or the null
-    /// terminator is missing. In the first case the length is consumed; otherwise the read position is unchanged. The
-    /// padding is ignored, and may be missing. `readLength` receives the length that was consumed.
+    /// Return an empty string, or false, if:
+    ///   - the length is negative or 0x7fffffff; the length is consumed
+    ///   - characters or the null terminator are missing; the read position is unchanged
+    ///
+    /// The padding is ignored, and may be missing. `readLength` receives the length if it is consumed.
     /// \{
     // NOLINTBEGIN(readability-const-return-type): as the platform declares them
     const std::string ReadString();
@@ -112,7 +114,7 @@ public:
     const char *ReadCString();
     /// \}
 
-    /// A block of bytes, padded. Null and empty blocks are rejected. Both functions are the same.
+    /// A block of bytes, padded. Null and empty blocks are rejected. Both functions behave identically.
     /// \{
     bool WriteBuffer(const void *data, size_t size);
     bool WriteUnpadBuffer(const void *data, size_t size);
@@ -121,15 +123,15 @@ public:
     /// A block whose last `typeSize` bytes are written as zeros. Rejects blocks of fewer bytes.
     bool WriteBufferAddTerminator(const void *data, size_t size, size_t typeSize);
 
-    /// Return a block of `length` bytes, which points into the parcel as that of ReadCString does. Only ReadUnpadBuffer
-    /// skips the padding.
+    /// Return a block of `length` bytes: a pointer into the parcel, valid as long as that of ReadCString. Only
+    /// ReadUnpadBuffer skips the padding.
     /// \{
     const uint8_t *ReadBuffer(size_t length);
     const uint8_t *ReadUnpadBuffer(size_t length);
     /// \}
 
-    /// Vectors: the count as a signed 32-bit value, then the elements as above; elements of 8 bits and of UInt16 are
-    /// packed and padded together. Reading returns false, with the count consumed and the vector unchanged, if the
+    /// Vectors: the count as a signed 32-bit value, then the elements as above; 8-bit and UInt16 elements are packed
+    /// and padded as a whole. Reading returns false, with the count consumed and the vector unchanged, if the
     /// count is negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read
     /// are empty.
     /// \{
@@ -152,8 +154,8 @@ public:
 #undef HOST_PARCEL_VECTOR
     /// \}
 
-    /// Sizes in bytes: the data; the data after the read position; the room before the buffer must grow; the buffer;
-    /// the size that writing may grow it to (204800 by default). GetData returns the address of the data.
+    /// Sizes in bytes: the data; the data after the read position; the free space before the buffer must grow; the
+    /// buffer; the size to which writes may grow it (204800 by default). GetData returns the address of the data.
     /// \{
     size_t GetDataSize() const;
     uintptr_t GetData() const;
@@ -166,7 +168,7 @@ public:
     size_t GetWritePosition();
     /// \}
 
-    /// Resizes the buffer, also beyond the maximum capacity. Returns false unless it is larger than the data.
+    /// Resizes the buffer, even beyond the maximum capacity. Returns false unless it is larger than the data.
     bool SetDataCapacity(size_t newCapacity);
 
     /// Sets the size of the data; the write position is unchanged. Returns false if it exceeds the buffer.
@@ -181,16 +183,17 @@ public:
     bool RewindWrite(size_t newPosition);
     /// \}
 
-    /// Advances the read position; beyond the data, to the end of the buffer.
+    /// Advances the read position, or moves it to the end of the buffer if fewer than `bytes` bytes of data follow.
     void SkipBytes(size_t bytes);
 
     /// Frees the buffer. After ParseFrom the parcel remains read-only.
     void FlushBuffer();
 
-    /// Replaces the allocator and owns the new one. Returns false for null and while the parcel has a buffer.
+    /// Replaces the allocator and takes ownership of the new one. Returns false for null and while the parcel has a
+    /// buffer.
     bool SetAllocator(Allocator *allocator);
 
-    /// Takes ownership of a buffer that the allocator of the parcel can free (one of malloc by default), of any size.
+    /// Takes ownership of a buffer of any size that the allocator of the parcel can free (by default one from malloc).
     /// The parcel is read-only afterwards. Returns false, without taking ownership, if the parcel has a buffer already,
     /// or for a null buffer with a size.
     bool ParseFrom(uintptr_t data, size_t size);

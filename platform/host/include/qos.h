@@ -44,7 +44,7 @@ int SetThreadQos(enum QosLevel level);
 int SetQosForOtherThread(enum QosLevel level, int tid);
 /// \}
 
-/// Remove the level of a thread, if any: it is scheduled as the process was when it started.
+/// Remove the level of a thread, if any: the thread is then scheduled as the process was at its start.
 ///
 /// Return 0, or -1 without a change if the process has no such thread or the kernel refuses.
 /// \{
@@ -55,7 +55,7 @@ int ResetQosForOtherThread(int tid);
 /// Get the level that was set for a thread.
 ///
 /// Return 0, or -1 without changing `level` if the process has no such thread, no level was set, or the scheduling of
-/// the thread was changed since.
+/// the thread has been changed since.
 /// \{
 int GetThreadQos(enum QosLevel &level);
 int GetQosForOtherThread(enum QosLevel &level, int tid);

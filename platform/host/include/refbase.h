@@ -10,8 +10,8 @@
 ///     wptr<Listener> watched = listener;
 ///     if (sptr<Listener> alive = watched.promote()) { ... }  // null once the last sptr is gone
 ///
-/// The counts are thread-safe. A pointer object is not: callers must synchronize access to it. Deleting an object that
-/// an sptr owns, and owning it with std::shared_ptr, too, is undefined behaviour.
+/// The counts are thread-safe. A pointer object is not: callers must synchronize access to it. It is undefined behavior
+/// to delete an object that an sptr owns, or to own it with a std::shared_ptr as well.
 
 #ifndef HOST_REFBASE_H
 #define HOST_REFBASE_H
@@ -31,7 +31,7 @@ public:
     RefBase &operator=(const RefBase &other);
     virtual ~RefBase();
 
-    /// Called by sptr. `owner` is ignored. Dropping the last count deletes the object.
+    /// Called by sptr. `owner` is ignored. Releasing the last reference deletes the object.
     void IncStrongRef(const void *owner);
     void DecStrongRef(const void *owner);
 
@@ -44,10 +44,10 @@ private:
 
     using Count = std::atomic<int>;
 
-    /// Increments the count, unless it is null or its object is destroyed.
+    /// Increments the count. Returns false if it is null or its object is destroyed.
     static bool Promote(Count *strong);
 
-    /// Outlives the object for its weak pointers.
+    /// Shared with the weak pointers, and therefore outlives the object.
     std::shared_ptr<Count> strong_ = std::make_shared<Count>(0);
 };
 
@@ -138,7 +138,7 @@ public:
             return nullptr;
         }
         const sptr<T> object(object_);
-        object_->DecStrongRef(this);  // undoes Promote: `object` holds a count now
+        object_->DecStrongRef(this);  // undoes Promote: `object` holds a reference now
         return object;
     }
 

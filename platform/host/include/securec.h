@@ -12,7 +12,7 @@
 ///   - ERANGE_AND_RESET: the result does not fit
 ///   - EOVERLAP_AND_RESET: source and destination overlap
 ///
-/// The last three clear the destination: memory entirely, of a string the first character.
+/// The last three clear the destination: all bytes of memory, the first character of a string.
 
 #ifndef HOST_SECUREC_H
 #define HOST_SECUREC_H
@@ -48,7 +48,7 @@ typedef int errno_t;
 /// a destMax of 0 if count is 0.
 errno_t memset_s(void *dest, size_t destMax, int c, size_t count);
 
-/// Copy `count` bytes. memmove_s accepts overlapping blocks, memcpy_s only a copy onto itself.
+/// Copy `count` bytes. memmove_s accepts overlapping blocks; memcpy_s accepts no overlap but a copy onto itself.
 /// \{
 errno_t memcpy_s(void *dest, size_t destMax, const void *src, size_t count);
 errno_t memmove_s(void *dest, size_t destMax, const void *src, size_t count);
@@ -72,19 +72,19 @@ errno_t strncat_s(char *strDest, size_t destMax, const char *strSrc, size_t coun
 /// Splits a string as strtok_r does. Returns null after the last token, or if the delimiters or the context are null.
 char *strtok_s(char *strToken, const char *strDelimit, char **context);
 
-/// Print. The conversions are d i u o x X c C s S p e E f F g G with the flags and sizes of C; others are rejected. The
-/// precision of an integer is limited to 512.
+/// Print into the destination. The conversions are d i u o x X c C s S p e E f F g G with the flags and length
+/// modifiers of C; others are rejected. The precision of an integer is limited to 512.
 ///
-/// Return the characters written, without the null terminator, or -1:
+/// Return the number of characters written, without the null terminator, or -1:
 ///   - with an empty destination, if the result does not fit, or the format is null or rejected
-///   - with nothing written, if the destination is null or destMax invalid
+///   - with nothing written, if the destination is null or destMax is invalid
 /// \{
 int sprintf_s(char *strDest, size_t destMax, const char *format, ...) __attribute__((format(printf, 3, 4)));
 int vsprintf_s(char *strDest, size_t destMax, const char *format, va_list argList)
     __attribute__((format(printf, 3, 0)));
 /// \}
 
-/// The same for at most `count` characters. For a longer result return -1; the destination then has its first `count`
+/// The same for at most `count` characters. For a longer result return -1; the destination then holds its first `count`
 /// characters if count is less than destMax. If count exceeds SECUREC_STRING_MAX_LEN, the destination is empty.
 /// \{
 int snprintf_s(char *strDest, size_t destMax, size_t count, const char *format, ...)

@@ -27,7 +27,7 @@ typedef struct {
 /// id, so that it is stable and does not reveal that id; without a machine id (no such file, or an empty one) it is
 /// that of the host name. The device name is the host name, and the device type is 0.
 ///
-/// Returns 0, or without changing `info`:
+/// Returns 0, or one of these errors without changing `info`:
 ///   - -1: an argument is null
 ///   - -2: the machine id or the host name cannot be read
 int32_t GetLocalNodeDeviceInfo(const char *pkgName, NodeBasicInfo *info);

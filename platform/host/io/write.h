@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Writes lines to standard error and to files on behalf of a program that knows nothing about it.
+// Writes lines to standard error and to files without affecting the signal handling of the program.
 
 #ifndef HOST_IO_WRITE_H
 #define HOST_IO_WRITE_H
@@ -11,8 +11,9 @@
 
 namespace ostra::host {
 
-/// Writes `data` with one call of write(), so that lines of several threads and processes do not mix. Repeats a call
-/// that a signal interrupts, and never ends the process with SIGPIPE. Returns the bytes written, or -1 and sets errno.
+/// Writes `data` with one call of write(), so that lines of different threads and processes do not interleave. Retries
+/// a call that a signal interrupts, and never terminates the process with SIGPIPE. Returns the number of bytes written,
+/// or -1 and sets errno.
 ssize_t WriteOnce(int descriptor, std::string_view data);
 
 }  // namespace ostra::host

@@ -58,7 +58,7 @@ std::string_view Trim(std::string_view text)
     return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
 }
 
-// Reads the file that OSTRA_HOST_PARAMETER_FILE names. Reports an error and returns what was read until then.
+// Reads the file that OSTRA_HOST_PARAMETER_FILE names. On error, reports it and returns what was read so far.
 std::string ReadFile(const char *path)
 {
     const int descriptor = OpenEnvironmentFile(FILE_VARIABLE, path, O_RDONLY);
@@ -82,7 +82,7 @@ class ParameterStore {
 public:
     static ParameterStore &GetInstance()
     {
-        static auto &instance = *new ParameterStore;  // never destroyed: threads may read until the end
+        static auto &instance = *new ParameterStore;  // never destroyed: threads may read during exit
         return instance;
     }
 

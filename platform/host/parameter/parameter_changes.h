@@ -9,7 +9,7 @@
 
 namespace ostra::host {
 
-/// Returns how often a parameter of this process was set: a cached value is valid while this number is unchanged.
+/// Returns how often parameters of this process were set: a cached value is valid while this number is unchanged.
 /// Thread-safe, and as cheap as reading an integer.
 uint64_t CountParameterChanges();
 

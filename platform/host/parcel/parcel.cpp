@@ -17,11 +17,11 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values in a parcel hav
 
 constexpr size_t DEFAULT_MAX_CAPACITY = 204800;
 constexpr size_t FIRST_CAPACITY = 64;
-constexpr size_t CAPACITY_STEP = 4096;      // the capacity doubles up to here
+constexpr size_t CAPACITY_STEP = 4096;      // the capacity doubles up to this
 constexpr size_t MAX_BYTES = SIZE_MAX / 2;  // so that the sum of two sizes does not overflow
 
-// Returns the capacity for `size` bytes, at most `max`. Large buffers get a spare step, so that single values do not
-// reallocate them each time.
+// Returns the capacity for `size` bytes, at most `max`. Large buffers get an extra step, so that writing single
+// values does not reallocate them each time.
 size_t CapacityFor(size_t size, size_t max)
 {
     if (size > CAPACITY_STEP) {
@@ -41,7 +41,7 @@ size_t PaddedSize(size_t size)
     return (size + alignment - 1) / alignment * alignment;
 }
 
-// memcpy that accepts null addresses for no bytes.
+// memcpy that accepts null pointers if `size` is 0.
 void Copy(void *to, const void *from, size_t size)
 {
     if (size > 0) {
@@ -211,7 +211,7 @@ bool Parcel::ParseFrom(uintptr_t data, size_t size)
     if (data_ != nullptr || (data == 0 && size > 0)) {
         return false;
     }
-    data_ = reinterpret_cast<uint8_t *>(data);  // NOLINT(performance-no-int-to-ptr): the platform passes a number
+    data_ = reinterpret_cast<uint8_t *>(data);  // NOLINT(performance-no-int-to-ptr): the platform passes an integer
     dataSize_ = size;
     dataCapacity_ = size;
     isWritable_ = false;
@@ -287,7 +287,7 @@ const uint8_t *Parcel::Take(size_t size)
 template <typename Stored, typename T>
 bool Parcel::Write(T value)
 {
-    const auto stored = static_cast<Stored>(value);  // NOLINT(bugprone-signed-char-misuse): the sign is widened
+    const auto stored = static_cast<Stored>(value);  // NOLINT(bugprone-signed-char-misuse): sign-extended
     uint8_t *bytes = Append(sizeof(Stored));
     if (bytes == nullptr) {
         return false;
@@ -327,7 +327,7 @@ bool Parcel::WriteChars(const Unit *chars, size_t length)
     return true;
 }
 
-// Sets `length`, too, unless the read position is unchanged.
+// Also sets `length` if it is consumed.
 template <typename Unit>
 bool Parcel::ReadChars(std::basic_string<Unit> &value, int32_t &length)
 {
@@ -361,7 +361,7 @@ bool Parcel::WriteCount(size_t count)
     return count <= INT32_MAX && WriteInt32(static_cast<int32_t>(count));
 }
 
-// Returns false if fewer than `count` elements can follow, of at least `storedSize` bytes each.
+// Returns false if the count is negative, or `count` elements of at least `storedSize` bytes each cannot follow.
 bool Parcel::ReadCount(size_t storedSize, size_t &count)
 {
     const int32_t announced = ReadInt32();

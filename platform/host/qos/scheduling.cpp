@@ -42,7 +42,7 @@ bool IsOwnThread(int tid)
 
 bool Schedule(const Scheduling &wanted, int tid)
 {
-    // The nice value first: if the kernel grants it, it also grants the policy, so that a refusal changes nothing.
+    // Set the nice value first: if the kernel grants it, it also grants the policy, so that a refusal changes nothing.
     const sched_param noRealTimePriority{};
     return setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + wanted.nice) == 0 &&
            sched_setscheduler(tid, wanted.policy, &noRealTimePriority) == 0;
@@ -62,7 +62,7 @@ struct Levels {
 
 Levels &ProcessLevels()
 {
-    static auto &levels = *new Levels;  // never destroyed: threads may ask until the end
+    static auto &levels = *new Levels;  // never destroyed: threads may use it during exit
     return levels;
 }
 

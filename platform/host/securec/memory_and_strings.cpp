@@ -25,7 +25,7 @@ bool Overlap(const void *dest, size_t destSize, const void *src, size_t srcSize)
                                         : Address(dest) != Address(src) && Address(dest) - Address(src) < srcSize;
 }
 
-// The checks that every function makes first. `clear` empties a destination of valid size.
+// The checks common to all functions. `clear` resets a destination of valid size and returns the given code.
 template <typename Clear>
 errno_t CheckPointers(const void *dest, size_t destMax, const void *src, const Clear &clear)
 {
@@ -90,7 +90,7 @@ errno_t AppendString(char *dest, size_t destMax, const char *src, std::optional<
     if (const errno_t code = CheckPointers(dest, destMax, src, clear); code != EOK) {
         return code;
     }
-    if (limit > SECUREC_STRING_MAX_LEN) {  // false without a limit
+    if (limit > SECUREC_STRING_MAX_LEN) {  // false if there is no limit
         return clear(ERANGE_AND_RESET);
     }
     const size_t used = strnlen(dest, destMax);
@@ -99,7 +99,7 @@ errno_t AppendString(char *dest, size_t destMax, const char *src, std::optional<
     if (room == 0 && Address(src) >= Address(dest) + destMax) {
         return clear(EINVAL_AND_RESET);
     }
-    // The platform counts the characters alone, and takes blocks that touch for overlapping ones.
+    // The platform does not count the null terminators, and treats adjacent blocks as overlapping.
     const bool isOverlap = Address(dest) < Address(src) ? Address(dest) + used + length >= Address(src)
                                                         : src != dest && Address(src) + length >= Address(dest);
     if (isOverlap) {

@@ -7,7 +7,7 @@ using namespace ostra::host;
 
 namespace {
 
-// Prints at most destMax - 1 characters. Returns false if the destination cannot be written.
+// Prints at most destMax - 1 characters. Returns false if the destination is null or its size is invalid.
 bool Print(char *dest, size_t destMax, const char *format, va_list arguments, FormatResult &result)
 {
     if (dest == nullptr || destMax == 0 || destMax > SECUREC_STRING_MAX_LEN) {

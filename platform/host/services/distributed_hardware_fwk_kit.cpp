@@ -20,7 +20,7 @@ struct Registry {
 
 Registry &ProcessRegistry()
 {
-    static Registry &registry = *new Registry;  // never destroyed: threads may publish while the process exits
+    static Registry &registry = *new Registry;  // never destroyed: threads may publish during exit
     return registry;
 }
 
@@ -40,7 +40,7 @@ int32_t DistributedHardwareFwkKit::RegisterPublisherListener(const DHTopic topic
     if (std::find(listeners.begin(), listeners.end(), listener) != listeners.end()) {
         return -1;
     }
-    listeners.push_back(listener);  // a copy: the argument keeps the listener alive until the lock is released
+    listeners.push_back(listener);  // not moved: the argument keeps the listener alive until the lock is released
     return 0;
 }
 

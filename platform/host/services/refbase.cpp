@@ -9,7 +9,7 @@ namespace OHOS {
 
 namespace {
 
-// Far below zero: promotions never bring the count of a destroyed object back above zero.
+// Far below zero, so that promotions never bring the count of a destroyed object back above zero.
 constexpr int DESTROYED = INT_MIN / 2;
 
 }  // namespace
@@ -27,7 +27,7 @@ RefBase &RefBase::operator=(const RefBase & /*other*/)  // NOLINT(bugprone-unhan
 
 RefBase::~RefBase()
 {
-    *strong_ = DESTROYED;  // an object may end without any strong pointer
+    *strong_ = DESTROYED;  // an object may never have had a strong pointer
 }
 
 void RefBase::IncStrongRef(const void * /*owner*/)
@@ -37,8 +37,8 @@ void RefBase::IncStrongRef(const void * /*owner*/)
 
 void RefBase::DecStrongRef(const void * /*owner*/)
 {
-    // Dropping the last count and marking the object as destroyed is one step, so that no weak pointer revives it
-    // between.
+    // Releasing the last reference and marking the object as destroyed is one atomic step, so that no weak pointer can
+    // revive the object in between.
     int count = *strong_;
     while (!strong_->compare_exchange_weak(count, count == 1 ? DESTROYED : count - 1)) {
     }

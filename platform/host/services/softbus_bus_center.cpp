@@ -20,7 +20,7 @@ namespace {
 constexpr int32_t NULL_ARGUMENT = -1;
 constexpr int32_t CANNOT_READ = -2;
 
-// The functions below return nothing if reading fails.
+// The functions below return nullopt if reading fails.
 std::optional<std::string> HostName()
 {
     std::array<char, HOST_NAME_MAX + 1> name{};
@@ -41,7 +41,7 @@ std::optional<std::string> FirstLine(const char *path)
     return std::string(line.data(), std::strcspn(line.data(), "\n"));
 }
 
-// Returns what identifies this machine. A container may have no machine id.
+// Returns the machine id or, if there is none, as in a container, the host name.
 std::optional<std::string> Identity()
 {
     for (const char *path : {"/etc/machine-id", "/var/lib/dbus/machine-id"}) {
@@ -53,7 +53,7 @@ std::optional<std::string> Identity()
     return HostName();
 }
 
-// The machine id is confidential: a keyed hash does not reveal it, and differs from what other programs derive from it.
+// The machine id is confidential: a keyed hash does not reveal it, and differs from ids that other programs derive.
 std::string NetworkId(const std::string &identity)
 {
     constexpr char key[] = "ostra_host_platform network id";

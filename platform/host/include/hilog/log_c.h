@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 /// \file
-/// HiLog on the host, the C interface: the rules of delivery and the format are those of a device; the output is
-/// standard error instead of the log service. All functions are thread-safe. A C compiler accepts this header.
+/// HiLog on the host, the C interface: the delivery rules and the format are those of a device; the output is standard
+/// error instead of the log service. All functions are thread-safe. A C compiler accepts this header.
 ///
 /// A message is delivered if its level is loggable (see HiLogIsLoggable), its domain is below 0xD0FFFFF and, except for
 /// LOG_APP, at least 0xD000000. A delivered message goes to the callback and to standard error. OSTRA_HOST_LOG_LEVEL
 /// sets the lowest level that is written to standard error: debug, info, warn, error, fatal or off; by default
 /// everything that is delivered. It does not affect delivery, except that `debug` also delivers DEBUG messages, which a
-/// device does not by default. A write that a signal interrupts is repeated, and a closed pipe does not end the
+/// device does not by default. A write that a signal interrupts is retried, and a closed pipe does not terminate the
 /// process.
 
 #ifndef HOST_HILOG_LOG_C_H
@@ -67,21 +67,21 @@ typedef enum {
 /// Formats and delivers one message.
 ///
 /// A conversion marked {public} prints its value, as in "%{public}s"; one without a mark or marked {private} prints
-/// "<private>", whatever its width. The conversions are d i u o x X c C s S p e E f F g G with the flags and sizes of
-/// C, but `z` is as wide as an int, and a pointer prints as 16 digits (8 for 32-bit pointers). Any other conversion or
-/// mark makes the whole message empty. A message is truncated to 4095 bytes.
+/// "<private>", regardless of its width. The conversions are d i u o x X c C s S p e E f F g G with the flags and
+/// length modifiers of C, but `z` is as wide as an int, and a pointer prints as 16 digits (8 for 32-bit pointers). Any
+/// other conversion or mark makes the whole message empty. A message is truncated to 4095 bytes.
 ///
-/// Returns the size of the tag, of which at most 31 bytes are used, and of the message, both with their null
-/// terminators; or -1 if the message is not delivered, an argument is null, or the output cannot be written.
+/// Returns the sum of the sizes of the tag (at most 31 bytes of it) and the message, each with its null terminator; or
+/// -1 if the message is not delivered, an argument is null, or the output cannot be written.
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, ...)
     HOST_HILOG_FORMAT(5, 6);
 
-/// Returns whether messages of this level are delivered: the level is between DEBUG and FATAL and at least the one that
-/// is set, the domain is below 0xD0FFFFF, and the tag is not null.
+/// Returns whether messages of this level are delivered: the level is between DEBUG and FATAL and at least the minimum
+/// level, the domain is below 0xD0FFFFF, and the tag is not null.
 ///
-/// The level is set by the system parameters hilog.loggable.tag.TAG, hilog.loggable.domain.HEX and
+/// The minimum level is set by the system parameters hilog.loggable.tag.TAG, hilog.loggable.domain.HEX and
 /// hilog.loggable.global, in this order, each first without and then with the prefix "persist.sys.". The first that
-/// holds one of the letters D I W E F, or X for no level at all, decides. persist.sys.hilog.loggable.global is I by
+/// holds one of the letters D I W E F, or X to disable all levels, applies. persist.sys.hilog.loggable.global is I by
 /// default, as on a device; if it is set to an empty string, everything from DEBUG on is loggable.
 bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level);
 
@@ -94,9 +94,9 @@ void HiLogSetAppMinLogLevel(LogLevel level);
 /// \}
 
 /// Sets a callback that receives every delivered message, formatted, with its full tag, in addition to the output. It
-/// is called in the logging thread, by several threads at the same time, before the output; its strings are valid
-/// during the call only. A callback that logs is called recursively and must end the recursion itself. Null removes the
-/// callback; another thread may still be in a call then.
+/// is called in the logging thread, possibly by several threads concurrently, before the message is written; its
+/// strings are valid only during the call. A callback that logs is called recursively and must end the recursion
+/// itself. Null removes the callback; another thread may still be executing it.
 typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsigned int domain, const char *tag,
                             const char *msg);
 void LOG_SetCallback(LogCallback callback);
