@@ -161,6 +161,7 @@ TEST(Qos, SchedulesAndResetsThreads)
 TEST(ConcurrentTaskClient, LogsEachRequestWithItsPairsInOrder)
 {
     static std::string logged;
+    logged.clear();
     LOG_SetCallback([](LogType type, LogLevel level, unsigned int, const char *tag, const char *message) {
         logged += std::to_string(type) + " " + std::to_string(level) + " " + tag + ": " + message + "\n";
     });

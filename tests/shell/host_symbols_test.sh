@@ -10,11 +10,12 @@ library=$2
 list=$3
 
 # Without return types, parameters and template arguments, which differ between processors. Whether names that headers
-# define (V, W) are exported depends on inlining, but they must belong to the platform.
+# define (V, W) and type information are exported depends on the compiler, but they must belong to the platform.
 exported=$("$nm" -D --defined-only "$library" | sed 's/^[0-9a-f]* //' | c++filt)
-names=$(sed -n 's/^[^VvWw] //p' <<<"$exported" | sed -E 's/\[abi:[^]]*\]//; s/(\(|<).*//' | LC_ALL=C sort -u)
-names+=$(sed -n 's/^[VvWw] //p' <<<"$exported" | grep -v OHOS:: | sed 's/^/\n/' || true)
-if diff -U0 <(grep -v '^#' "$list") - <<<"$names"; then
+varying='^[VvWw] |^. (typeinfo|vtable|VTT)'
+names=$(grep -vE "$varying" <<<"$exported" | sed 's/^. //' | sed -E 's/\[abi:[^]]*\]//; s/(\(|<).*//' | LC_ALL=C sort -u)
+names+=$(grep -E "$varying" <<<"$exported" | grep -v OHOS:: | sed 's/^/\n/' || true)
+if diff -U0 <(grep -vE '^(#|typeinfo|vtable)' "$list") - <<<"$names"; then
     echo "$(wc -l <<<"$names") names are exported, as listed"
     exit 0
 fi
