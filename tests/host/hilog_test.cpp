@@ -27,7 +27,7 @@ constexpr unsigned int DOMAIN_ID = 0xD004160;
 constexpr HiLogLabel LABEL = {LOG_CORE, DOMAIN_ID, "T"};
 
 const int g_isUnset = unsetenv("OSTRA_HOST_LOG_LEVEL");
-int g_interruptions = 0;  // how many of the next writes fail with EINTR
+int g_writes = 0;  // counts the writes; a write fails with EINTR while it is not positive
 
 // Of the last call of Log.
 std::optional<std::string> g_message;  // as passed to the callback
@@ -38,8 +38,7 @@ std::string g_output;                  // with T for the time and P for the proc
 // Replaces the function of the C library.
 extern "C" ssize_t write(int descriptor, const void *data, size_t size)
 {
-    if (g_interruptions > 0) {
-        --g_interruptions;
+    if (++g_writes <= 0) {
         errno = EINTR;
         return -1;
     }
@@ -54,9 +53,14 @@ int Log(const Function &log)
 {
     static const std::regex changing(R"(\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{4}\d [ \d]{4}\d)");
     g_message.reset();
-    LOG_SetCallback([](LogType, LogLevel, unsigned int, const char *, const char *message) { g_message = message; });
+    LOG_SetCallback([](LogType, LogLevel, unsigned int, const char *, const char *message) {
+        g_message = message;
+        errno = EBADF;
+    });
     testing::internal::CaptureStderr();
+    errno = 0;
     const int result = log();
+    EXPECT_EQ(errno, 0);
     LOG_SetCallback(nullptr);
     g_output = std::regex_replace(testing::internal::GetCapturedStderr(), changing, "T P P");
     return result;
@@ -154,9 +158,10 @@ TEST(HiLog, FunctionsLogAtTheirLevel)
 
 TEST(HiLog, RetriesInterruptedWritesAndReportsFailures)
 {
-    g_interruptions = 3;
+    g_writes = -3;
     EXPECT_EQ(Log([] { return HiLog::Info(LABEL, "one\ntwo"); }), 2 + 8);
     EXPECT_EQ(g_output, "T P P I C04160/T: one\nT P P I C04160/T: two\n");
+    EXPECT_EQ(g_writes, 2) << "a line is a single write";
     Log([] {
         dup2(open("/dev/full", O_WRONLY), STDERR_FILENO);
         EXPECT_EQ(HiLog::Info(LABEL, "lost"), -1);
