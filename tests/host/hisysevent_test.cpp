@@ -58,10 +58,9 @@ int64_t g_line = 0;  // a new call site for each event, to stay below the rate l
 int g_eventType = HiSysEvent::FAULT;
 std::optional<HiSysEventRecord> g_record;
 
-template <typename... Types>
-int Write(const std::string &eventName, Types... keyValues)
+int Write(const std::string &eventName)
 {
-    return HiSysEvent::Write("Write", ++g_line, "DOMAIN", eventName, HiSysEvent::FAULT, keyValues...);
+    return HiSysEvent::Write("Write", ++g_line, "DOMAIN", eventName, HiSysEvent::FAULT, "KEY", 1);
 }
 
 // Returns the event's own keys, which follow those of the platform, in the format of the recording: bytes as by Quote,
@@ -100,24 +99,24 @@ Fields Output()
     return events;
 }
 
-// Parses a value and keeps it: EventKeyValue does not copy strings.
+// Parses a value with static storage duration: EventKeyValue does not copy strings.
 template <typename T>
-const T &Kept(const std::string &field)
+const T &Stored(const std::string &field)
 {
-    static std::deque<T> kept;
-    return kept.emplace_back(Value<T>(field));
+    static std::deque<T> values;
+    return values.emplace_back(Value<T>(field));
 }
 
 // Sets a value as HiSysEvent::Write does.
 template <typename T>
 void Set(EventKeyValue &param, const std::string &value, bool isVector)
 {
-    isVector ? param.Set(Kept<std::vector<T>>(value)) : param.Set(Kept<T>(value));
+    isVector ? param.Set(Stored<std::vector<T>>(value)) : param.Set(Stored<T>(value));
 }
 
 void SetCString(EventKeyValue &param, const std::string &value, bool)
 {
-    param.Set(Pointer(Kept<std::optional<std::string>>(value)));
+    param.Set(Pointer(Stored<std::optional<std::string>>(value)));
 }
 
 const std::map<std::string, void (*)(EventKeyValue &, const std::string &, bool)> TYPES = {
@@ -131,11 +130,11 @@ Fields WriteKeys(const Fields &in)
 {
     std::vector<EventKeyValue> params;
     for (size_t i = 2; i < in.size(); ++i) {
-        const Fields parts = Split(in[i], '=');
-        const size_t colon = parts.at(1).find(':');
-        const bool isVector = parts[1][0] == 'v';
-        params.emplace_back().key = Kept<std::string>(parts[0]);
-        TYPES.at(parts[1].substr(isVector, colon - isVector))(params.back(), parts[1].substr(colon + 1), isVector);
+        const Fields pair = Split(in[i], '=');
+        const Fields typed = Split(pair.at(1), ':');
+        const bool isVector = typed[0][0] == 'v';
+        params.emplace_back().key = Stored<std::string>(pair[0]);
+        TYPES.at(typed[0].substr(isVector ? 1 : 0))(params.back(), typed.at(1), isVector);
     }
     const auto write = [&] {
         return ostra::host::WriteEvent({"Write", ++g_line, HISYSEVENT_PERIOD, HISYSEVENT_THRESHOLD}, Unquote(in.at(0)),
@@ -151,12 +150,6 @@ Fields WriteKeys(const Fields &in)
     return {Show(result), isSent ? Output().back() : "-"};
 }
 
-Fields WriteOfType(int type)
-{
-    g_eventType = type;
-    return WriteKeys({Quote("DOMAIN"), Quote("EVENT"), "\"K\"=i32:1"});
-}
-
 // domain, event, COUNT: the keys K0, K1, ... with numbers; with a LENGTH, the keys T0, T1, ... with strings
 Fields WriteMany(const Fields &in)
 {
@@ -169,22 +162,17 @@ Fields WriteMany(const Fields &in)
     return WriteKeys(fields);
 }
 
-// Returns the results of `count` writes at one call site, each as RESULT*TIMES.
+// Returns the results of `count` writes at one call site.
 Fields WriteAtSite(int64_t time, const std::string &event, const std::string &func, int64_t line, size_t count,
                    const std::optional<std::string> &domain)
 {
     g_wallClockMs = time;
-    std::vector<int> results(count);
-    std::generate(results.begin(), results.end(), [&] {
-        return HiSysEvent::Write(func.c_str(), line, domain.value_or("DOMAIN"), event, HiSysEvent::BEHAVIOR);
-    });
-    g_wallClockMs = 0;
-    std::string runs;
-    for (auto begin = results.begin(), end = begin; begin != results.end(); begin = end) {
-        end = std::find_if(begin, results.end(), [begin](int result) { return result != *begin; });
-        runs += (runs.empty() ? "" : " ") + Show(*begin) + "*" + Show(end - begin);
+    std::string results;
+    for (; count > 0; --count) {
+        results += Show(HiSysEvent::Write(func.c_str(), line, domain.value_or("DOMAIN"), event, HiSysEvent::BEHAVIOR));
     }
-    return {runs};
+    g_wallClockMs = 0;
+    return {results};
 }
 
 // A listener's rules => the result of registering it, and how often it receives an event
@@ -277,7 +265,10 @@ const Operations OPERATIONS = {
     {"write", WriteKeys},
     {"keys", WriteMany},
     {"texts", WriteMany},
-    {"type", Call(WriteOfType)},
+    {"type", Call(+[](int type) {
+         g_eventType = type;
+         return WriteKeys({Quote("DOMAIN"), Quote("EVENT"), "\"K\"=i32:1"});
+     })},
     {"send", Send},
     {"cJSON", UseCjson},
     {"events", Call(WriteEvents)},
@@ -327,14 +318,15 @@ TEST(HiSysEvent, WritesValuesOfEachType)
     EXPECT_EQ(Output().back(), R"({"T":"q\x22 b\x5c \x0a","time_":9223372036854775807,"U":18446744073709551615,)"
                                R"("D":0.5,"E":200,"V":["1","\x22"],"N":[-1,2]})");
     g_record.emplace(g_output);
-    const Fields own = {Show(g_record->GetTimeZone()), "1700000000123", Show(getpid()), Show(gettid()), Show(getuid())};
-    EXPECT_EQ(PlatformFields(), (Fields{R"("OWN")", R"("EVENT")", "3", R"("")", R"("")", own[0], own[1], own[2], own[3],
-                                        own[4], "0", "0", "0", "0"}));
+    const std::string none = Quote("");
+    EXPECT_EQ(PlatformFields(),
+              (Fields{Quote("OWN"), Quote("EVENT"), "3", none, none, Show(g_record->GetTimeZone()), "1700000000123",
+                      Show(getpid()), Show(gettid()), Show(getuid()), "0", "0", "0", "0"}));
     EXPECT_EQ(Names(), (Strings{"T", "time_", "U", "D", "E", "V", "N"}));
     EXPECT_EQ(OPERATIONS.at("u64")({Quote("U")}), (Fields{"0", std::to_string(UINT64_MAX)}));
     EXPECT_EQ(OPERATIONS.at("string")({Quote("T")}), (Fields{"0", R"("q\x22 b\x5c \x0a")"}));
-    const char *const none = nullptr;
-    EXPECT_DEATH(Write("EVENT", none, 1), "null key");
+    const char *const noKey = nullptr;
+    EXPECT_DEATH(HiSysEventWrite(domain, "EVENT", HiSysEvent::FAULT, noKey, 1), "null key");
 }
 
 TEST(HiSysEvent, SupportsReentrantAndThrowingListeners)

@@ -12,10 +12,10 @@
 namespace replay {
 namespace {
 
-// Expands repeated bytes and joins pieces: "x"*3+"y" is "xxxy", 00*3 01 is 00000001.
+// Expands repetitions and joins pieces: "x"*3+"y" is "xxxy", 00*3 01 is 00000001, 0*2 -6*2 is 00-6-6.
 std::string Expand(const std::string &folded)
 {
-    static const std::regex piece(R"re("\+"|(\\x..|.)"\*(\d+)(\+")?| ?\b([0-9a-f]{2})\*(\d+) ?)re");
+    static const std::regex piece(R"re("\+"|(\\x..|.)"\*(\d+)(\+")?| ?([-0-9a-f]{1,2})\*(\d+) ?)re");
     std::string expanded;
     std::string rest = folded;
     for (std::sregex_iterator match(folded.begin(), folded.end(), piece), end; match != end; ++match) {
