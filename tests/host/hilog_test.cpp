@@ -137,6 +137,12 @@ TEST(HiLog, MatchesRecording)
     Replay("handwritten/hilog.txt", 28, operations);
 }
 
+TEST(HiLog, FormatsWideStrings)
+{
+    Print(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", "%{public}S|%{public}hS|%{public}C", L"wide", "narrow", L'c');
+    EXPECT_EQ(g_message, "wide|narrow|c");
+}
+
 TEST(HiLog, FunctionsLogAtTheirLevel)
 {
 #define EXPECT_LEVEL(Level, letter)                                      \
