@@ -86,7 +86,7 @@ std::string Line(int type, int level, unsigned int domain, const std::string &ta
 
 Fields Deliver(int type, int level, unsigned int domain, const std::optional<std::string> &tag)
 {
-    const int result = Print(type, level, domain, Pointer(tag), "text");
+    const int result = Print(type, level, domain, Pointer(tag), "%{public}s", "text");
     return {g_message.has_value() ? "callback" : "none", result < 0 ? "-" : "+"};
 }
 
