@@ -37,7 +37,7 @@ while read -r time1 time2 result status; do
         cat >"$work/round$i.json" <<JSON
 {"benchmarks": [
   {"run_type": "iteration", "run_name": "name", "family_index": 0, "cpu_time": ${!time}, "time_unit": "ms",
-   "at most": 1.6, "label": "by hand"},
+   "max ratio": 1.6, "label": "by hand"},
   {"run_type": "iteration", "run_name": "name (baseline)", "cpu_time": 1000, "time_unit": "us"}]}
 JSON
     done
@@ -47,7 +47,7 @@ JSON
 done <<'ROWS'
 1.0 1.1 met 0
 1.2 1.5 unstable 0
-1.6 1.7 MISSED 1
+1.6 1.7 missed 1
 ROWS
 
 [ $failed = 1 ] || echo "all scripts print help and reject unknown arguments"
