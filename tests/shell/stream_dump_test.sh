@@ -6,9 +6,9 @@ set -euo pipefail
 
 page=$(realpath "$1")
 pair=$(realpath "$2")
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
 
 fail() {
     echo "FAILED: $*"
