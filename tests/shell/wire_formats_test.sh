@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Checks the examples in docs/wire-formats.md: its fenced code blocks, whose info string names their kind. A block of a
-# computed kind has lines "input => output", which inspect_test.sh recomputes. Any other block is output of the library
-# and must occur unchanged in a golden file.
+# computed kind has lines "input => output", which inspect_test.sh recomputes, or channel_pair_test.sh those of the kind
+# pair. Any other block is output of the library and must occur unchanged in a golden file.
 # Usage: wire_formats_test.sh PAGE GOLDEN_DIRECTORY
 set -euo pipefail
 
