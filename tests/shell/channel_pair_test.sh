@@ -160,9 +160,9 @@ head -c 500000 "$random" | expect 0 '7 faults injected, 7 detected' --faults 7 -
 expect 0 '14 faults injected, 14 detected' --seconds 1 --faults 14
 expect 1 $'lost        1 of 250 chunks\n6 business-flow steps reported, 3 failed
 1 of 250 chunks are missing; faults detected: 1 (1 corrupted); the first missing frame is frame 10' --flip 10
-expect 1 'the device document is missing or not as offered' --flip 0
-expect 1 'the service document is missing or not as offered' --flip 1
-expect 1 $'the settings are missing or not as offered\nthe first missing frame is frame 2' --flip 2
+expect 1 'the device document is missing or not as expected' --flip 0
+expect 1 'the service document is missing or not as expected' --flip 1
+expect 1 $'the settings are missing or not as expected\nthe first missing frame is frame 2' --flip 2
 expect_error 1 'the end of the stream is missing, expected frame 253' --flip 253
 expect_error 1 'the stream is too short: 1 faults not injected' --flip 254
 (sleep 1) | expect_error 1 'faults detected: 1 (1 corrupted); faults injected: 0; the first missing frame is frame 3' \
