@@ -1,12 +1,5 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Compares the device build with the host build and with bundle.json, and checks its compiler flags.
-
-Runs GN on BUILD.gn with scripts/gn_platform/, a model of the platform's build templates: the flags of a target, then
-the platform's defaults, then the sanitizers. Compiles nothing and changes no file of the project. Flags of the real
-templates that the model lacks are not checked.
-"""
-import argparse
+"""Compares BUILD.gn with CMakeLists.txt and bundle.json, and checks its flags. Run it with scripts/gn-check."""
 import json
 import os
 import re
@@ -14,12 +7,13 @@ import subprocess
 import sys
 from pathlib import Path
 
-TOP = Path(__file__).resolve().parent.parent
+TOP = Path(__file__).resolve().parent.parent.parent
 # The radar test expects events immediately, but a device delivers them later; others load a plugin or fuzz a host tool.
 HOST_ONLY_TESTS = {"constants_plugin", "fuzz_replay_inspect", "ostra_constants_test", "ostra_radar_test"}
 NOT_COMPILED = {"tests/host/rejected_types.cpp", "tests/library/log_format_mismatch.cpp"}  # must fail to compile
 SANITIZERS = {"boundary_sanitize", "cfi", "cfi_cross_dso", "integer_overflow", "ubsan"}
 COMPONENTS = json.loads((TOP / "scripts/gn_platform/components.json").read_text())  # and the headers that they provide
+PUBLIC_HEADERS = {header.name for header in (TOP / "include").glob("*.h")}
 failures = []
 
 
@@ -28,9 +22,9 @@ def expect(condition, message):
         failures.append(message)
 
 
-def expect_equal(name1, facts1, name2, facts2):
-    for name, only in ((name1, set(facts1) - set(facts2)), (name2, set(facts2) - set(facts1))):
-        failures.extend(f"only in {name}: {fact}" for fact in sorted(only))
+def expect_equal(name1, values1, name2, values2):
+    for name, only in ((name1, set(values1) - set(values2)), (name2, set(values2) - set(values1))):
+        failures.extend(f"only in {name}: {value}" for value in sorted(only))
 
 
 def run(*command):
@@ -44,6 +38,10 @@ def read(path):
     return (TOP / path).read_text(encoding="utf-8")
 
 
+def name_of(label):
+    return label.split(":")[1]
+
+
 def generate(component):
     """Returns the targets of BUILD.gn by name, and the names of those that bundle.json reaches."""
     root, model = TOP / "build/gn", TOP / "scripts/gn_platform"
@@ -55,7 +53,7 @@ def generate(component):
     run("gn", "gen", "-q", *where, f'--args=component_dir="//{component}"', f"{root}/out")
     targets = json.loads(run("gn", "desc", *where, f"{root}/out", f"//{component}/*", "--format=json"))
     reached = run("gn", "desc", *where, f"{root}/out", "//:bundle", "deps", "--all").split()
-    return {label.split(":")[1]: target for label, target in targets.items()}, {label.split(":")[1] for label in reached}
+    return {name_of(label): target for label, target in targets.items()}, set(map(name_of, reached))
 
 
 def cmake_targets():
@@ -65,24 +63,31 @@ def cmake_targets():
     run("cmake", "--preset", "host")
     index = json.loads(max((api / "reply").glob("index-*.json")).read_text())
     codemodel = json.loads((api / "reply" / index["reply"]["codemodel-v2"]["jsonFile"]).read_text())
-    targets = (json.loads((api / "reply" / t["jsonFile"]).read_text()) for t in codemodel["configurations"][0]["targets"])
-    return {t["name"]: t for t in targets if t["type"] in ("EXECUTABLE", "SHARED_LIBRARY", "MODULE_LIBRARY", "STATIC_LIBRARY")}
+    files = (target["jsonFile"] for target in codemodel["configurations"][0]["targets"])
+    targets = (json.loads((api / "reply" / file).read_text()) for file in files)
+    return {target["name"]: target for target in targets if "compileGroups" in target}
 
 
 def compiled_sources(target):
     return {source["path"] for source in target["sources"] if "compileGroupIndex" in source}
 
 
-def facts_of(name, sources, include_dirs, defines, link_options):
-    return ({f"{name}: source {source}" for source in sources} | {f"{name}: include directory {d}" for d in include_dirs} |
-            {f"{name}: define {define}" for define in defines} | {f"{name}: link option {option}" for option in link_options})
+def properties_of(name, **values_by_kind):
+    return {f"{name}: {kind} {value}" for kind, values in values_by_kind.items() for value in values}
 
 
-def cmake_facts(name, target, targets):
+def gn_properties(name, target, top):
+    return properties_of(re.sub(r"(\w+)FuzzTest$", lambda match: match[1].lower() + "_fuzzer", name),
+                         source=(source.removeprefix(top) for source in target["sources"]),
+                         include_dir=(d.removeprefix(top).rstrip("/") for d in target.get("include_dirs", [])),
+                         define=target.get("defines", []), link_option=target.get("ldflags", []))
+
+
+def cmake_properties(name, target, targets):
     groups = target["compileGroups"]
     defines = {define["define"] for group in groups for define in group.get("defines", [])}
-    if target["paths"]["source"] not in (".", "fuzz", "tests/library") or target["type"].startswith(("STATIC", "MODULE")) or \
-            name in HOST_ONLY_TESTS or any(define.startswith("OSTRA_SOURCE_DIR=") for define in defines):
+    is_on_device = target["paths"]["source"] in (".", "fuzz", "tests/library") and name not in HOST_ONLY_TESTS
+    if not is_on_device or target["type"] not in ("EXECUTABLE", "SHARED_LIBRARY"):
         return set()
     sources = compiled_sources(target) - {"fuzz/replay_main.cpp"}
     for dependency in target.get("dependencies", []):
@@ -91,10 +96,10 @@ def cmake_facts(name, target, targets):
     paths = {include["path"] for group in groups for include in group.get("includes", [])}
     include_dirs = {os.path.relpath(path, TOP) for path in paths if path.startswith(f"{TOP}/")}
     options = re.sub(rf'"|{TOP}/', "", " ".join(f["fragment"] for f in target["link"]["commandFragments"])).split()
-    return facts_of(re.sub(r"^fuzz_replay_(.*)", r"\1_fuzzer", name), sources,
-                    (d for d in include_dirs if not d.startswith(("platform/", "build/"))),
-                    (define for define in defines if not define.endswith("_EXPORTS")),
-                    (option for option in options if re.search("version-script|nodelete", option)))
+    return properties_of(re.sub(r"^fuzz_replay_(.*)", r"\1_fuzzer", name), source=sources,
+                         include_dir=(d for d in include_dirs if not d.startswith(("platform/", "build/"))),
+                         define=(define for define in defines if not define.endswith("_EXPORTS")),
+                         link_option=(option for option in options if re.search("version-script|nodelete", option)))
 
 
 def included_components(paths, include_dirs):
@@ -117,7 +122,7 @@ def check_target(name, target, top):
     flags = target.get("cflags", []) + target.get("cflags_cc", [])
     last = lambda *kinds: next((flag for flag in reversed(flags) if flag.startswith(kinds)), None)
     expect(last("-fexceptions", "-fno-exceptions") == "-fexceptions", f"{name}: exceptions are off: set use_exceptions")
-    expect(sum(flag.endswith("exceptions") for flag in flags) == 1, f"{name}: -f[no-]exceptions in cflags has no effect")
+    expect(sum(flag.endswith("exceptions") for flag in flags) == 1, f"{name}: -f[no-]exceptions has no effect")
     expect(last("-frtti", "-fno-rtti") == "-fno-rtti", f"{name}: RTTI is on")
     expect(sum(flag.startswith("-std=") for flag in flags) == 1, f"{name}: -std= is the platform's")
     first_off = next(i for i, flag in enumerate(flags) if flag.startswith("-Wno-"))
@@ -125,9 +130,8 @@ def check_target(name, target, top):
     if target["type"] == "shared_library":
         expect(last("-fvisibility=") == "-fvisibility=hidden", f"{name}: symbols are visible by default: use cflags_cc")
         expect_equal("sanitize", metadata["sanitize"], "what the library needs", SANITIZERS)
-        public = included_components([f"include/{h.name}" for h in (TOP / "include").glob("*.h")], ["include"])
-        expect_equal("public_external_deps", metadata["public_external_deps"], "the includes of the public headers", public)
-
+        public = included_components([f"include/{header}" for header in PUBLIC_HEADERS], ["include"])
+        expect_equal("public_external_deps", metadata["public_external_deps"], "the public headers", public)
     named = set(metadata["external_deps"] + metadata["public_external_deps"])
     sources = [source.removeprefix(top) for source in target["sources"]]
     include_dirs = [path.removeprefix(top) for path in target.get("include_dirs", [])]
@@ -141,17 +145,20 @@ def check_target(name, target, top):
 
 
 def check_bundle(bundle, targets, reached, top):
-    component = bundle["component"]
-    installed = {name for name, target in targets.items() if target["type"] in ("copy", "shared_library")}
+    component, build = bundle["component"], bundle["component"]["build"]
     metadata = [target["metadata"] for target in targets.values() if "metadata" in target]
-    externals = {e.split(":")[0] for m in metadata for e in m.get("external_deps", []) + m.get("public_external_deps", [])}
+    deps = {d.split(":")[0] for m in metadata for d in m.get("external_deps", []) + m.get("public_external_deps", [])}
+    parts = [part for m in metadata for part in m.get("part", [])]
     version = re.search(r'#define OSTRA_VERSION "(.*)"', read("include/ostra_version.h"))[1]
-    expect_equal("bundle.json", [bundle["version"], f"{component['subsystem']}/{component['name']}", *component["hisysevent_config"]],
-                 "the project", [version, *(p for m in metadata for p in m.get("part", [])), f"{top}hisysevent.yaml"])
-    expect_equal("deps of bundle.json", component["deps"]["components"], "BUILD.gn", externals | {"googletest"})
-    expect_equal("sub_component of bundle.json", [l.split(":")[1] for l in component["build"]["sub_component"]], "BUILD.gn", installed)
-    expect_equal("inner_kits of bundle.json", [f"{k['header']['header_base']}/{f}" for k in component["build"]["inner_kits"] for f in k["header"]["header_files"]],
-                 "include", [f"{top}include/{header.name}" for header in (TOP / "include").glob("*.h")])
+    header = build["inner_kits"][0]["header"]
+    installed = {name for name, target in targets.items() if target["type"] in ("copy", "shared_library")}
+    expect_equal("bundle.json", [bundle["version"], f"{component['subsystem']}/{component['name']}",
+                                 *component["hisysevent_config"]],
+                 "the project", [version, *parts, f"{top}hisysevent.yaml"])
+    expect_equal("deps of bundle.json", component["deps"]["components"], "BUILD.gn", deps | {"googletest"})
+    expect_equal("sub_component of bundle.json", list(map(name_of, build["sub_component"])), "BUILD.gn", installed)
+    expect_equal("inner_kits of bundle.json", [f"{header['header_base']}/{file}" for file in header["header_files"]],
+                 "include", [f"{top}include/{name}" for name in PUBLIC_HEADERS])
     failures.extend(f"{name}: unreachable from bundle.json" for name in sorted(targets.keys() - reached - {"bundle"}))
 
 
@@ -164,28 +171,21 @@ def check_files(cmake):
     prefix = re.search(r"^([^# ]+) = ", read("etc/ostra_adapter_utils.para.dac"), re.M)
     expect(prefix and key.startswith(prefix[1]), "etc/ostra_adapter_utils.para.dac names another parameter")
     expect("OstraAdapter::*" not in read("libostra_adapter_utils.map"), "the version script exports a whole namespace")
-    for directory in (TOP / "fuzz").glob("*_fuzzer"):
-        expect(any(directory.glob("corpus/*")), f"fuzz/{directory.name}/corpus is empty")
+    failures.extend(f"{d}/corpus is empty" for d in (TOP / "fuzz").glob("*_fuzzer") if not any(d.glob("corpus/*")))
     tree = {str(path.relative_to(TOP)) for directory in ("bridge", "common", "dfx", "fuzz", "json", "protocol", "tests")
             for path in (TOP / directory).rglob("*.c*") if path.suffix in (".c", ".cpp")}
-    expect_equal("the source tree", tree - NOT_COMPILED, "CMake", tree & set().union(*map(compiled_sources, cmake.values())))
+    expect_equal("sources", tree - NOT_COMPILED, "CMake", tree & set().union(*map(compiled_sources, cmake.values())))
 
 
 def main():
-    argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter).parse_args()
-    run("scripts/setup", "build", "gn")
     bundle = json.loads(read("bundle.json"))
     top = f"//{bundle['segment']['destPath']}/"
-    expect(not subprocess.run(["gn", "format", "--dry-run", "BUILD.gn"], cwd=TOP).returncode, "gn format would change BUILD.gn")
     targets, reached = generate(bundle["segment"]["destPath"])
     programs = {name: target for name, target in targets.items() if target["type"] in ("executable", "shared_library")}
     cmake = cmake_targets()
-
-    facts = set().union(*(facts_of(re.sub(r"(\w+)FuzzTest$", lambda match: match[1].lower() + "_fuzzer", name),
-                                   (source.removeprefix(top) for source in target["sources"]),
-                                   (path.removeprefix(top).rstrip("/") for path in target.get("include_dirs", [])),
-                                   target.get("defines", []), target.get("ldflags", [])) for name, target in programs.items()))
-    expect_equal("BUILD.gn", facts, "CMake", set().union(*(cmake_facts(name, target, cmake) for name, target in cmake.items())))
+    properties = set().union(*(gn_properties(name, target, top) for name, target in programs.items()))
+    expect_equal("BUILD.gn", properties,
+                 "CMake", set().union(*(cmake_properties(name, target, cmake) for name, target in cmake.items())))
     for name, target in sorted(programs.items()):
         check_target(name, target, top)
     check_bundle(bundle, targets, reached, top)
@@ -193,9 +193,8 @@ def main():
     for failure in failures:
         print(f"gn-check: {failure}", file=sys.stderr)
     if not failures:
-        print(f"gn-check: {len(facts)} facts of the device build are those of the host build (a model of the platform's templates)")
+        print(f"gn-check: {len(properties)} properties of the targets match the host build, and all flags are correct")
     return bool(failures)
 
 
-if __name__ == "__main__":
-    sys.exit(main())
+sys.exit(main())
