@@ -31,8 +31,8 @@ inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 
 /// The process-wide reporter, which writes one event per stage, with the current business id and process name.
 ///
-/// The operations that report a stage take the name of the function that ran it (`funcName`), its error code (`errCode`,
-/// 0 for success), and some the package that it called (`toCallPkg`), for instance SOFTBUS_PKG_NAME.
+/// The operations that report a stage take the name of the function that ran it (`funcName`) and its error code
+/// (`errCode`, 0 for success), and some take the package that it called (`toCallPkg`), for instance SOFTBUS_PKG_NAME.
 ///
 /// They return true if the platform accepted the event. They return false, and log the platform's code as an error, if:
 /// - The platform rejected it (code below 0), for instance because of its rate limit of 100 events per operation in

@@ -129,7 +129,7 @@ lost        0 of 250 chunks\ndetected    0\n desk tablet
 m******e of type *, codec bits 5, profiles 48000,2,16;16000,1,16;
 48000 Hz, 2 channels, chunks of 20 ms
 notified    isomerism_connect of
-6 business-flow steps reported, none failed
+6 business-flow stages reported, none failed
 every byte arrived'
 ! grep -q '[0-9a-f]\{32\}' "$work/out" || fail "an identifier is not masked"
 expect 0 'sending a generated tone for 0.1 s, as fast as possible' --seconds 0.1
@@ -158,7 +158,7 @@ detected    56 (8 corrupted, 8 truncated, 8 duplicated, 8 delayed, 8 empty, 8 ov
 done
 head -c 500000 "$random" | expect 0 '7 faults injected, 7 detected' --faults 7 -
 expect 0 '14 faults injected, 14 detected' --seconds 1 --faults 14
-expect 1 $'lost        1 of 250 chunks\n6 business-flow steps reported, 3 failed
+expect 1 $'lost        1 of 250 chunks\n6 business-flow stages reported, 3 failed
 1 of 250 chunks are missing; faults detected: 1 (1 corrupted); the first missing frame is frame 10' --flip 10
 expect 1 'the device document is missing or not as expected' --flip 0
 expect 1 'the service document is missing or not as expected' --flip 1
