@@ -3,12 +3,10 @@
 # Runs the example pair as a user would, and checks its output and exit status. Also checks that scripts/demo rejects
 # the same arguments before it builds anything, and that docs/wire-formats.md shows the messages of the pair.
 # Usage: channel_pair_test.sh COMMAND [ARGUMENT ...]
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 here=$(cd "$(dirname "$0")" && pwd)
 pair=("$@")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
 
 fail() {
     cat "$work/out" "$work/err"

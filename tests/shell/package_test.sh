@@ -4,17 +4,10 @@
 # and CMakeLists.txt of README.md with find_package, and the C interface with pkg-config.
 # Usage: package_test.sh BUILD_DIRECTORY, or package_test.sh PREFIX for an installed package. Reads CMAKE, CC, CXX,
 # CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR from the environment; the last two are empty unless cross-compiling.
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 installed=$1
 top=$(cd "$(dirname "$0")/../.." && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
-fail() {
-    echo "$*"
-    exit 1
-}
 
 prefix=$installed
 if [ -f "$installed/CMakeCache.txt" ]; then
