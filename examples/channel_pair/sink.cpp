@@ -239,8 +239,8 @@ private:
             return received_.chunks == 0 ? "nothing was sent: the input is empty" : "every byte arrived";
         }
         const std::string all = std::to_string(faults);
-        return all + " faults injected, " + all + " detected. The sink drops what is not intact and in order:\n  " +
-               std::to_string(Lost()) + " chunks were corrupted, truncated, delayed, emptied or oversized and are " +
+        return all + " faults injected, " + all + " detected. The sink drops every frame with a fault:\n  " +
+               std::to_string(Lost()) + " chunks were corrupted, truncated, delayed, emptied or oversized, and are " +
                "lost; the other faults\n  only added frames. Every other chunk arrived";
     }
 
