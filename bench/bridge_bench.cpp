@@ -94,17 +94,16 @@ void UnmarshalMapBaseline(benchmark::State &state, int64_t count)
 }
 
 const int READ_ROW =
-    AddRow("`UnMarshalling`, 10 000 entries", WithSize(UnmarshalMap, MANY),
-           "reading into a map by hand, one `DHLog` each", WithSize(UnmarshalMapBaseline, MANY), SAME_WORK_LIMIT);
-const int WRITE_ROW = AddRow("`Marshalling`, 10 000 entries", WithSize(MarshalMap, MANY),
-                             "composing and writing by hand", MarshalMapBaseline, SAME_WORK_LIMIT);
+    AddRow("`UnMarshalling`, 10 000 entries", WithSize(UnmarshalMap, MANY), "hand-written loop, one `DHLog` each",
+           WithSize(UnmarshalMapBaseline, MANY), SAME_WORK_LIMIT);
+const int WRITE_ROW = AddRow("`Marshalling`, 10 000 entries", WithSize(MarshalMap, MANY), "hand-written loop",
+                             MarshalMapBaseline, SAME_WORK_LIMIT);
 const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", WithSize(UnmarshalMap, MANY),
                                    "a tenth of them", WithSize(UnmarshalMap, FEW), LINEAR_GROWTH_LIMIT);
 const int WRITE_GROWTH_ROW = AddRow("`Marshalling`, growth with entries", WithSize(MarshalMap, MANY), "a tenth of them",
                                     WithSize(MarshalMap, FEW), LINEAR_GROWTH_LIMIT);
 const int READ_CURVE = AddCurve("entries", "UnMarshalling", UnmarshalMap, 1, MANY);
-const int READ_BASELINE_CURVE =
-    AddCurve("entries", "baseline: reading into a map by hand", UnmarshalMapBaseline, 1, MANY);
+const int READ_BASELINE_CURVE = AddCurve("entries", "baseline: hand-written loop", UnmarshalMapBaseline, 1, MANY);
 
 std::vector<std::string> MakeDevices()
 {
@@ -156,7 +155,7 @@ void PublishBaseline(benchmark::State &state)
 }
 
 const int PUBLISH_ROW = AddRow("`PublishMessage`, 1 000 entries, one listener", PublishToOneListener,
-                               "the same cJSON calls and log lines by hand", PublishBaseline, SAME_WORK_LIMIT);
+                               "the same cJSON calls and log lines", PublishBaseline, SAME_WORK_LIMIT);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

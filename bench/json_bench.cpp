@@ -76,7 +76,7 @@ void MarshalDeviceBaseline(benchmark::State &state)
     }
 }
 
-const int MARSHAL_ROW = AddRow("`DHOSTRADeviceJson::Marshal`", MarshalDevice, "the same cJSON calls by hand",
+const int MARSHAL_ROW = AddRow("`DHOSTRADeviceJson::Marshal`", MarshalDevice, "the same cJSON calls",
                                MarshalDeviceBaseline, SAME_WORK_LIMIT);
 
 OSTRADeviceService MakeService()
@@ -127,7 +127,7 @@ void PackServiceBaseline(benchmark::State &state)
     }
 }
 
-const int PACK_ROW = AddRow("`PackServiceData`, 20 properties", PackService, "the same cJSON calls by hand",
+const int PACK_ROW = AddRow("`PackServiceData`, 20 properties", PackService, "the same cJSON calls",
                             PackServiceBaseline, SAME_WORK_LIMIT);
 
 std::string MakeServiceDocument()
@@ -211,10 +211,10 @@ constexpr int64_t MAX_CODECS = 1000000;
 
 const int CODECS_ROW =
     AddRow("`DHOSTRAAudioProperties::Unmarshal`, 100 000 codecs", WithSize(ReadCapabilities, MANY_CODECS),
-           "the same work by hand", WithSize(ReadCapabilitiesBaseline, MANY_CODECS), SAME_WORK_LIMIT);
+           "the same work, hand-written", WithSize(ReadCapabilitiesBaseline, MANY_CODECS), SAME_WORK_LIMIT);
 const int CODECS_CURVE = AddCurve("codecs", "DHOSTRAAudioProperties::Unmarshal", ReadCapabilities, 10, MAX_CODECS);
 const int CODECS_BASELINE =
-    AddCurve("codecs", "baseline: the same work by hand", ReadCapabilitiesBaseline, 10, MAX_CODECS);
+    AddCurve("codecs", "baseline: the same work, hand-written", ReadCapabilitiesBaseline, 10, MAX_CODECS);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

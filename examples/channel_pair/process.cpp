@@ -129,7 +129,7 @@ ChildProcess Start(const std::string &name, const std::function<SideReport()> &r
 
 void WaitForBoth(ChildProcess &source, ChildProcess &sink, double timeout)
 {
-    // Gives a side whose own timeout expires at the same moment the time to report it.
+    // The extra time lets a side report its own timeout if that expires at the same moment.
     const std::chrono::duration<double> limit(timeout + 0.5);
     std::optional<Clock::time_point> firstEnd;
     int handledInterrupts = 0;

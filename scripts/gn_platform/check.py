@@ -139,8 +139,8 @@ def check_target(name, target, top):
         failures.append(f"{name}: external_deps lacks {component}, whose headers it includes")
     if name.endswith("_test"):
         expect("googletest:gtest_main" not in named, f"{name}: the template adds googletest:gtest_main")
-        text = "\n".join(map(read, sources))
-        expect(re.search(r"^TEST", text, re.M) and not re.search(r"^int main\(", text, re.M),
+        code = "\n".join(map(read, sources))
+        expect(re.search(r"^TEST", code, re.M) and not re.search(r"^int main\(", code, re.M),
                f"{name}: not a GoogleTest program, so a device's test runner gets no result")
 
 

@@ -25,7 +25,7 @@ for flag in -I/absolute/headers/ostra_adapter_utils -I/absolute/headers/ostra_ad
 done
 
 ! configure static "$source" -DBUILD_SHARED_LIBS=OFF || fail "BUILD_SHARED_LIBS=OFF is accepted"
-grep -q 'shared library only' "$work/static.log" || fail "the error for a static build gives no reason"
+grep -q 'shared library only' "$work/static.log" || fail "the error message for a static build does not explain the reason"
 
 mkdir "$work/newer"
 ln -s "$source"/* "$work/newer"

@@ -45,7 +45,7 @@ diff -B <(sed -n '/^#include/,$p' "$top/examples/first_frame.cpp") "$work/outsid
 "$CMAKE" --build "$work/cmake" >"$work/log" || fail "$(cat "$work/log")"
 printed=$($EMULATOR "$work/cmake/first_program")
 expected=$(sed -n 's/^ *\/\/ Prints: //p' "$work/outside/first_frame.cpp")
-[ "$printed" = "${expected:?}" ] || fail "the first program prints $printed, README.md says $expected"
+[ "$printed" = "${expected:?}" ] || fail "the first program printed \"$printed\" instead of \"$expected\""
 
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
 # The program needs one library only, which must find the other one. The flags must be split into words.

@@ -29,7 +29,7 @@ while read -r time1 time2 result status; do
         cat >"$work/round$i.json" <<JSON
 {"benchmarks": [
   {"run_type": "iteration", "run_name": "name", "family_index": 0, "cpu_time": ${!time}, "time_unit": "ms",
-   "max ratio": 1.6, "label": "by hand"},
+   "max ratio": 1.6, "label": "hand-written loop"},
   {"run_type": "iteration", "run_name": "name (baseline)", "cpu_time": 1000, "time_unit": "us"}]}
 JSON
     done
