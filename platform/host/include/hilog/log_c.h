@@ -6,10 +6,10 @@
 ///
 /// A message is delivered if its level is loggable (see HiLogIsLoggable), its domain is below 0xD0FFFFF and, except for
 /// LOG_APP, at least 0xD000000. A delivered message goes to the callback and to standard error. OSTRA_HOST_LOG_LEVEL
-/// sets the lowest level that is written to standard error: debug, info, warn, error, fatal or off; by default
-/// everything that is delivered. It does not affect delivery, except that `debug` also delivers DEBUG messages, which a
-/// device does not by default. A write that a signal interrupts is retried, and a closed pipe does not terminate the
-/// process.
+/// sets the minimum level that is written to standard error: debug, info, warn, error, fatal or off; by default,
+/// everything that is delivered is written. It does not affect delivery, except that `debug` also delivers DEBUG
+/// messages, which a device does not by default. A write that a signal interrupts is retried, and a closed pipe does
+/// not terminate the process.
 
 #ifndef HOST_HILOG_LOG_C_H
 #define HOST_HILOG_LOG_C_H
