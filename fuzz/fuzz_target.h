@@ -63,16 +63,9 @@ inline std::string TakeString(std::string &input)
     return Take(input, TakeByte(input) % 64U);
 }
 
-inline std::string TakeLine(std::string &input)
-{
-    const std::string line = Take(input, input.find('\n'));
-    Take(input, 1);
-    return line;
-}
-
 // If the values differ, prints them and the input (for `xxd -r -p`), and aborts, so that the fuzzer saves the input.
 template <typename Value>
-void ExpectEqual(const char *field, const Value &expected, const Value &got)
+void ExpectEqual(const std::string &field, const Value &expected, const Value &got)
 {
     if (got == expected) {
         return;
