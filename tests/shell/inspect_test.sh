@@ -95,14 +95,14 @@ check_documents() {
     expect 0 $'deviceName desk tablet\nserviceType 4\nstatus {"state":"idle"}\ncode 0 bit 1' \
         service "$(<"$folder/service")"
     examples unset-service 1
-    expect 0 $'deviceId (empty)\nprofile text 48000,2,16;' service "$(<"$folder/unset-service")"
+    expect 0 $'deviceId (empty)\nprofile string 48000,2,16;' service "$(<"$folder/unset-service")"
     examples audio 6
     while IFS= read -r line; do
         output=${line##*=> }
         result=${output%%,*}
         profiles=$(sed 's/.*"\(.*\)"/\1/' <<<"$output")
         bits=$(sed 's/.*bits \([0-9]*\),.*/\1/' <<<"$output")
-        expect "$((result != 0))" "result $result"$'\n'"codec bits $bits"$'\n'"profile text ${profiles:-(empty)}" \
+        expect "$((result != 0))" "result $result"$'\n'"codec bits $bits"$'\n'"profile string ${profiles:-(empty)}" \
             audio "${line% =>*}"
     done <"$folder/audio"
 }
@@ -180,7 +180,12 @@ check_memory() {
     (ulimit -v 200000 && "$inspect" --version >"$folder/out" 2>&1) || return 0
     { printf '[' && head -c 30000000 <(yes 0, | tr '\n' ' '); } >line
     (ulimit -v 200000 && "$inspect" events line >"$folder/out" 2>&1) && fail 'an event of 30 MB'
-    grep -q '1 of 1 lines are not events' "$folder/out" || fail 'a long line needs more than its own size'
+    grep -q '1 of 1 lines not recognized' "$folder/out" || fail 'a long line needs more than its own size'
+    (ulimit -v 200000 && "$inspect" --json frame line >"$folder/out" 2>&1) || fail 'JSON of a frame of 30 MB'
+    grep -q '"content_omitted":.*29989997' "$folder/out" || fail 'the JSON contains the whole content'
+    printf '{"2102":"{\\"profiles\\":[{}%s]}"}' "$(yes ',{}' | head -1000000 | tr -d '\n')" >profiles
+    (ulimit -v 200000 && "$inspect" audio profiles >"$folder/out" 2>&1) || fail 'a million empty profiles'
+    grep -q 'warnings omitted *2990003' "$folder/out" || fail 'the report contains all warnings'
     { printf '{"properties":{"2102":"' && head -c 4000000 /dev/zero | tr '\0' a &&
         printf '"},"deviceId":"d1"}'; } >large
     for limit in {12000..80000..4000}; do
