@@ -53,7 +53,8 @@ void Run(Model &model, std::string &input)
     const uint8_t operation = TakeByte(input);
     const int32_t number = TakeNumber(input);
     const std::string payload = TakeString(input);
-    std::vector<uint8_t> content(payload.begin(), payload.end());  // exact, so that the sanitizer detects an overrun
+    // Has no spare capacity, so that the sanitizer detects an overrun.
+    std::vector<uint8_t> content(payload.begin(), payload.end());
     uint8_t *data = (operation & 0x80) != 0 ? nullptr : content.data();
     const int32_t size = static_cast<int32_t>(payload.size()) * ((operation & 0x40) != 0 ? -1 : 1);
     bool isValid = data != nullptr && size > 0;
@@ -108,7 +109,7 @@ uint16_t Divide(const std::vector<uint8_t> &bytes)
 // Compares each implementation with the definition; each computes the CRC of the input in two pieces.
 void CheckCrc(const std::string &input)
 {
-    std::vector<uint8_t> bytes(input.begin(), input.end());  // exact, as in Run
+    std::vector<uint8_t> bytes(input.begin(), input.end());  // no spare capacity, as in Run
     const uint16_t expected = Divide(bytes);
     const size_t head = input.empty() ? 0 : size_t{bytes[0]} * bytes.back() % (bytes.size() + 1);
     const auto folding = HasCarryLessMultiplication() ? ExtendCrc16ByFolding : ExtendCrc16;

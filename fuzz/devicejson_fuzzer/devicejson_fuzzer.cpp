@@ -24,7 +24,7 @@ constexpr int32_t STEP_FAILED = -70004;
 constexpr int32_t INPUT_INVALID = -70005;
 constexpr char VERSIONS[] = "{\n\t\"1\":\t1,\n\t\"2\":\t2,\n\t\"4\":\t2,\n\t\"256\":\t1,\n\t\"512\":\t1\n}";
 
-// Returns the nesting depth of arrays and objects in an item and those after it.
+// Returns the nesting depth of arrays and objects in an item and its following siblings.
 int Nesting(const cJSON *item)
 {
     const int own = cJSON_IsArray(item) != 0 || cJSON_IsObject(item) != 0 ? 1 : 0;
@@ -190,7 +190,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     expectedAudio.audioCodecType_ = audio.audioCodecType_ = 8;  // reset to 0 if there are no codecs
     std::istringstream lines(input);
     std::string line;
-    for (int i = 0; i < MAX_LINES && std::getline(lines, line); ++i) {  // capabilities accumulate
+    for (int i = 0; i < MAX_LINES && std::getline(lines, line); ++i) {  // codecs and profiles accumulate
         ExpectEqual("result for a service", ReadService(line, expected), service.Unmarshal(line));
         for (const std::string &properties : {line, "{\"2102\":" + Quote(line) + "}"}) {
             ExpectEqual("result for audio", ReadAudio(properties, expectedAudio), audio.Unmarshal(properties));

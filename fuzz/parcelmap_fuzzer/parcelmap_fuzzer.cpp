@@ -29,7 +29,7 @@ bool IsKey(const std::string &string)
     return string.size() <= MAX_KEY_LENGTH && std::regex_match(string, number) && key >= INT32_MIN && key <= INT32_MAX;
 }
 
-// Returns 0 and takes nothing if less than a unit is left.
+// Returns the next 4 bytes as a number, or 0 if fewer are left.
 size_t TakeUnit(std::string &bytes)
 {
     uint32_t number = 0;
@@ -57,7 +57,7 @@ bool Read(std::string &bytes, Map &params)
     return count <= MAX_ENTRIES;
 }
 
-// Existing entries of the map are kept or replaced.
+// Reads the parcel into a map with the expected entries: the library must keep or replace the same ones.
 Map CheckUnMarshalling(std::string bytes, Map expected)
 {
     void *block = std::malloc(bytes.size() + 1);  // the parcel frees it

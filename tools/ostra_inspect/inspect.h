@@ -46,7 +46,7 @@ void CollectLog();
 /// Returns the first ten warnings and errors since the last call, on one line.
 std::string TakeLogMessages();
 
-// The subcommands. Those that return a Inspection throw InputError if there is nothing to report; otherwise they set
+// The subcommands. Those that return an Inspection throw InputError if there is nothing to report; otherwise they set
 // `error` if the input was rejected.
 
 struct Inspection {

@@ -20,16 +20,16 @@ constexpr char PROGRAM[] = "ostra-inspect";
 constexpr char DESCRIPTION[] =
     "Shows what libostra_adapter_utils reads from a frame, a document, a parcel or events, and what it ignores.";
 constexpr char FOOTER[] =
-    "HEX is pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68. FILE and\n"
-    "standard input are read as binary data: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
-    "Control characters, and bytes that are not UTF-8, are shown as \\x and two digits. The JSON of events is one\n"
-    "object per line. The exit status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for an\n"
-    "invalid command line.\n\n"
+    "HEX consists of pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68.\n"
+    "A file or standard input contains the bytes themselves: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
+    "Control characters, and bytes that are not valid UTF-8, are printed as \\x and two digits. With --json, events\n"
+    "are printed as one object per line, and the content of a frame is limited to its first 10,000 bytes. The exit\n"
+    "status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for an invalid command line.\n\n"
     "Examples:\n"
     "  $ ostra-inspect frame 85 68 65 6C 6C 6F\n"
-    "  $ ostra-inspect frame --crc A1CD 8568656C6C6F\n"
-    "  $ xxd -r message.hex | ostra-inspect frame --skip 8 --content - > content.bin\n"
-    "  $ ostra-inspect service '{\"deviceId\":\"d1\",\"properties\":{\"2102\":\"{}\"}}'\n"
+    "  $ xxd -r message.hex | ostra-inspect frame --skip 8 --crc A1CD\n"
+    "  $ ostra-inspect frame --content frame.bin > content.bin\n"
+    "  $ ostra-inspect service '{\"deviceId\":\"d1\",\"serviceType\":4}'\n"
     "  $ ostra-inspect --json parcel parcel.bin\n"
     "  $ ostra-inspect events --failed --pid 4711 events.txt\n"
     "  $ tail -f events.txt | ostra-inspect events -";
@@ -79,22 +79,22 @@ void AddSubcommands(CLI::App &app, Options &options)
             return argument.empty() ? "empty argument" : "";
         });
     };
-    constexpr char bytes[] = "the bytes, or a file that contains them; - is standard input";
-    constexpr char document[] =
-        "a file with the document, or the document itself if it starts with {; - is standard input";
+    constexpr char bytes[] = "the bytes, or a file that contains them; standard input if - or omitted";
+    constexpr char document[] = "the document, if it starts with {, or a file; standard input if - or omitted";
     add("frame", "a channel frame: header value, content, CRC-16", "HEX|FILE", options.arguments, bytes);
     add("service", "a device service document", "FILE", options.path, document);
     add("audio", "audio capabilities: a properties object with the member 2102", "FILE", options.path, document);
     add("device", "a device document with its version table", "FILE", options.path, document);
     add("parcel", "a map from integers to strings in a parcel", "HEX|FILE", options.arguments, bytes);
     add("events", "business-flow events, one per line, as OSTRA_HOST_EVENT_OUTPUT writes them", "FILE", options.path,
-        "a file with the events; - is standard input");
+        "a file with the events; standard input if - or omitted");
 }
 
 void AddOptions(CLI::App &app, Options &options)
 {
-    app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION);
-    app.set_help_all_flag("--help-all", "Print the help of all subcommands and exit");
+    app.set_help_flag("-h,--help", "print this help and exit");
+    app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION, "print the version and exit");
+    app.set_help_all_flag("--help-all", "print the help of all subcommands and exit");
     app.add_flag("--json", options.events.isJson, "print JSON");
     CLI::App *const frame = app.get_subcommand("frame");
     frame->add_option("--skip", options.frame.skip, "skip the first N bytes; 8 for a message of channel_pair")
@@ -107,7 +107,7 @@ void AddOptions(CLI::App &app, Options &options)
             return isHex && !digits.empty() && digits.size() <= MAX_CRC_DIGITS ? ""
                                                                                : "not a hexadecimal CRC: " + digits;
         });
-    frame->add_flag("--content", options.isContentOnly, "write only the raw content, to a pipe or file");
+    frame->add_flag("--content", options.isContentOnly, "write only the content, as raw bytes, to a pipe or file");
     CLI::App *const events = app.get_subcommand("events");
     events->add_flag("--failed", options.events.isFailedOnly, "show only failures");
     events->add_option("--pid", options.events.pid, "show only events of this process")->option_text("PID");

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr char COLUMN_SEPARATOR[] = "  ";  // between columns, and before an indented row
+constexpr char COLUMN_SEPARATOR[] = "  ";  // also the indentation of a level
 
 struct Character {
     size_t length = 0;  // in bytes; 0 if the string does not begin with UTF-8
