@@ -103,9 +103,10 @@ void AddOptions(CLI::App &app, Options &options)
     frame->add_option("--crc", options.frame.crc, "fail unless the CRC-16 of the frame is HEX")
         ->option_text("HEX")
         ->check([](const std::string &digits) {
-            const bool isHex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-            return isHex && !digits.empty() && digits.size() <= MAX_CRC_DIGITS ? ""
-                                                                               : "not a hexadecimal CRC: " + digits;
+            const size_t begin = digits.rfind("0x", 0) == 0 ? 2 : 0;
+            const size_t count = digits.size() - begin;
+            const bool isHex = digits.find_first_not_of("0123456789abcdefABCDEF", begin) == std::string::npos;
+            return isHex && count > 0 && count <= MAX_CRC_DIGITS ? "" : "not a hexadecimal CRC: " + digits;
         });
     frame->add_flag("--content", options.isContentOnly, "write only the content, as raw bytes, to a pipe or file");
     CLI::App *const events = app.get_subcommand("events");
