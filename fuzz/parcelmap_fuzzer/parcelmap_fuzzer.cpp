@@ -60,8 +60,8 @@ bool Read(std::string &bytes, Map &params)
 // Reads the parcel into a map with the expected entries: the library must keep or replace the same ones.
 Map CheckUnMarshalling(std::string bytes, Map expected)
 {
-    void *block = std::malloc(bytes.size() + 1);  // the parcel frees it
-    std::memcpy(block, bytes.data(), bytes.size());
+    auto *block = static_cast<char *>(std::malloc(bytes.size() + 1));  // the parcel frees it
+    bytes.copy(block, bytes.size());
     MessageParcel parcel;
     parcel.ParseFrom(reinterpret_cast<uintptr_t>(block), bytes.size());
     Map params = expected;
