@@ -15,9 +15,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
-#include <vector>
 
 #include "distributed_hardware_fwk_kit.h"
 #include "errors.h"
@@ -78,48 +76,6 @@ TEST(RefBase, PointersShareTheCountOfTheObject)
     first = nullptr;
     EXPECT_FALSE(first);
     EXPECT_EQ(derived->GetSptrRefCount(), 1);
-}
-
-TEST(RefBase, WeakPointersExpireWithTheObject)
-{
-    sptr<Object> strong = new Object();
-    wptr<Object> weak = strong;
-    EXPECT_EQ(weak.promote(), strong);
-    EXPECT_EQ(strong->GetSptrRefCount(), 1);
-    strong = nullptr;
-    EXPECT_EQ(token.use_count(), 1);
-    EXPECT_FALSE(weak.promote());
-    EXPECT_FALSE(wptr<Object>().promote());
-    {
-        Object uncounted;
-        weak = &uncounted;
-    }
-    EXPECT_FALSE(weak.promote());
-    weak = new Derived();  // no reference yet: the first strong pointer takes ownership
-    EXPECT_TRUE(weak.promote());
-    EXPECT_FALSE(weak.promote());
-}
-
-// No promotion revives an object that another thread destroys.
-TEST(RefBase, CountsAreThreadSafe)
-{
-    for (int round = 0; round < 200; ++round) {
-        sptr<Object> strong = new Object();
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 3; ++i) {
-            threads.emplace_back([weak = wptr<Object>(strong)] {
-                for (int promotion = 0; promotion < 20; ++promotion) {
-                    const sptr<Object> held = weak.promote();
-                    EXPECT_TRUE(!held || held->held == token);
-                }
-            });
-        }
-        strong = nullptr;
-        for (std::thread &thread : threads) {
-            thread.join();
-        }
-        EXPECT_EQ(token.use_count(), 1);
-    }
 }
 
 TEST(FwkKit, PublishesToTheListenersOfTheTopic)
