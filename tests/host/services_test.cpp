@@ -57,16 +57,15 @@ struct Listener : Object, IPublisherListener {
 TEST(RefBase, CountsReferences)
 {
     sptr<Object> first = new Listener("");
-    Object *const raw = first;
     {
-        const sptr<Object> second(raw);
+        const sptr<Object> second(first.GetRefPtr());
         sptr<Object> third = first;
         const sptr<Object> fourth = std::move(third);
         EXPECT_EQ(third, nullptr);
-        EXPECT_EQ(fourth, raw);
-        EXPECT_EQ(raw->GetSptrRefCount(), 3);
+        EXPECT_EQ(fourth, second);
+        EXPECT_EQ(first->GetSptrRefCount(), 3);
     }
-    EXPECT_EQ(raw->GetSptrRefCount(), 1);
+    EXPECT_EQ(first->GetSptrRefCount(), 1);
     const sptr<Listener> derived = sptr<Listener>::MakeSptr("");
     first = derived;  // destroys the first object
     EXPECT_EQ(token.use_count(), 1 + 1);
@@ -82,13 +81,13 @@ TEST(RefBase, CountsReferences)
 TEST(RefBase, CountIsThreadSafe)
 {
     const sptr<Object> object = new Object();
-    const auto copyOften = [&object] {
+    const auto copyRepeatedly = [&object] {
         for (int i = 0; i < 100000; ++i) {
             const sptr<Object> copy = object;
         }
     };
-    std::thread other(copyOften);
-    copyOften();
+    std::thread other(copyRepeatedly);
+    copyRepeatedly();
     other.join();
     EXPECT_EQ(object->GetSptrRefCount(), 1);
 }
