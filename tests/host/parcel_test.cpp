@@ -36,19 +36,15 @@ std::optional<Bytes> Block(const uint8_t *data, size_t size)
     return bytes == nullptr ? std::nullopt : std::make_optional<Bytes>(std::string(bytes, size));
 }
 
-template <size_t typeSize>
-bool WriteTerminated(const Bytes &block)
-{
-    return g_parcel->WriteBufferAddTerminator(block.data(), block.size(), typeSize);
-}
-
 #define GET(Name) operations[#Name] = Call(+[] { return g_parcel->Name(); });
 #define SET(Name, Type) operations[#Name] = Call(+[](Type value) { return g_parcel->Name(value); });
 
-// Writes a string or block, which may be null, with its length.
-#define WRITE(Name, Type)                                                                  \
-    operations[#Name] = Call(+[](const std::optional<Type> &value) {                       \
-        return g_parcel->Name(value ? value->data() : nullptr, value ? value->size() : 0); \
+// Writes a string or block, which may be null.
+#define WRITE(name, call, Type)                                     \
+    operations[name] = Call(+[](const std::optional<Type> &value) { \
+        const auto *const data = value ? value->data() : nullptr;   \
+        const size_t size = value ? value->size() : 0;              \
+        return g_parcel->call;                                      \
     });
 
 // Reads into a variable that is initialized to `before`.
@@ -71,8 +67,6 @@ Operations ParcelOperations()
     Operations operations = {
         {"WriteCString",
          Call(+[](std::optional<std::string> value) { return g_parcel->WriteCString(Pointer(value)); })},
-        {"WriteBufferAddTerminator1", Call(WriteTerminated<1>)},
-        {"WriteBufferAddTerminator2", Call(WriteTerminated<2>)},
         {"ReadBuffer", Call(+[](size_t size) { return Block(g_parcel->ReadBuffer(size), size); })},
         {"ReadUnpadBuffer", Call(+[](size_t size) { return Block(g_parcel->ReadUnpadBuffer(size), size); })},
         {"SkipBytes", Call(+[](size_t count) -> Fields { return g_parcel->SkipBytes(count), Fields{"done"}; })},
@@ -100,12 +94,14 @@ Operations ParcelOperations()
     VALUES(String16, String16, std::u16string, u"pre")
     SET(WritePointer, uintptr_t)
     GET(ReadPointer)
-    WRITE(WriteString8WithLength, std::string)
-    WRITE(WriteString16WithLength, std::u16string)
+    WRITE("WriteString8WithLength", WriteString8WithLength(data, size), std::string)
+    WRITE("WriteString16WithLength", WriteString16WithLength(data, size), std::u16string)
     READ_INTO("ReadString8WithLength&", ReadString8WithLength(value), int32_t, 77)
     READ_INTO("ReadString16WithLength&", ReadString16WithLength(value), int32_t, 77)
-    WRITE(WriteBuffer, Bytes)
-    WRITE(WriteUnpadBuffer, Bytes)
+    WRITE("WriteBuffer", WriteBuffer(data, size), Bytes)
+    WRITE("WriteUnpadBuffer", WriteUnpadBuffer(data, size), Bytes)
+    WRITE("WriteBufferAddTerminator1", WriteBufferAddTerminator(data, size, 1), Bytes)
+    WRITE("WriteBufferAddTerminator2", WriteBufferAddTerminator(data, size, 2), Bytes)
     GET(GetReadableBytes)
     GET(GetWritableBytes)
     GET(GetDataCapacity)
@@ -145,7 +141,7 @@ TEST(Parcel, MatchesRecording)
     Replay("handwritten/parcel.txt", 1, operations);
 }
 
-TEST(Parcel, RejectsInvalidArguments)
+TEST(Parcel, IsUsableAfterRejectedCalls)
 {
     Parcel parcel;
     EXPECT_FALSE(parcel.ParseFrom(0, 1));
@@ -154,4 +150,7 @@ TEST(Parcel, RejectsInvalidArguments)
     EXPECT_TRUE(parcel.SetMaxCapacity(SIZE_MAX));
     EXPECT_FALSE(parcel.WriteBuffer("", SIZE_MAX / 2)) << "allocation fails";
     EXPECT_TRUE(parcel.WriteUint32(1));
+    EXPECT_EQ(parcel.ReadUint32(), 1u);
+    parcel.FlushBuffer();
+    EXPECT_EQ(parcel.GetReadPosition(), 0u);
 }

@@ -15,7 +15,7 @@ using namespace replay;
 namespace {
 
 // Sets the memory to `bytes`, followed by 0x5a bytes.
-void Fill(size_t size, const std::string &bytes = "")
+void SetMemory(size_t size, const std::string &bytes = "")
 {
     g_memory = bytes + std::string(size - bytes.size(), '\x5a');
 }
@@ -25,7 +25,7 @@ template <typename... Parameters>
 Operation Copies(errno_t (*function)(Parameters...))
 {
     return [call = Call(function)](const Fields &in) -> Fields {
-        Fill(48, Value<Bytes>(in.at(0)));
+        SetMemory(48, Value<Bytes>(in.at(0)));
         const std::string result = call({in.begin() + 1, in.end()}).front();
         return {result, ToHex(g_memory)};
     };
@@ -37,7 +37,7 @@ Operation Prints(const Function &function)
 {
     return [function](const Fields &in) -> Fields {
         constexpr size_t minShown = 16;
-        Fill(1024);
+        SetMemory(1024);
         const int result = PrintfCall(in, 3).Pass([&](auto... arguments) {
             const size_t count = in[2] == "-" ? 0 : Value<size_t>(in[2]);
             return function(Value<char *>(in[0]), Value<size_t>(in[1]), count, arguments...);

@@ -25,8 +25,8 @@ constexpr size_t MAX_BYTES = SIZE_MAX / 2;  // so that the sum of two sizes does
 size_t CapacityFor(size_t size, size_t max)
 {
     if (size > CAPACITY_STEP) {
-        const size_t whole = size / CAPACITY_STEP * CAPACITY_STEP;
-        return whole > max - CAPACITY_STEP ? max : whole + CAPACITY_STEP;
+        const size_t rounded = size / CAPACITY_STEP * CAPACITY_STEP;
+        return rounded > max - CAPACITY_STEP ? max : rounded + CAPACITY_STEP;
     }
     size_t capacity = INITIAL_CAPACITY;
     while (capacity < size) {
