@@ -32,8 +32,8 @@ bool ParseFrom(const Bytes &bytes)
 
 std::optional<Bytes> Block(const uint8_t *data, size_t size)
 {
-    const auto *const bytes = reinterpret_cast<const char *>(data);
-    return bytes == nullptr ? std::nullopt : std::make_optional<Bytes>(std::string(bytes, size));
+    const Bytes bytes{data == nullptr ? "" : std::string(reinterpret_cast<const char *>(data), size)};
+    return data == nullptr ? std::nullopt : std::make_optional(bytes);
 }
 
 #define GET(Name) operations[#Name] = Call(+[] { return g_parcel->Name(); });
@@ -135,7 +135,7 @@ TEST(Parcel, MatchesRecording)
         return Fields();
     });
     operations["end"] = Call(+[] {
-        return Bytes({reinterpret_cast<const char *>(g_parcel->GetData()), g_parcel->GetDataSize()});
+        return Bytes{std::string(reinterpret_cast<const char *>(g_parcel->GetData()), g_parcel->GetDataSize())};
     });
     EXPECT_EQ(Replay("recorded/parcel.txt", 307, operations), 10u);
     Replay("handwritten/parcel.txt", 1, operations);

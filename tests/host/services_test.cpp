@@ -29,7 +29,7 @@ static_assert(SUCCEEDED(ERR_OK) && FAILED(ERR_OK - 1));
 
 namespace {
 
-const auto token = std::make_shared<int>();  // every live object holds a reference
+const auto token = std::make_shared<int>();  // referenced by every live object
 
 struct Object : virtual RefBase {
     std::shared_ptr<int> held = token;
@@ -38,7 +38,7 @@ struct Object : virtual RefBase {
 std::string g_received;
 
 struct Listener : Object, IPublisherListener {
-    explicit Listener(const char *text) : prefix(text)
+    explicit Listener(const char *name) : prefix(name)
     {
     }
     DISALLOW_COPY_AND_MOVE(Listener);
