@@ -216,7 +216,7 @@ const uint8_t *Parcel::ReadUnpadBuffer(size_t length)
     return bytes;
 }
 
-// Adds room for `size` bytes at the write position, padded with zeros. Returns null if they do not fit.
+// Makes space for `size` bytes at the write position, padded with zeros. Returns null if they do not fit.
 uint8_t *Parcel::Append(size_t size)
 {
     if (!isWritable_ || size > MAX_BYTES) {
