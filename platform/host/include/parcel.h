@@ -27,28 +27,10 @@
 
 namespace OHOS {
 
-/// Allocates the buffer of a parcel.
-class Allocator {
-public:
-    virtual ~Allocator() = default;
-    virtual void *Realloc(void *data, size_t newSize) = 0;
-    virtual void *Alloc(size_t size) = 0;
-    virtual void Dealloc(void *data) = 0;
-};
-
-/// Uses malloc, realloc and free.
-class DefaultAllocator : public Allocator {
-public:
-    void *Realloc(void *data, size_t newSize) override;
-    void *Alloc(size_t size) override;
-    void Dealloc(void *data) override;
-};
-
 /// A buffer of values with a write position and a read position.
 class Parcel {
 public:
     Parcel();
-    explicit Parcel(Allocator *allocator);  // owns the allocator; null selects the default one
     virtual ~Parcel();
     Parcel(const Parcel &) = delete;
     Parcel &operator=(const Parcel &) = delete;
@@ -163,7 +145,6 @@ public:
     size_t GetWritableBytes() const;
     size_t GetDataCapacity() const;
     size_t GetMaxCapacity() const;
-    size_t GetOffsetsSize() const;  // of objects: always 0
     size_t GetReadPosition();
     size_t GetWritePosition();
     /// \}
@@ -189,13 +170,8 @@ public:
     /// Frees the buffer. After ParseFrom the parcel remains read-only.
     void FlushBuffer();
 
-    /// Replaces the allocator and takes ownership of the new one. Returns false for null and while the parcel has a
-    /// buffer.
-    bool SetAllocator(Allocator *allocator);
-
-    /// Takes ownership of a buffer of any size that the allocator of the parcel can free (by default one from malloc).
-    /// The parcel is read-only afterwards. Returns false, without taking ownership, if the parcel has a buffer already,
-    /// or for a null buffer with a size.
+    /// Takes ownership of a buffer of any size that was allocated with malloc. The parcel is read-only afterwards.
+    /// Returns false, without taking ownership, if the parcel has a buffer already, or for a null buffer with a size.
     bool ParseFrom(uintptr_t data, size_t size);
 
 private:
@@ -220,8 +196,7 @@ private:
     template <typename T>
     bool ReadPacked(std::vector<T> *values);
 
-    std::unique_ptr<Allocator> allocator_;
-    uint8_t *data_ = nullptr;
+    std::unique_ptr<uint8_t, void (*)(void *)> data_;
     size_t dataSize_ = 0;
     size_t dataCapacity_ = 0;
     size_t maxCapacity_;
