@@ -35,14 +35,14 @@ public:
     Parcel(const Parcel &) = delete;
     Parcel &operator=(const Parcel &) = delete;
 
-    /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4;
-    /// reading uses the low-order bytes. ReadBool returns true for any value but 0.
-    /// \{
     // NOLINTBEGIN(bugprone-macro-parentheses): types cannot be put in parentheses
 #define HOST_PARCEL_SCALAR(Name, Type) \
     bool Write##Name(Type value);      \
     Type Read##Name();                 \
     bool Read##Name(Type &value);
+    /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4;
+    /// reading uses the low-order bytes. ReadBool returns true for any value but 0.
+    /// \{
     HOST_PARCEL_SCALAR(Bool, bool)
     HOST_PARCEL_SCALAR(Int8, int8_t)
     HOST_PARCEL_SCALAR(Int16, int16_t)
@@ -54,9 +54,9 @@ public:
     HOST_PARCEL_SCALAR(Uint64, uint64_t)
     HOST_PARCEL_SCALAR(Float, float)
     HOST_PARCEL_SCALAR(Double, double)
+    /// \}
 #undef HOST_PARCEL_SCALAR
     // NOLINTEND(bugprone-macro-parentheses)
-    /// \}
 
     /// An address of this process, in 8 bytes.
     /// \{
@@ -112,14 +112,14 @@ public:
     const uint8_t *ReadUnpadBuffer(size_t length);
     /// \}
 
+#define HOST_PARCEL_VECTOR(Name, Type)                         \
+    bool Write##Name##Vector(const std::vector<Type> &values); \
+    bool Read##Name##Vector(std::vector<Type> *values);
     /// Vectors: the count as a signed 32-bit value, then the elements as above; 8-bit and UInt16 elements are packed
     /// and padded as a whole. Reading returns false, with the count consumed and the vector unchanged, if the
     /// count is negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read
     /// are empty.
     /// \{
-#define HOST_PARCEL_VECTOR(Name, Type)                         \
-    bool Write##Name##Vector(const std::vector<Type> &values); \
-    bool Read##Name##Vector(std::vector<Type> *values);
     HOST_PARCEL_VECTOR(Bool, bool)
     HOST_PARCEL_VECTOR(Int8, int8_t)
     HOST_PARCEL_VECTOR(Int16, int16_t)
@@ -133,8 +133,8 @@ public:
     HOST_PARCEL_VECTOR(Double, double)
     HOST_PARCEL_VECTOR(String, std::string)
     HOST_PARCEL_VECTOR(String16, std::u16string)
-#undef HOST_PARCEL_VECTOR
     /// \}
+#undef HOST_PARCEL_VECTOR
 
     /// Sizes in bytes: the data; the data after the read position; the free space before the buffer must grow; the
     /// buffer; the size to which writes may grow it (204800 by default). GetData returns the address of the data.
