@@ -2,8 +2,8 @@
 //
 // Parsing of untrusted JSON from a peer, with a limit on nesting.
 
-#ifndef COMMON_JSON_READING_H
-#define COMMON_JSON_READING_H
+#ifndef COMMON_PARSE_JSON_H
+#define COMMON_PARSE_JSON_H
 
 #include <string>
 
@@ -23,4 +23,4 @@ JsonTree ParseJson(const std::string &json);
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
 
-#endif  // COMMON_JSON_READING_H
+#endif  // COMMON_PARSE_JSON_H

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "json_reading.h"
+#include "parse_json.h"
 
 #include <cstring>
 
