@@ -11,14 +11,8 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-constexpr int MAX_JSON_NESTING = 100;
-
-// Returns true if the first value of `json`, the only one that cJSON parses, nests more than MAX_JSON_NESTING arrays
-// and objects. Brackets and braces inside strings do not count.
-bool IsNestedTooDeeply(const char *json);
-
-// Parses `json` up to its first NUL. Returns null if it is not valid JSON, is nested too deeply, or allocation fails.
-// cJSON recurses once per level and allows 1000 levels, which overflows the stack of a small thread.
+// Parses `json` up to its first NUL. Returns null if it is not valid JSON, nests more than 100 arrays and objects, or
+// allocation fails. cJSON recurses once per level and allows 1000 levels, which overflows a small stack.
 JsonTree ParseJson(const std::string &json);
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
