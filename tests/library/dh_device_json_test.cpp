@@ -12,18 +12,17 @@
 
 #include "dh_device_json_test.txt"
 
-namespace OHOS::DistributedHardware::OstraAdapter {
-namespace {
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 using DeviceJsonTest = GoldenTest;
 using AudioPropertiesTest = GoldenTest;
 using DeviceServiceJsonTest = GoldenTest;
 
-TEST_F(AudioPropertiesTest, LogsWhatItReadsAndDerives)
+TEST_F(AudioPropertiesTest, LogsReadAndDerivedValues)
 {
     CALL(DHOSTRAAudioProperties());
     DHOSTRAAudioProperties audio;
-    Note(audio.String());
+    RecordLine(audio.String());
     audio.serviceStatus_ = -2;
     audio.audioSampleRates_ = 4294967295;
     audio.audioFormat_ = 4294967294;
@@ -36,7 +35,7 @@ TEST_F(AudioPropertiesTest, LogsWhatItReadsAndDerives)
         {R"({"2102":"{"})", OSTRA_JSON_STEP_FAILED},
         {"{", OSTRA_JSON_INPUT_INVALID}};
     for (const auto &[properties, result] : cases) {
-        Note(properties);
+        RecordLine(properties);
         EXPECT_EQ(CALL(audio.Unmarshal(properties)), result);
     }
     EXPECT_EQ(CALL(audio.UnmarshalAudioCapablities("")), OSTRA_JSON_INPUT_INVALID);
@@ -50,14 +49,17 @@ TEST_F(AudioPropertiesTest, ExtendsListsCompletelyOrNotAtAll)
 {
     const std::string profile = R"({\"sampleRate\":44100,\"channel\":3,\"format\":1})";
     const std::string json = R"({"2102":"{\"codecs\":[0,1],\"profiles\":[)" + profile + "," + profile + "]}\"}";
-    std::optional<DHOSTRAAudioProperties> audio(std::in_place);  // new for each run: used lists have spare capacity
-    EachFault([&] { CALL(audio->Unmarshal(json)); },
-              [&audio] {
-                  EXPECT_EQ(audio->codecs_.size() % 2, 0U);
-                  EXPECT_EQ(audio->profiles_.size() % 2, 0U);
-                  EXPECT_EQ(audio->audioProfiles_, audio->audioProfiles_.empty() ? "" : "44100,2,16;44100,2,16;");
-                  audio.emplace();
-              });
+    std::optional<DHOSTRAAudioProperties> audio;
+    EachFault(
+        [&] {
+            audio.emplace();  // used lists would have spare capacity
+            CALL(audio->Unmarshal(json));
+        },
+        [&] {
+            EXPECT_EQ(audio->codecs_.size() % 2, 0U);
+            EXPECT_EQ(audio->profiles_.size() % 2, 0U);
+            EXPECT_EQ(audio->audioProfiles_, audio->audioProfiles_.empty() ? "" : "44100,2,16;44100,2,16;");
+        });
 }
 
 TEST_F(DeviceJsonTest, WritesEveryMember)
@@ -70,33 +72,30 @@ TEST_F(DeviceJsonTest, WritesEveryMember)
     device.port_ = 8080;
     EXPECT_EQ(device.Unmarshal(R"({"port":7})"), OSTRA_JSON_SUCCESS);
     EXPECT_EQ(device.Marshal(out), OSTRA_JSON_SUCCESS);
-    Note(out);
+    RecordLine(out);
 }
 
-TEST_F(DeviceJsonTest, KeepsTheOutputIfAllocationFails)
+TEST_F(DeviceJsonTest, LeavesTheOutputUnchangedIfAllocationFails)
 {
-    std::optional<DHOSTRADeviceJson> device;
-    std::string out = "old";
+    std::string out;
     bool isWritten = false;
-    const auto renew = [&device] {
-        device.emplace();
-        device->properties_ = "old";
-    };
-    renew();
-    EachFault([&] { isWritten = CALL(device->Marshal(out)) == OSTRA_JSON_SUCCESS; },
-              [&] {
-                  Note("properties_ " + device->properties_);
-                  Note(out);
-                  EXPECT_EQ(std::exchange(out, "old") != "old", std::exchange(isWritten, false));
-                  renew();
-              });
+    EachFault(
+        [&] {
+            DHOSTRADeviceJson device;
+            device.properties_ = out = "old";
+            isWritten = false;
+            isWritten = CALL(device.Marshal(out)) == OSTRA_JSON_SUCCESS;
+            RecordLine("properties_ " + device.properties_);
+            RecordLine(out);
+        },
+        [&] { EXPECT_EQ(out != "old", isWritten); });
 }
 
-TEST_F(DeviceServiceJsonTest, LogsMaskedWhatItReads)
+TEST_F(DeviceServiceJsonTest, LogsTheDocumentMasked)
 {
     CALL(DHOSTRADeviceServiceJson());
     DHOSTRADeviceServiceJson service;
-    Note(service.String());
+    RecordLine(service.String());
     const std::string document =
         R"({"deviceId":"0123456789","deviceName":"pad","serviceId":"service","serviceType":3.9,)"
         R"("properties":{ "a" : [1, {"b": null}] },"status":{ "k":"v" },"2102":"{}"})";
@@ -104,19 +103,12 @@ TEST_F(DeviceServiceJsonTest, LogsMaskedWhatItReads)
     EXPECT_EQ(CALL(service.Unmarshal("")), OSTRA_JSON_INPUT_INVALID);
 }
 
-TEST_F(DeviceServiceJsonTest, ReportsEachFailedAllocation)
+TEST_F(DeviceServiceJsonTest, ReportsFailedAllocations)
 {
-    DHOSTRADeviceServiceJson before;
-    before.deviceId_ = before.properties_ = before.status_ = "before";
-    DHOSTRADeviceServiceJson service = before;
-    int32_t result = 0;
-    EachFault(
-        [&] { result = CALL(service.Unmarshal(R"({"status":{"b":"2"},"properties":{"a":"1"},"deviceId":"s"})")); },
-        [&] {
-            Note(std::to_string(result) + " " + service.deviceId_ + service.properties_ + service.status_);
-            service = before;
-        });
+    EachFault([] {
+        DHOSTRADeviceServiceJson service;
+        service.deviceId_ = service.properties_ = service.status_ = "before";
+        const int32_t result = CALL(service.Unmarshal(R"({"status":{"b":"2"},"properties":{"a":"1"},"deviceId":"s"})"));
+        RecordLine(std::to_string(result) + " " + service.deviceId_ + service.properties_ + service.status_);
+    });
 }
-
-}  // namespace
-}  // namespace OHOS::DistributedHardware::OstraAdapter
