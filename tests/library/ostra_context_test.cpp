@@ -87,10 +87,10 @@ TEST_F(OstraContextTest, ReleasesTheDocumentBeforeItLogsAndPublishes)
 
 TEST_F(OstraContextTest, PublishesEventsQueuedDuringPublishNextTime)
 {
+    std::promise<void> started;
     std::future<void> queuing;
     g_onPublish = [&] {
-        std::promise<void> started;
-        queuing = std::async(std::launch::async, [&started, this] {
+        queuing = std::async(std::launch::async, [&] {
             started.set_value();
             context_.AddWaitNotify("1", "first");
         });
