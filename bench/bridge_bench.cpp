@@ -19,7 +19,7 @@ namespace {
 constexpr int FEW = 1000;
 constexpr int MANY = 10000;
 constexpr size_t CAPACITY = 1 << 24;
-constexpr double LINEAR_GROWTH = 20;  // bar for ten times the entries, which may exceed a cache
+constexpr double LINEAR_GROWTH_LIMIT = 20;  // for ten times as many entries, which may exceed a cache
 
 using Map = std::map<int32_t, std::string>;
 
@@ -32,7 +32,7 @@ Map MakeEntries(int64_t count)
     return map;
 }
 
-void Write(benchmark::State &state, int64_t count)
+void MarshalMap(benchmark::State &state, int64_t count)
 {
     const Map map = MakeEntries(count);
     for (auto _ : state) {
@@ -42,7 +42,7 @@ void Write(benchmark::State &state, int64_t count)
     }
 }
 
-void WriteByHand(benchmark::State &state)
+void MarshalMapBaseline(benchmark::State &state)
 {
     const Map map = MakeEntries(MANY);
     for (auto _ : state) {
@@ -55,25 +55,30 @@ void WriteByHand(benchmark::State &state)
     }
 }
 
-void Read(benchmark::State &state, int64_t count)
+// Measures `read(parcel)`, which reads a parcel with a map of `count` entries.
+template <typename Function>
+void MeasureRead(benchmark::State &state, int64_t count, Function read)
 {
     MessageParcel parcel;
     parcel.SetMaxCapacity(CAPACITY);
     IpcUtils::Marshalling(parcel, MakeEntries(count));
     for (auto _ : state) {
         parcel.RewindRead(0);
-        Map map;
-        benchmark::DoNotOptimize(IpcUtils::UnMarshalling(parcel, map));
+        read(parcel);
     }
 }
 
-void ReadByHand(benchmark::State &state, int64_t count)
+void UnmarshalMap(benchmark::State &state, int64_t count)
 {
-    MessageParcel parcel;
-    parcel.SetMaxCapacity(CAPACITY);
-    IpcUtils::Marshalling(parcel, MakeEntries(count));
-    for (auto _ : state) {
-        parcel.RewindRead(0);
+    MeasureRead(state, count, [](MessageParcel &parcel) {
+        Map map;
+        benchmark::DoNotOptimize(IpcUtils::UnMarshalling(parcel, map));
+    });
+}
+
+void UnmarshalMapBaseline(benchmark::State &state, int64_t count)
+{
+    MeasureRead(state, count, [](MessageParcel &parcel) {
         Map map;
         std::string entry;
         for (uint32_t left = parcel.ReadUint32(); left > 0; --left) {
@@ -85,19 +90,20 @@ void ReadByHand(benchmark::State &state, int64_t count)
                   added->second.c_str());
         }
         benchmark::DoNotOptimize(map);
-    }
+    });
 }
 
-const int READ_ROW = AddRow("`UnMarshalling`, 10 000 entries", WithSize(Read, MANY),
-                            "reading into a map by hand, one `DHLog` each", WithSize(ReadByHand, MANY), SAME_WORK);
-const int WRITE_ROW = AddRow("`Marshalling`, 10 000 entries", WithSize(Write, MANY), "composing and writing by hand",
-                             WriteByHand, SAME_WORK);
-const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", WithSize(Read, MANY), "a tenth of them",
-                                   WithSize(Read, FEW), LINEAR_GROWTH);
-const int WRITE_GROWTH_ROW = AddRow("`Marshalling`, growth with entries", WithSize(Write, MANY), "a tenth of them",
-                                    WithSize(Write, FEW), LINEAR_GROWTH);
-const int READ_CURVE = AddCurve("entries", "UnMarshalling", Read, 1, MANY);
-const int READ_BASELINE = AddCurve("entries", "baseline: reading into a map by hand", ReadByHand, 1, MANY);
+const int READ_ROW =
+    AddRow("`UnMarshalling`, 10 000 entries", WithSize(UnmarshalMap, MANY), "hand-written loop, one `DHLog` each",
+           WithSize(UnmarshalMapBaseline, MANY), SAME_WORK_LIMIT);
+const int WRITE_ROW = AddRow("`Marshalling`, 10 000 entries", WithSize(MarshalMap, MANY), "hand-written loop",
+                             MarshalMapBaseline, SAME_WORK_LIMIT);
+const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", WithSize(UnmarshalMap, MANY),
+                                   "a tenth of them", WithSize(UnmarshalMap, FEW), LINEAR_GROWTH_LIMIT);
+const int WRITE_GROWTH_ROW = AddRow("`Marshalling`, growth with entries", WithSize(MarshalMap, MANY), "a tenth of them",
+                                    WithSize(MarshalMap, FEW), LINEAR_GROWTH_LIMIT);
+const int READ_CURVE = AddCurve("entries", "UnMarshalling", UnmarshalMap, 1, MANY);
+const int READ_BASELINE_CURVE = AddCurve("entries", "baseline: hand-written loop", UnmarshalMapBaseline, 1, MANY);
 
 std::vector<std::string> MakeDevices()
 {
@@ -108,7 +114,7 @@ std::vector<std::string> MakeDevices()
     return devices;
 }
 
-void PublishWithOneListener(benchmark::State &state)
+void PublishToOneListener(benchmark::State &state)
 {
     struct Listener : IPublisherListener {
         void OnMessage(const DHTopic /* topic */, const std::string &message) override
@@ -131,7 +137,7 @@ void PublishWithOneListener(benchmark::State &state)
     context.GetDHFwkKit()->UnregisterPublisherListener(static_cast<DHTopic>(8), listener);
 }
 
-void PublishByHand(benchmark::State &state)
+void PublishBaseline(benchmark::State &state)
 {
     const std::vector<std::string> devices = MakeDevices();
     for (auto _ : state) {
@@ -148,8 +154,8 @@ void PublishByHand(benchmark::State &state)
     }
 }
 
-const int PUBLISH_ROW = AddRow("`PublishMessage`, 1 000 entries, one listener", PublishWithOneListener,
-                               "the same cJSON calls and log lines by hand", PublishByHand, SAME_WORK);
+const int PUBLISH_ROW = AddRow("`PublishMessage`, 1 000 entries, one listener", PublishToOneListener,
+                               "the same cJSON calls and log lines", PublishBaseline, SAME_WORK_LIMIT);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

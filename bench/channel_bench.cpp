@@ -35,7 +35,7 @@ unsigned char *Bytes()
     return bytes.data();
 }
 
-uint16_t CrcByBoost(uint16_t /* crc */, const uint8_t *data, size_t length)
+uint16_t BoostCrc(uint16_t /* crc */, const uint8_t *data, size_t length)
 {
     boost::crc_16_type crc;
     crc.process_bytes(data, length);
@@ -43,7 +43,7 @@ uint16_t CrcByBoost(uint16_t /* crc */, const uint8_t *data, size_t length)
 }
 
 // The baseline: any checksum must at least read all bytes.
-uint16_t ReadOnly(uint16_t /* crc */, const uint8_t *data, size_t length)
+uint16_t ReadBytes(uint16_t /* crc */, const uint8_t *data, size_t length)
 {
     uint64_t sum = 0;
     for (; length >= sizeof(sum); data += sizeof(sum), length -= sizeof(sum)) {
@@ -91,26 +91,26 @@ void MeasureCrcAndLog(benchmark::State &state, int64_t size)
     }
 }
 
-constexpr double TABLES_BAR = 1 / 3.0;
-const double CRC_BAR = HasCarryLessMultiplication() ? 1 / 20.0 : TABLES_BAR;
+constexpr double TABLES_LIMIT = 1 / 3.0;
+const double CRC_LIMIT = HasCarryLessMultiplication() ? 1 / 20.0 : TABLES_LIMIT;
 const int CRC_ROW = AddRow("`GetCrc`, 1 MiB", WithSize(MeasureGetCrc, MEBIBYTE), "`boost::crc_16_type`",
-                           WithSize(MeasureCrc<CrcByBoost>, MEBIBYTE), CRC_BAR);
+                           WithSize(MeasureCrc<BoostCrc>, MEBIBYTE), CRC_LIMIT);
 const int TABLES_ROW = AddRow("`GetCrc`, 1 MiB, by tables", WithSize(MeasureCrcAndLog<ExtendCrc16ByTables>, MEBIBYTE),
-                              "`boost::crc_16_type`", WithSize(MeasureCrc<CrcByBoost>, MEBIBYTE), TABLES_BAR);
+                              "`boost::crc_16_type`", WithSize(MeasureCrc<BoostCrc>, MEBIBYTE), TABLES_LIMIT);
 const int SMALL_ROW = AddRow("`GetCrc`, 64 B", WithSize(MeasureGetCrc, SMALL_MESSAGE), "byte-wise loop, same log line",
                              WithSize(MeasureCrcAndLog<ExtendCrc16ByByte>, SMALL_MESSAGE), 1);
 
-const int BOOST_CURVE = AddCurve("crc", "boost::crc_16_type", MeasureCrc<CrcByBoost>, 1, MAX_BYTES);
+const int BOOST_CURVE = AddCurve("crc", "boost::crc_16_type", MeasureCrc<BoostCrc>, 1, MAX_BYTES);
 const int BYTES_CURVE = AddCurve("crc", "by bytes", MeasureCrc<ExtendCrc16ByByte>, 1, MAX_BYTES);
 const int TABLES_CURVE = AddCurve("crc", "by tables", MeasureCrc<ExtendCrc16ByTables>, 1, MAX_BYTES);
-const int CHOSEN_CURVE = AddCurve("crc", "selected implementation", MeasureCrc<ExtendCrc16>, 1, MAX_BYTES);
-const int READ_CURVE = AddCurve("crc", "baseline: reading the bytes", MeasureCrc<ReadOnly>, 1, MAX_BYTES);
+const int SELECTED_CURVE = AddCurve("crc", "selected implementation", MeasureCrc<ExtendCrc16>, 1, MAX_BYTES);
+const int READ_CURVE = AddCurve("crc", "baseline: reading the bytes", MeasureCrc<ReadBytes>, 1, MAX_BYTES);
 
 // The speed of a copy depends on how source and destination are aligned to each other. This class allocates a random
 // number of blocks of the same size, and one of a random size, so that each repetition gets other heap addresses.
-class OtherHeapBlocks {
+class RandomHeapLayout {
 public:
-    explicit OtherHeapBlocks(int64_t size)
+    explicit RandomHeapLayout(int64_t size)
     {
         static std::mt19937 random(6);
         for (auto count = random() % 8; count > 0; --count) {
@@ -128,7 +128,7 @@ constexpr unsigned char HEADER_BYTES[] = {0x2C, 0x82};
 
 void MeasureFrame(benchmark::State &state, int64_t size)
 {
-    const OtherHeapBlocks blocks(size);
+    const RandomHeapLayout blocks(size);
     unsigned char *content = Bytes();
     for (auto _ : state) {
         ChannelProtocol sent;
@@ -142,9 +142,9 @@ void MeasureFrame(benchmark::State &state, int64_t size)
     }
 }
 
-void MeasureTwoCopies(benchmark::State &state, int64_t contentSize)
+void MeasureFrameBaseline(benchmark::State &state, int64_t contentSize)
 {
-    const OtherHeapBlocks blocks(contentSize);
+    const RandomHeapLayout blocks(contentSize);
     const unsigned char *content = Bytes();
     const auto size = static_cast<size_t>(contentSize) + sizeof(HEADER_BYTES);
     for (auto _ : state) {
@@ -159,10 +159,12 @@ void MeasureTwoCopies(benchmark::State &state, int64_t contentSize)
     }
 }
 
-const int FRAME_ROW = AddRow("frame of 1 KiB, packed and parsed", WithSize(MeasureFrame, KIBIBYTE),
-                             "two `new[]`, three `memcpy_s`, two `delete[]`", WithSize(MeasureTwoCopies, KIBIBYTE), 2);
+const int FRAME_ROW =
+    AddRow("frame of 1 KiB, packed and parsed", WithSize(MeasureFrame, KIBIBYTE),
+           "two `new[]`, three `memcpy_s`, two `delete[]`", WithSize(MeasureFrameBaseline, KIBIBYTE), 2);
 const int FRAME_CURVE = AddCurve("frames", "a frame packed and parsed", MeasureFrame, 1, MEBIBYTE);
-const int COPIES_CURVE = AddCurve("frames", "baseline: two allocations, three copies", MeasureTwoCopies, 1, MEBIBYTE);
+const int COPIES_CURVE =
+    AddCurve("frames", "baseline: two allocations, three copies", MeasureFrameBaseline, 1, MEBIBYTE);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -73,7 +73,7 @@ void DumpBlock(benchmark::State &state)
     dump.UnInit();
 }
 
-void AppendBlock(benchmark::State &state)
+void DumpBaseline(benchmark::State &state)
 {
     MeasureWrite(state, [](const std::string &path, const std::vector<unsigned char> &block) {
         if (FILE *const file = std::fopen(path.c_str(), "ab+")) {
@@ -83,8 +83,8 @@ void AppendBlock(benchmark::State &state)
     });
 }
 
-const int DUMP_ROW =
-    AddRow("`DumpStreamData`, 4 KiB, mode \"a\"", DumpBlock, "`fopen` + `fwrite` + `fclose`", AppendBlock, SAME_WORK);
+const int DUMP_ROW = AddRow("`DumpStreamData`, 4 KiB, mode \"a\"", DumpBlock, "`fopen` + `fwrite` + `fclose`",
+                            DumpBaseline, SAME_WORK_LIMIT);
 
 void DumpWhileOff(benchmark::State &state)
 {
@@ -96,14 +96,15 @@ void DumpWhileOff(benchmark::State &state)
     }
 }
 
-void OneLog(benchmark::State &state)
+void DumpWhileOffBaseline(benchmark::State &state)
 {
     for (auto _ : state) {
         DHLog(DH_LOG_DEBUG, "[ostraadapterutils][DumpStreamData]:Dump is not enable.");
     }
 }
 
-const int OFF_ROW = AddRow("`DumpStreamData` while off", DumpWhileOff, "one `DHLog`", OneLog, SAME_WORK);
+const int OFF_ROW =
+    AddRow("`DumpStreamData` while off", DumpWhileOff, "one `DHLog`", DumpWhileOffBaseline, SAME_WORK_LIMIT);
 
 void ReportThroughRadar(benchmark::State &state)
 {
@@ -115,7 +116,7 @@ void ReportThroughRadar(benchmark::State &state)
     }
 }
 
-void ReportByHand(benchmark::State &state)
+void ReportBaseline(benchmark::State &state)
 {
     const std::string function = "OpenMicrophone";
     const std::string host = "collaboration_service";
@@ -127,7 +128,7 @@ void ReportByHand(benchmark::State &state)
 }
 
 const int EVENT_ROW = AddRow("one event through `OstraRadar`", ReportThroughRadar, "the same `HiSysEvent::Write`",
-                             ReportByHand, SAME_WORK);
+                             ReportBaseline, SAME_WORK_LIMIT);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

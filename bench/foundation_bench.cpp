@@ -13,7 +13,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-void LogWithOutputOff(benchmark::State &state)
+void LogMessage(benchmark::State &state)
 {
     for (auto _ : state) {
         DHLog(DH_LOG_INFO, "[ostraadapterutils][Bench]:device %s port %d", "0123******cdef", 8080);
@@ -29,7 +29,7 @@ __attribute__((noinline)) int Format(char *buffer, size_t size, const char *form
     return length;
 }
 
-void FormatAndPrint(benchmark::State &state)
+void LogBaseline(benchmark::State &state)
 {
     for (auto _ : state) {
         char buffer[4096];
@@ -38,7 +38,7 @@ void FormatAndPrint(benchmark::State &state)
     }
 }
 
-const int LOG_ROW = AddRow("`DHLog`", LogWithOutputOff, "`vsprintf_s`, `HiLogPrint`", FormatAndPrint, SAME_WORK);
+const int LOG_ROW = AddRow("`DHLog`", LogMessage, "`vsprintf_s`, `HiLogPrint`", LogBaseline, SAME_WORK_LIMIT);
 
 void CheckTenDigits(benchmark::State &state)
 {
@@ -49,7 +49,7 @@ void CheckTenDigits(benchmark::State &state)
     }
 }
 
-void ConvertTenDigits(benchmark::State &state)
+void CheckTenDigitsBaseline(benchmark::State &state)
 {
     std::string number = "1234567890";
     for (auto _ : state) {
@@ -60,8 +60,8 @@ void ConvertTenDigits(benchmark::State &state)
     }
 }
 
-const int NUMBER_ROW =
-    AddRow("`CheckIsNum`, 10 digits", CheckTenDigits, "`std::from_chars` on the same string", ConvertTenDigits, 2);
+const int NUMBER_ROW = AddRow("`CheckIsNum`, 10 digits", CheckTenDigits, "`std::from_chars` on the same string",
+                              CheckTenDigitsBaseline, 2);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -29,16 +29,16 @@ DHOSTRADeviceJson MakeDevice()
 void MarshalDevice(benchmark::State &state)
 {
     DHOSTRADeviceJson device = MakeDevice();
-    std::string text;
+    std::string json;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(device.Marshal(text));
+        benchmark::DoNotOptimize(device.Marshal(json));
     }
 }
 
-void MarshalDeviceByHand(benchmark::State &state)
+void MarshalDeviceBaseline(benchmark::State &state)
 {
     const DHOSTRADeviceJson device = MakeDevice();
-    std::string text;
+    std::string json;
     std::string properties;
     for (auto _ : state) {
         cJSON *versions = cJSON_CreateObject();
@@ -70,14 +70,14 @@ void MarshalDeviceByHand(benchmark::State &state)
         cJSON_AddItemToObject(document, "tavoniTv", cJSON_CreateBool(device.tavoniTv_));
         cJSON_AddItemToObject(document, "properties", cJSON_Parse(properties.c_str()));
         printed = cJSON_Print(document);
-        text = printed;
+        json = printed;
         cJSON_free(printed);
         cJSON_Delete(document);
     }
 }
 
-const int MARSHAL_ROW = AddRow("`DHOSTRADeviceJson::Marshal`", MarshalDevice, "the same cJSON calls by hand",
-                               MarshalDeviceByHand, SAME_WORK);
+const int MARSHAL_ROW = AddRow("`DHOSTRADeviceJson::Marshal`", MarshalDevice, "the same cJSON calls",
+                               MarshalDeviceBaseline, SAME_WORK_LIMIT);
 
 OSTRADeviceService MakeService()
 {
@@ -102,7 +102,7 @@ void PackService(benchmark::State &state)
     }
 }
 
-void PackServiceByHand(benchmark::State &state)
+void PackServiceBaseline(benchmark::State &state)
 {
     const OSTRADeviceService service = MakeService();
     std::vector<uint8_t> out;
@@ -127,8 +127,8 @@ void PackServiceByHand(benchmark::State &state)
     }
 }
 
-const int PACK_ROW = AddRow("`PackServiceData`, 20 properties", PackService, "the same cJSON calls by hand",
-                            PackServiceByHand, SAME_WORK);
+const int PACK_ROW = AddRow("`PackServiceData`, 20 properties", PackService, "the same cJSON calls",
+                            PackServiceBaseline, SAME_WORK_LIMIT);
 
 std::string MakeServiceDocument()
 {
@@ -139,18 +139,18 @@ std::string MakeServiceDocument()
 
 void ReadService(benchmark::State &state)
 {
-    const std::string text = MakeServiceDocument();
+    const std::string json = MakeServiceDocument();
     DHOSTRADeviceServiceJson service;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(service.Unmarshal(text));
+        benchmark::DoNotOptimize(service.Unmarshal(json));
     }
 }
 
-void ReadServiceByHand(benchmark::State &state)
+void ReadServiceBaseline(benchmark::State &state)
 {
-    const std::string text = MakeServiceDocument();
+    const std::string json = MakeServiceDocument();
     for (auto _ : state) {
-        cJSON *document = cJSON_Parse(text.c_str());
+        cJSON *document = cJSON_Parse(json.c_str());
         for (const char *name : {"properties", "status"}) {
             char *printed = cJSON_PrintUnformatted(cJSON_GetObjectItem(document, name));
             benchmark::DoNotOptimize(printed);
@@ -161,7 +161,7 @@ void ReadServiceByHand(benchmark::State &state)
 }
 
 const int READ_ROW = AddRow("`DHOSTRADeviceServiceJson::Unmarshal`", ReadService,
-                            "parse, print the two objects, delete", ReadServiceByHand, 2);
+                            "parse, print the two objects, delete", ReadServiceBaseline, 2);
 
 std::string MakeCapabilities(int64_t codecs)
 {
@@ -182,7 +182,7 @@ void ReadCapabilities(benchmark::State &state, int64_t codecs)
 }
 
 // The minimum: parses both documents, stores and joins the codes, and logs them.
-void ReadCapabilitiesByHand(benchmark::State &state, int64_t codecs)
+void ReadCapabilitiesBaseline(benchmark::State &state, int64_t codecs)
 {
     const std::string properties = MakeCapabilities(codecs);
     for (auto _ : state) {
@@ -191,15 +191,15 @@ void ReadCapabilitiesByHand(benchmark::State &state, int64_t codecs)
         cJSON *inner = cJSON_Parse(capabilities.c_str());
         std::vector<uint32_t> codes;
         uint32_t bits = 0;
-        std::string text = "audioCapablities: " + capabilities + " codecs: [";
+        std::string description = "audioCapablities: " + capabilities + " codecs: [";
         const cJSON *code = nullptr;
         cJSON_ArrayForEach(code, cJSON_GetObjectItem(inner, "codecs"))
         {
             codes.push_back(static_cast<uint32_t>(code->valueint));
             bits |= 1U << codes.back();
-            text += std::to_string(codes.back()) + ", ";
+            description += std::to_string(codes.back()) + ", ";
         }
-        DHLog(DH_LOG_INFO, "codec bits %u of %s", bits, text.c_str());
+        DHLog(DH_LOG_INFO, "codec bits %u of %s", bits, description.c_str());
         benchmark::DoNotOptimize(codes.data());
         cJSON_Delete(inner);
         cJSON_Delete(outer);
@@ -211,10 +211,10 @@ constexpr int64_t MAX_CODECS = 1000000;
 
 const int CODECS_ROW =
     AddRow("`DHOSTRAAudioProperties::Unmarshal`, 100 000 codecs", WithSize(ReadCapabilities, MANY_CODECS),
-           "the same work by hand", WithSize(ReadCapabilitiesByHand, MANY_CODECS), SAME_WORK);
+           "the same work, hand-written", WithSize(ReadCapabilitiesBaseline, MANY_CODECS), SAME_WORK_LIMIT);
 const int CODECS_CURVE = AddCurve("codecs", "DHOSTRAAudioProperties::Unmarshal", ReadCapabilities, 10, MAX_CODECS);
 const int CODECS_BASELINE =
-    AddCurve("codecs", "baseline: the same work by hand", ReadCapabilitiesByHand, 10, MAX_CODECS);
+    AddCurve("codecs", "baseline: the same work, hand-written", ReadCapabilitiesBaseline, 10, MAX_CODECS);
 
 }  // namespace
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -172,7 +172,7 @@ int AddPairRow(const char *name, Seconds seconds, bool isDigested, const char *b
 {
     return AddRow(
         name, [=](benchmark::State &state) { MeasureConnection<FrameEnd>(state, seconds, isDigested); }, baselineName,
-        [=](benchmark::State &state) { MeasureConnection<BareEnd>(state, seconds, isDigested); }, SAME_WORK,
+        [=](benchmark::State &state) { MeasureConnection<BareEnd>(state, seconds, isDigested); }, SAME_WORK_LIMIT,
         TimeSource::MANUAL);
 }
 

@@ -3,7 +3,7 @@
 // Registers the table rows and the plots of scripts/bench. A row compares an operation with a baseline: on a shared
 // machine, the ratio of two times from one run is more reliable than either time.
 //
-//     const int ROW = AddRow("`Write`", Write, "the same by hand", WriteByHand, 1.6);
+//     const int ROW = AddRow("`Write`", Write, "`memcpy`", WriteBaseline, 1.6);
 //
 // bench/report.py reads what is registered here from Google Benchmark's JSON output.
 
@@ -16,9 +16,9 @@
 #include <cstdlib>
 #include <string>
 
-// The bar for an operation that does the same work as its baseline. A correct build meets it on any x86-64 or Arm
+// The limit for an operation that does the same work as its baseline. A correct build meets it on any x86-64 or Arm
 // processor of the last ten years, even when other processes use the CPU.
-constexpr double SAME_WORK = 1.6;
+constexpr double SAME_WORK_LIMIT = 1.6;
 
 enum class TimeSource { CPU, MANUAL };
 
@@ -28,18 +28,18 @@ inline bool AreCurvesMeasured()
     return std::getenv("OSTRA_BENCH_CURVES") != nullptr;
 }
 
-// `name` must not contain a slash. `atMost` is the bar: the maximum ratio of the operation's time to the baseline's.
-// Returns 0, so that the initializer of a constant can call it.
+// Adds a row. `name` must not contain a slash. `maxRatio` is the limit for the ratio of the operation's time to the
+// baseline's. Returns 0, so that the initializer of a constant can call it.
 template <typename Operation, typename Baseline>
 int AddRow(const std::string &name, Operation measureOperation, const std::string &baselineName,
-           Baseline measureBaseline, double atMost, TimeSource timeSource = TimeSource::CPU)
+           Baseline measureBaseline, double maxRatio, TimeSource timeSource = TimeSource::CPU)
 {
     if (AreCurvesMeasured()) {
         return 0;
     }
     auto *operation = benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
         state.SetLabel(baselineName);
-        state.counters["at most"] = atMost;
+        state.counters["max ratio"] = maxRatio;
         measureOperation(state);
     });
     auto *baseline = benchmark::RegisterBenchmark((name + " (baseline)").c_str(), measureBaseline);

@@ -6,7 +6,7 @@ Usage: report.py table [--strict] ROUND.json ...
        report.py curves FILE.json DIRECTORY
 
 "table" prints a row for each operation: the median over the rounds of the ratio of its time to that of its baseline,
-and the range of these ratios. With --strict, the exit status is 1 if an operation missed its bar. "curves" writes
+and the range of these ratios. With --strict, the exit status is 1 if an operation missed its limit. "curves" writes
 DIRECTORY/PLOT.dat for each plot: a line with labels, then a line per size with the seconds of each curve."""
 import collections
 import json
@@ -37,44 +37,44 @@ def format_time(seconds):
     return f"{seconds / SECONDS[unit]:.3g}\N{NO-BREAK SPACE}{unit.replace('u', 'µ')}"
 
 
-def judge(ratios, bar):
-    """Returns "unstable" if the ratios vary by more than their distance from the bar, which is inconclusive."""
+def rate(ratios, limit):
+    """Returns "met", "missed", or "unstable" if the ratios vary by more than their distance from the limit."""
     ratio = statistics.median(ratios)
-    if ratio > bar:
-        return "MISSED"
-    return "unstable" if max(ratios) - min(ratios) > bar - ratio else "met"
+    if ratio > limit:
+        return "missed"
+    return "unstable" if max(ratios) - min(ratios) > limit - ratio else "met"
 
 
 def print_table(paths, is_strict):
-    rows = {}  # by name: label and bar, in the order in which they were registered
+    rows = {}  # by name: name of the baseline, and limit
     times = collections.defaultdict(list)  # by name: the median of each round
     for path in paths:
         of_round = collections.defaultdict(list)
         order = {}
         for name, _, seconds, run in read_runs(path):
             of_round[name].append(seconds)
-            if "at most" in run:
+            if "max ratio" in run:
                 order[run["family_index"]] = name
-                rows[name] = (run["label"], run["at most"])
+                rows[name] = (run["label"], run["max ratio"])
         for name, seconds in of_round.items():
             times[name].append(statistics.median(seconds))
-    print("| operation | baseline | times | ratio | range | bar | result |")
+    print("| operation | baseline | times | ratio | range | limit | result |")
     print("|---|---|--:|--:|--:|--:|---|")
     results = []
     for _, name in sorted(order.items()):
-        baseline, bar = rows[name]
+        baseline, limit = rows[name]
         both = times[name], times[name + BASELINE]
         if not both[1]:
             sys.exit(f"{name}: the filter excludes its baseline, {name + BASELINE}")
         ratios = [time / base for time, base in zip(*both)]
-        results.append(judge(ratios, bar))
+        results.append(rate(ratios, limit))
         medians = " / ".join(format_time(statistics.median(each)) for each in both)
         print(f"| {name} | {baseline} | {medians} | {statistics.median(ratios):.3f} "
-              f"| {min(ratios):.3f} to {max(ratios):.3f} | {bar:.2g} | {results[-1]} |")
+              f"| {min(ratios):.3f} to {max(ratios):.3f} | {limit:.2g} | {results[-1]} |")
     if "unstable" in results:
-        print("unstable: the range is wider than the distance from the bar; measure again on a quieter machine",
+        print("unstable: the range is wider than the distance from the limit; measure again on a quieter machine",
               file=sys.stderr)
-    return 1 if is_strict and "MISSED" in results else 0
+    return 1 if is_strict and "missed" in results else 0
 
 
 def write_curves(path, directory):

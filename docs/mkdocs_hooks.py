@@ -66,11 +66,11 @@ class Links(html.parser.HTMLParser):
 
 def on_post_build(config):
     pages = {}
-    for folder, _, names in os.walk(config["site_dir"]):
+    for directory, _, names in os.walk(config["site_dir"]):
         for name in names:
             # 404.html has absolute links, which only a server resolves.
             if name.endswith(".html") and name != "404.html":
-                path = os.path.join(folder, name)
+                path = os.path.join(directory, name)
                 pages[path] = Links(path)
     for path, page in pages.items():
         for target in page.targets:

@@ -29,6 +29,6 @@ int main()
     radar.SetCurBusinessId(2);
     const bool isReported = radar.AudioOpenRes(__func__, 0);
     // Prints: AudioOpenRes reported by collaboration_service
-    std::printf("AudioOpenRes %s by %s\n", isReported ? "reported" : "refused", radar.GetProcessName().c_str());
+    std::printf("AudioOpenRes %s by %s\n", isReported ? "reported" : "rejected", radar.GetProcessName().c_str());
     return isReported ? 0 : 1;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Marshalling of integer-to-string maps to IPC parcels: the number of entries as an unsigned 32-bit value, then one
+/// Marshalling of integer-to-string maps into IPC parcels: the number of entries as an unsigned 32-bit value, then one
 /// string per entry, which consists of the key in decimal, "#" and the value. Include message_parcel.h as well.
 ///
 ///     IpcUtils::Marshalling(parcel, settings);         // in one process
@@ -27,7 +27,7 @@ class MessageParcel;
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-/// Writes maps to parcels and reads them back.
+/// Writes maps into parcels and reads them back.
 ///
 /// Both operations throw std::bad_alloc if allocation of a string or an entry fails; entries that were written or read
 /// before are kept.

@@ -34,8 +34,8 @@ enum DHLogLevel : int32_t {
 /// A message has at most 4095 bytes. A longer one, or one whose format is invalid, is replaced by
 /// "DH log length error." at the same level. DHLog itself does not filter by level.
 ///
-/// Does not report errors, throw or allocate. Uses 4 KiB of stack for the message; a whole call on the
-/// host needs up to 16 KiB.
+/// Does not report errors, throw or allocate. Uses 4 KiB of stack for the message; on the host, a whole call needs up
+/// to 16 KiB.
 OSTRA_EXPORT void DHLog(DHLogLevel level, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -22,9 +22,9 @@ inline const std::string OSTRA_PKG_NAME = "ohos.dhardware.osatraadapter";
 /// Permission of the distributed hardware framework.
 inline const std::u16string DH_ACCESS_TOKEN_PERMISSION = u"ohos.distributedhardware.accessToken";
 
-/// Result text: success.
+/// The string for success.
 inline const std::string DH_SUCCESS_TEXT = "DH_SUCCESS";
-/// Result text: failure.
+/// The string for failure.
 inline const std::string DH_FAILED_TEXT = "DH_FAILED";
 /// Name of the initialization event.
 inline const std::string OSTRA_ADAPTER_INIT_TEXT = "OSTRA_ADAPTER_INIT";

@@ -11,7 +11,7 @@
 #ifndef OSTRA_EXPORT_H
 #define OSTRA_EXPORT_H
 
-/** Placed before the declaration of a function, gives it default visibility. */
+/** Gives default visibility to the function whose declaration follows. */
 #define OSTRA_EXPORT __attribute__((visibility("default")))
 
 #endif /* OSTRA_EXPORT_H */

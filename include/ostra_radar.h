@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// System events that report the steps of the adapter's business flows: which stage of which business ran, in which
-/// package, and whether it succeeded. Programs that listen to the events include hisysevent_manager.h as well.
+/// Events that report the stages of a business flow, such as connecting a device or opening audio: which stage of which
+/// business ran, in which package, and whether it succeeded. To listen to them, include hisysevent_manager.h as well.
 ///
 ///     OstraRadar &radar = OstraRadar::GetInstance();
 ///     radar.SetCurBusinessId(2);
@@ -29,10 +29,10 @@ inline const std::string ORG_PKG_NAME = "ostra_adapter";
 /// Package name of the platform's soft bus, for callers that report it as the called package.
 inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 
-/// The process-wide reporter of steps, which writes one event per step, with a common business id and process name.
+/// The process-wide reporter, which writes one event per stage, with the current business id and process name.
 ///
-/// The operations that report a step take the name of the function that ran it (`funcName`), its error code (`errCode`,
-/// 0 for success), and some the package that it called (`toCallPkg`), for instance SOFTBUS_PKG_NAME.
+/// The operations that report a stage take the name of the function that ran it (`funcName`) and its error code
+/// (`errCode`, 0 for success), and some take the package that it called (`toCallPkg`), for instance SOFTBUS_PKG_NAME.
 ///
 /// They return true if the platform accepted the event. They return false, and log the platform's code as an error, if:
 /// - The platform rejected it (code below 0), for instance because of its rate limit of 100 events per operation in
@@ -42,7 +42,7 @@ inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 /// EnableVirtualRes, AudioOpenRes, AudioCloseRes and DisconnectDeviceRes log "UpdatePortRes error", with their own name
 /// in the prefix.
 ///
-/// SetCurBusinessId and SetProcessName must not run while another thread reports a step; the other operations are
+/// SetCurBusinessId and SetProcessName must not run while another thread reports a stage; the other operations are
 /// thread-safe. All throw std::bad_alloc if allocation of a string fails.
 class OstraRadar {
 public:
@@ -52,7 +52,9 @@ public:
     OstraRadar(const OstraRadar &) = delete;
     OstraRadar &operator=(const OstraRadar &) = delete;
 
-    /// Sets the business id (BIZ_SCENE) of later events; it is -1 until set. Any number is accepted.
+    /// Sets the business id, the number of the business that later events belong to, which they contain as BIZ_SCENE.
+    ///
+    /// It is -1 until set; any number is accepted.
     OSTRA_EXPORT void SetCurBusinessId(int businessId);
 
     /// Sets the host package (HOST_PKG) of later events. If it is empty, which is the default, the business id

@@ -2,7 +2,7 @@
  */
 
 /** @file
- * C interface of the events that report the steps of the adapter's business flows.
+ * C interface of the events that report the stages of a business flow.
  *
  *     RadarWrite(__func__, result, "dsoftbus");
  *

@@ -15,7 +15,7 @@ usage_error() {
     exit 2
 }
 
-# at_most COUNT ARGUMENT ...
+# at_most COUNT ARGUMENT ...: rejects more than COUNT arguments, and options if COUNT is 0
 at_most() {
     [[ ${2-} != -?* || $1 != 0 ]] || usage_error "unknown option $2"
     [ $# -le $(($1 + 1)) ] || usage_error "too many arguments: ${*:2}"
@@ -27,7 +27,7 @@ presets() {
     sed -n "/\"$1Presets\"/,/^  ]/s/$preset/\1/p" CMakePresets.json
 }
 
-# need_preset build|test NAME
+# need_preset build|test NAME: rejects a name that is not a preset of that kind
 need_preset() {
     [ "$(presets "$1" | grep -cxF -e "$2")" = 1 ] ||
         usage_error "unknown $1 preset $2; $1 presets: $(presets "$1" | paste -sd ' ')"

@@ -11,17 +11,17 @@ FaultInjector::FaultInjector(const FaultOptions &options, const StreamLength &le
 {
     // The stream is divided into `count` equal parts with one fault in each. If parts are measured in chunks, the last
     // chunk of each part stays intact. A stream of unknown length gets its faults within the first 10 * count chunks.
-    constexpr double timeForTheLastFault = 0.8;
+    constexpr double lastFaultPosition = 0.8;
     const auto count = static_cast<double>(options.count);
     const double span = length.chunks    ? static_cast<double>(*length.chunks)
-                        : length.seconds ? *length.seconds * timeForTheLastFault
+                        : length.seconds ? *length.seconds * lastFaultPosition
                                          : 10 * count;
-    const double room = isTimed_ ? span / count : std::floor(span / count) - 1;
+    const double maxOffset = isTimed_ ? span / count : std::floor(span / count) - 1;
     for (uint64_t i = 0; i < options.count; ++i) {
         const double begin = static_cast<double>(i) * span / count;
-        const double offset = std::uniform_real_distribution<double>(0, std::max(room, 0.0))(random_);
+        const double offset = std::uniform_real_distribution<double>(0, std::max(maxOffset, 0.0))(random_);
         const double position = isTimed_ ? begin + offset : std::floor(begin) + std::floor(offset);
-        faults_.push_back({position, static_cast<Fault>(i % FAULTS)});
+        faults_.push_back({position, static_cast<Fault>(i % FAULT_KINDS)});
     }
     for (size_t i = faults_.size(); i > 1; --i) {
         std::swap(faults_[i - 1].fault, faults_[Random(i)].fault);

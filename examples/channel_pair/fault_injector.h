@@ -41,7 +41,7 @@ public:
         return !delayed_.empty();
     }
 
-    const FaultCounts &Injected() const
+    const FaultCounts &InjectedCounts() const
     {
         return injected_;
     }

@@ -69,7 +69,7 @@ void Input::GenerateTone()
     }
 }
 
-Input::Result Input::NextOfTone(ByteView &chunk)
+Input::Result Input::NextToneChunk(ByteView &chunk)
 {
     const auto now = std::chrono::steady_clock::now();
     start_ = chunks_ == 0 ? now : start_;
@@ -84,7 +84,7 @@ Input::Result Input::NextOfTone(ByteView &chunk)
 Input::Result Input::Next(ByteView &chunk, int idleMs)
 {
     if (fd_ < 0) {
-        return NextOfTone(chunk);
+        return NextToneChunk(chunk);
     }
     while (filled_ < buffer_.size()) {
         pollfd wait{fd_, POLLIN, 0};

@@ -55,7 +55,7 @@ public:
 
 private:
     void GenerateTone();
-    Result NextOfTone(ByteView &chunk);
+    Result NextToneChunk(ByteView &chunk);
 
     std::string name_;
     StreamLength length_;

@@ -33,7 +33,8 @@ namespace {
 constexpr int EXIT_USAGE = 2;
 constexpr int EXIT_INTERRUPTED = 130;
 
-// scripts/demo extracts this help and its options from this file, so that --help works before anything is built.
+// scripts/demo reads the help and the names of the options from here, so that it can print and check them before the
+// first build.
 constexpr char USAGE[] = R"(Usage: channel_pair [OPTION]... [FILE]
 
 Sends a stream from a source process to a sink process in channel frames of 20 ms and checks what arrives: every byte,
@@ -45,7 +46,8 @@ settings; frame 3 is the first chunk of the stream.
       --seconds T    send the tone for T seconds instead, which is much more than T seconds of sound
       --faults N     inject N faults at random positions; each must be detected, and all other chunks must arrive
       --seed S       random seed of the faults; 1 by default
-      --flip N       corrupt frame N, counted from 0, unknown to the sink; the pair must fail and name the frame
+      --flip N       corrupt frame N, counted from 0, without announcing it to the sink as an injected fault: the pair
+                     must fail and name the frame
       --timeout T    wait at most T seconds for a side that does not respond; 10 by default
       --trace FILE   write every message of the source to FILE, one line of hexadecimal bytes each
       --dump         dump the stream that the sink receives to /data/local/tmp/
@@ -154,10 +156,10 @@ bool MakeConnection(double timeout, std::array<int, 2> &ends)
            setsockopt(ends[1], SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time)) == 0;
 }
 
-Offer MakeOffer()
+StreamDescription DescribeStream()
 {
-    Offer offer;
-    DHConnectInfo &connection = offer.connection;
+    StreamDescription description;
+    DHConnectInfo &connection = description.connection;
     GetLocalDeviceNetworkId(connection.sourceNetworkId);
     connection.sinkNetworkId = GetRandomID() + GetRandomID();
     connection.sourceIp = "127.0.0.1";
@@ -172,7 +174,7 @@ Offer MakeOffer()
     device.remoteIp_ = connection.sinkIp;
     device.port_ = connection.port;
     device.supportMic_ = true;
-    device.Marshal(offer.device);
+    device.Marshal(description.device);
 
     OSTRADeviceService service;
     service.deviceId_ = device.deviceId_;
@@ -185,14 +187,15 @@ Offer MakeOffer()
     service.status_ = {{"state", "idle"}};
     std::vector<uint8_t> bytes;
     service.PackServiceData(bytes);
-    offer.service.assign(bytes.begin(), bytes.end());
+    description.service.assign(bytes.begin(), bytes.end());
 
-    offer.settings = {{1, std::to_string(SAMPLE_RATE)}, {2, std::to_string(CHANNELS)}, {3, std::to_string(CHUNK_MS)}};
-    return offer;
+    description.settings = {
+        {1, std::to_string(SAMPLE_RATE)}, {2, std::to_string(CHANNELS)}, {3, std::to_string(CHUNK_MS)}};
+    return description;
 }
 
 // Prints the reports of both sides and returns the exit status. Omits consequences of another failure.
-int Conclude(const PairOptions &options, const ChildProcess &source, const ChildProcess &sink)
+int PrintReports(const PairOptions &options, const ChildProcess &source, const ChildProcess &sink)
 {
     Print(options, source.report.summary + sink.report.summary);
     const bool hasCause = !source.report.failure.empty() || !sink.report.failure.empty();
@@ -250,15 +253,15 @@ int main(int argc, char **argv)
         return PrintSystemError("socket pair");
     }
     // Not earlier, so that a signal still ends the program while it waits for the other end of a FIFO.
-    CountInterrupts();
-    const Offer offer = MakeOffer();
+    HandleInterrupts();
+    const StreamDescription description = DescribeStream();
     ChildProcess source = Start("source", [&] {
         close(ends[1]);
-        return RunSource(ends[0], offer, options, input);
+        return RunSource(ends[0], description, options, input);
     });
     close(ends[0]);
-    ChildProcess sink = Start("sink", [&] { return RunSink(ends[1], offer, options, output); });
+    ChildProcess sink = Start("sink", [&] { return RunSink(ends[1], description, options, output); });
     close(ends[1]);
     WaitForBoth(source, sink, options.timeout);
-    return Conclude(options, source, sink);
+    return PrintReports(options, source, sink);
 }

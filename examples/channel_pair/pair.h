@@ -26,7 +26,7 @@ constexpr char STANDARD_STREAM[] = "-";  // as a file name: standard input or ou
 struct FaultOptions {
     uint64_t count = 0;
     uint64_t seed = 1;
-    std::optional<uint64_t> flippedFrame;  // a frame to corrupt, which the END frame does not count
+    std::optional<uint64_t> flippedFrame;  // a frame to corrupt; not counted in the END frame
 };
 
 struct PairOptions {
@@ -42,8 +42,8 @@ struct PairOptions {
 
 using ParcelMap = std::map<int32_t, std::string>;
 
-// What the source sends before the stream. Created before the fork, so that the sink knows what to expect.
-struct Offer {
+// What the source sends before the stream. Created before the fork, so that the sink can compare it.
+struct StreamDescription {
     OHOS::DistributedHardware::OstraAdapter::DHConnectInfo connection;
     std::string device;   // device document
     std::string service;  // service document
@@ -59,7 +59,7 @@ enum EndKey : int32_t {
     INTACT_CHUNKS,
     INTACT_BYTES,
     INTACT_DIGEST,
-    FIRST_FAULT,  // number of injected faults; one key for each Fault, in that order
+    FIRST_FAULT_COUNT,  // one key for each Fault, in that order: how often it was injected
 };
 
 // The outcome of one side.
@@ -72,10 +72,10 @@ struct SideReport {
 
 class Input;
 
-// Sends the offer, then `input` up to its end or SIGINT, then the frame that ends the stream.
-SideReport RunSource(int socket, const Offer &offer, const PairOptions &options, Input &input);
+// Sends the description, then `input` up to its end or SIGINT, then the frame that ends the stream.
+SideReport RunSource(int socket, const StreamDescription &description, const PairOptions &options, Input &input);
 
 // Receives these frames, writes the stream to `output` unless that is -1, and checks that all of it arrived.
-SideReport RunSink(int socket, const Offer &offer, const PairOptions &options, int output);
+SideReport RunSink(int socket, const StreamDescription &description, const PairOptions &options, int output);
 
 #endif  // EXAMPLES_CHANNEL_PAIR_PAIR_H

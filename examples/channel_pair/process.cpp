@@ -90,7 +90,7 @@ void Kill(ChildProcess &child, const std::string &reason)
 
 }  // namespace
 
-void CountInterrupts()
+void HandleInterrupts()
 {
     struct sigaction action {};
     action.sa_handler = [](int /* signal */) {
@@ -100,7 +100,7 @@ void CountInterrupts()
     sigaction(SIGTERM, &action, nullptr);
 }
 
-int Interrupts()
+int InterruptCount()
 {
     return g_interrupts;
 }
@@ -129,20 +129,20 @@ ChildProcess Start(const std::string &name, const std::function<SideReport()> &r
 
 void WaitForBoth(ChildProcess &source, ChildProcess &sink, double timeout)
 {
-    // Gives a side whose own timeout expires at the same moment the time to report it.
+    // The extra time lets a side report its own timeout if that expires at the same moment.
     const std::chrono::duration<double> limit(timeout + 0.5);
     std::optional<Clock::time_point> firstEnd;
     int handledInterrupts = 0;
     while (source.pid > 0 || sink.pid > 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        if (Interrupts() > handledInterrupts && source.pid > 0) {
+        if (InterruptCount() > handledInterrupts && source.pid > 0) {
             kill(source.pid, SIGINT);
         }
-        if (Interrupts() > handledInterrupts && handledInterrupts > 0) {
+        if (InterruptCount() > handledInterrupts && handledInterrupts > 0) {
             Kill(source, "was interrupted twice");
             Kill(sink, "was interrupted twice");
         }
-        handledInterrupts = Interrupts();
+        handledInterrupts = InterruptCount();
         Poll(source);
         Poll(sink);
         if (source.pid > 0 && sink.pid > 0) {

@@ -23,11 +23,11 @@ struct ChildProcess {
     std::string exitReason;
 };
 
-// Counts SIGINT and SIGTERM from now on, in this process and its children. The signals interrupt system calls.
-void CountInterrupts();
+// From now on, SIGINT and SIGTERM interrupt system calls and are counted, in this process and its children.
+void HandleInterrupts();
 
-// Returns the number of these signals so far.
-int Interrupts();
+// Returns the number of these signals that this process has received.
+int InterruptCount();
 
 // Forks a child that is killed when this process ends.
 ChildProcess Start(const std::string &name, const std::function<SideReport()> &run);

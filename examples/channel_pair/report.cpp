@@ -90,7 +90,7 @@ void BusinessFlow::ReportEnd(bool isSuccess)
 std::string BusinessFlow::Rows(bool isVerbose) const
 {
     const uint64_t failures = listener_->failures;
-    return Row("events", std::to_string(listener_->count) + " business-flow steps reported, " +
+    return Row("events", std::to_string(listener_->count) + " business-flow stages reported, " +
                              (failures == 0 ? "none" : std::to_string(failures)) + " failed") +
            (isVerbose ? listener_->rows : "");
 }

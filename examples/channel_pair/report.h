@@ -21,7 +21,7 @@ std::string FormatSeconds(double seconds);
 // Rows of the chunks, bytes and throughput since `start`.
 std::string TotalRows(const Totals &totals, std::chrono::steady_clock::time_point start);
 
-// Reports the steps of a business flow with OstraRadar, and listens to the events as a monitoring process would.
+// Reports the stages of a business flow with OstraRadar, and listens to the events as a monitoring process would.
 class BusinessFlow {
 public:
     // Reports the start of the service. `side` is the name of the reporting function in each event.

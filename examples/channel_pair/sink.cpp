@@ -90,8 +90,8 @@ struct Notifications : IPublisherListener {
 
 class Sink {
 public:
-    Sink(int socket, const Offer &offer, const PairOptions &options, int output)
-        : offer_(offer), options_(options), output_(output), receiver_(socket)
+    Sink(int socket, const StreamDescription &description, const PairOptions &options, int output)
+        : description_(description), options_(options), output_(output), receiver_(socket)
     {
         if (options_.isDumped) {
             SetParameter(DUMP_WRITE_ENABLE_KEY.c_str(), "a");
@@ -115,7 +115,7 @@ public:
         if (output_ >= 0 && close(output_) != 0) {
             return Fail(options_.outputPath + ": " + std::strerror(errno));
         }
-        CheckOffer();
+        CheckDescription();
         CompareWithEnd();
         if (!report_.failure.empty() && receiver_.Status().firstMissing) {
             Fail("the first missing frame is frame " + std::to_string(*receiver_.Status().firstMissing));
@@ -149,15 +149,15 @@ private:
                 received_.Add(frame.number, content);
                 return HandleChunk(content);
             case FrameKind::DEVICE:
-                if (AsString(content) == offer_.device) {
-                    device_ = GetAnonyString(offer_.connection.sourceNetworkId) + " " + DEVICE_NAME;
+                if (AsString(content) == description_.device) {
+                    device_ = GetAnonyString(description_.connection.sourceNetworkId) + " " + DEVICE_NAME;
                 }
                 return true;
             case FrameKind::SERVICE:
-                service_ = AsString(content) == offer_.service ? DescribeService(offer_.service) : MISSING;
+                service_ = AsString(content) == description_.service ? DescribeService(description_.service) : MISSING;
                 return true;
             case FrameKind::SETTINGS:
-                if (const ParcelMap map = ReadMap(content); map == offer_.settings) {
+                if (const ParcelMap map = ReadMap(content); map == description_.settings) {
                     settings_ = map.at(1) + " Hz, " + map.at(2) + " channels, chunks of " + map.at(3) + " ms";
                 }
                 return true;
@@ -165,7 +165,8 @@ private:
                 for (const auto &[key, value] : ReadMap(content)) {
                     end_.push_back(std::strtoull(value.c_str(), nullptr, 10));
                 }
-                return end_.size() == FIRST_FAULT + FAULTS || Fail("the frame that ends the stream is not valid");
+                return end_.size() == FIRST_FAULT_COUNT + FAULT_KINDS ||
+                       Fail("the frame that ends the stream is not valid");
             case FrameKind::KEEP_ALIVE:
                 return true;
         }
@@ -202,13 +203,13 @@ private:
         return end_[SENT_CHUNKS] - received_.chunks;
     }
 
-    void CheckOffer()
+    void CheckDescription()
     {
         for (const auto &[value, name] : {std::pair(device_, "the device document is"),
                                           {service_, "the service document is"},
                                           {settings_, "the settings are"}}) {
             if (value == MISSING) {
-                Fail(std::string(name) + " missing or not as offered");
+                Fail(std::string(name) + " missing or not as expected");
             }
         }
     }
@@ -217,7 +218,7 @@ private:
     void CompareWithEnd()
     {
         FaultCounts injected{};
-        std::copy_n(end_.begin() + FIRST_FAULT, FAULTS, injected.begin());
+        std::copy_n(end_.begin() + FIRST_FAULT_COUNT, FAULT_KINDS, injected.begin());
         const std::string detected = "faults detected: " + ToString(receiver_.Status().detected);
         const uint64_t intact = end_[INTACT_CHUNKS];
         if (received_.chunks < intact) {
@@ -238,8 +239,8 @@ private:
             return received_.chunks == 0 ? "nothing was sent: the input is empty" : "every byte arrived";
         }
         const std::string all = std::to_string(faults);
-        return all + " faults injected, " + all + " detected. The sink drops what is not intact and in order:\n  " +
-               std::to_string(Lost()) + " chunks were corrupted, truncated, delayed, emptied or oversized and are " +
+        return all + " faults injected, " + all + " detected. The sink drops every frame with a fault:\n  " +
+               std::to_string(Lost()) + " chunks were corrupted, truncated, delayed, emptied or oversized, and are " +
                "lost; the other faults\n  only added frames. Every other chunk arrived";
     }
 
@@ -260,7 +261,7 @@ private:
         return false;
     }
 
-    const Offer &offer_;
+    const StreamDescription &description_;
     const PairOptions &options_;
     int output_;
     FrameReceiver receiver_;
@@ -278,7 +279,7 @@ private:
 
 }  // namespace
 
-SideReport RunSink(int socket, const Offer &offer, const PairOptions &options, int output)
+SideReport RunSink(int socket, const StreamDescription &description, const PairOptions &options, int output)
 {
     std::signal(SIGINT, SIG_IGN);  // the source ends the stream
     std::signal(SIGTERM, SIG_IGN);
@@ -286,16 +287,16 @@ SideReport RunSink(int socket, const Offer &offer, const PairOptions &options, i
     const OHOS::sptr<Notifications> notifications = new Notifications();
     OstraContext &context = OstraContext::GetInstance();
     context.GetDHFwkKit()->RegisterPublisherListener(topic, notifications);
-    context.AddWaitNotify(offer.connection.sourceNetworkId, ISOMERISM_CONNECT);
+    context.AddWaitNotify(description.connection.sourceNetworkId, ISOMERISM_CONNECT);
     context.PublishMessage();
 
     BusinessFlow flow("sink");
     flow.ReportStart(true);
-    Sink sink(socket, offer, options, output);
+    Sink sink(socket, description, options, output);
     const bool isReceived = sink.ReceiveStream();
     flow.ReportEnd(isReceived);
 
-    context.AddWaitNotify(offer.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
+    context.AddWaitNotify(description.connection.sourceNetworkId, ISOMERISM_DISCONNECT);
     context.PublishMessage();
     context.GetDHFwkKit()->UnregisterPublisherListener(topic, notifications);
     return sink.Report(flow, notifications->received);

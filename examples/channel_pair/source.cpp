@@ -23,16 +23,16 @@ using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
-ByteView View(const std::string &document)
+ByteView AsBytes(const std::string &document)
 {
     return {reinterpret_cast<uint8_t *>(const_cast<char *>(document.data())), document.size()};
 }
 
 class Source {
 public:
-    Source(int socket, const Offer &offer, const PairOptions &options, Input &input)
+    Source(int socket, const StreamDescription &description, const PairOptions &options, Input &input)
         : socket_(socket),
-          offer_(offer),
+          description_(description),
           options_(options),
           input_(input),
           trace_(nullptr, std::fclose),
@@ -49,16 +49,17 @@ public:
         return trace_ != nullptr || Fail(options_.tracePath + ": " + std::strerror(errno));
     }
 
-    bool SendOffer()
+    bool SendDescription()
     {
-        return Send(FrameKind::DEVICE, View(offer_.device)) && Send(FrameKind::SERVICE, View(offer_.service)) &&
-               SendMap(FrameKind::SETTINGS, offer_.settings);
+        return Send(FrameKind::DEVICE, AsBytes(description_.device)) &&
+               Send(FrameKind::SERVICE, AsBytes(description_.service)) &&
+               SendMap(FrameKind::SETTINGS, description_.settings);
     }
 
     bool SendStream()
     {
         const int idleMs = static_cast<int>(std::min(1.0, options_.timeout / 4) * 1000);
-        while (Interrupts() == 0) {
+        while (InterruptCount() == 0) {
             ByteView chunk;
             const Input::Result result = input_.Next(chunk, idleMs);
             if (result == Input::Result::END) {
@@ -84,8 +85,8 @@ public:
                          {INTACT_CHUNKS, std::to_string(sent_.chunks - dropped_.chunks)},
                          {INTACT_BYTES, std::to_string(sent_.bytes - dropped_.bytes)},
                          {INTACT_DIGEST, std::to_string(sent_.digest - dropped_.digest)}};
-        for (uint32_t fault = 0; fault < FAULTS; ++fault) {
-            end[static_cast<int32_t>(FIRST_FAULT + fault)] = std::to_string(injector_.Injected()[fault]);
+        for (uint32_t fault = 0; fault < FAULT_KINDS; ++fault) {
+            end[static_cast<int32_t>(FIRST_FAULT_COUNT + fault)] = std::to_string(injector_.InjectedCounts()[fault]);
         }
         if (!SendMap(FrameKind::END, end)) {
             return false;
@@ -103,11 +104,11 @@ public:
     {
         report_.summary = "source\n" + TotalRows(sent_, start_);
         if (options_.faults.count > 0) {
-            report_.summary += Row("injected", ToString(injector_.Injected()));
+            report_.summary += Row("injected", ToString(injector_.InjectedCounts()));
         }
         report_.summary += Row("QoS", qos) + flow.Rows(options_.isVerbose);
         if (options_.isVerbose) {
-            report_.summary += Row("connection", offer_.connection.String());
+            report_.summary += Row("connection", description_.connection.String());
         }
         return report_;
     }
@@ -176,7 +177,7 @@ private:
     }
 
     int socket_;
-    const Offer &offer_;
+    const StreamDescription &description_;
     const PairOptions &options_;
     Input &input_;
     std::unique_ptr<std::FILE, int (*)(std::FILE *)> trace_;
@@ -190,23 +191,23 @@ private:
 
 }  // namespace
 
-SideReport RunSource(int socket, const Offer &offer, const PairOptions &options, Input &input)
+SideReport RunSource(int socket, const StreamDescription &description, const PairOptions &options, Input &input)
 {
     BusinessFlow flow("source");
-    Source source(socket, offer, options, input);
-    const bool isOffered = source.OpenTrace() && source.SendOffer();
-    flow.ReportStart(isOffered);
+    Source source(socket, description, options, input);
+    const bool isDescribed = source.OpenTrace() && source.SendDescription();
+    flow.ReportStart(isDescribed);
 
     constexpr auto level = static_cast<int32_t>(OHOS::QOS::QosLevel::QOS_USER_INTERACTIVE);
     const auto thread = static_cast<int32_t>(syscall(SYS_gettid));
     RequestAuth(std::to_string(getpid()).c_str());
     const bool isGranted = SetQos(level, thread) == 0;
-    const bool isSent = isOffered && source.SendStream() && source.SendEnd();
+    const bool isSent = isDescribed && source.SendStream() && source.SendEnd();
     const bool isReset = isGranted && ResetQos(thread) == 0;
 
     flow.ReportEnd(isSent);
     return source.Report(flow, "level " + std::to_string(level) +
                                    (isReset     ? " granted, reset at the end"
                                     : isGranted ? " granted, not reset"
-                                                : " refused: needs privileges"));
+                                                : " rejected: requires privileges"));
 }

@@ -43,8 +43,8 @@ uint64_t Sum(const FaultCounts &counts)
 
 std::string ToString(const FaultCounts &counts)
 {
-    constexpr const char *names[FAULTS] = {"corrupted", "truncated", "duplicated", "delayed",
-                                           "empty",     "oversized", "unexpected"};
+    constexpr const char *names[FAULT_KINDS] = {"corrupted", "truncated", "duplicated", "delayed",
+                                                "empty",     "oversized", "unexpected"};
     std::string kinds;
     for (size_t i = 0; i < counts.size(); ++i) {
         if (counts[i] > 0) {

@@ -26,7 +26,7 @@ enum class FrameKind : uint32_t {
     DEVICE = 1,      // the device document
     SERVICE = 2,     // the service document
     SETTINGS = 3,    // the stream's settings, a map in a parcel
-    END = 4,         // the end of the stream, a map in a parcel; a connection that closes without it was cut off
+    END = 4,         // the end of the stream, a map in a parcel; a connection that closes without it was interrupted
     KEEP_ALIVE = 5,  // no content: the source waits for its input
 };
 constexpr uint32_t FRAME_KINDS = 6;
@@ -44,8 +44,8 @@ enum Fault : uint32_t {
     OVERSIZED,   // longer than MAX_MESSAGE_BYTES
     UNEXPECTED,  // a kind or a sequence number that does not belong to this stream
 };
-constexpr uint32_t FAULTS = 7;
-using FaultCounts = std::array<uint64_t, FAULTS>;
+constexpr uint32_t FAULT_KINDS = 7;
+using FaultCounts = std::array<uint64_t, FAULT_KINDS>;
 
 uint64_t Sum(const FaultCounts &counts);
 
@@ -91,6 +91,12 @@ enum class ReceiveResult {
     FAILED,   // errno is set; EAGAIN if nothing arrived within the socket's timeout
 };
 
+struct ReceiverStatus {
+    uint64_t nextFrame = 0;                // the number that the next frame should have
+    std::optional<uint64_t> firstMissing;  // the first frame that did not arrive in order
+    FaultCounts detected{};
+};
+
 class FrameReceiver {
 public:
     explicit FrameReceiver(int socket) : socket_(socket), message_(MAX_MESSAGE_BYTES)
@@ -100,13 +106,7 @@ public:
     // Waits for the next message.
     ReceiveResult Receive(ReceivedFrame &frame);
 
-    struct Statistics {
-        uint64_t nextFrame = 0;                // the number that the next frame should have
-        std::optional<uint64_t> firstMissing;  // the first frame that did not arrive in order
-        FaultCounts detected{};
-    };
-
-    const Statistics &Status() const
+    const ReceiverStatus &Status() const
     {
         return status_;
     }
@@ -122,7 +122,7 @@ private:
     Message message_;
     std::optional<OHOS::DistributedHardware::OstraAdapter::ChannelProtocol> frame_;
     std::bitset<WINDOW> received_;  // which of the last WINDOW numbers arrived
-    Statistics status_;
+    ReceiverStatus status_;
 };
 
 #endif  // EXAMPLES_CHANNEL_PAIR_TRANSPORT_H

@@ -40,7 +40,7 @@ std::string Expand(const std::string &folded)
 
 size_t Replay(const std::string &name, size_t count, const Operations &operations)
 {
-    const std::string path = OSTRA_SOURCE_FOLDER "/tests/data/host/" + name;
+    const std::string path = OSTRA_SOURCE_DIR "/tests/data/host/" + name;
     std::ifstream file(path);
     size_t begins = 0;
     size_t others = 0;

@@ -3,15 +3,13 @@
 # Runs the example pair as a user would, and checks its output and exit status. Also checks that scripts/demo rejects
 # the same arguments before it builds anything, and that docs/wire-formats.md shows the messages of the pair.
 # Usage: channel_pair_test.sh COMMAND [ARGUMENT ...]
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 here=$(cd "$(dirname "$0")" && pwd)
 pair=("$@")
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
 
 fail() {
-    cat "$folder/out" "$folder/err"
+    cat "$work/out" "$work/err"
     echo "FAILED: $*"
     exit 1
 }
@@ -21,7 +19,7 @@ check() {
     local line
     [ "$2" = "$3" ] || fail "$1: exit status $2, expected $3"
     while read -r line; do
-        grep -qF -- "$line" "$folder/out" "$folder/err" || fail "$1: not printed: $line"
+        grep -qF -- "$line" "$work/out" "$work/err" || fail "$1: not printed: $line"
     done <<<"$4"
 }
 
@@ -29,27 +27,27 @@ check() {
 expect() {
     local status=0 expected=$1 lines=$2
     shift 2
-    timeout 60 "${pair[@]}" "$@" >"$folder/out" 2>"$folder/err" || status=$?
+    timeout 60 "${pair[@]}" "$@" >"$work/out" 2>"$work/err" || status=$?
     check "$*" "$status" "$expected" "$lines"
 }
 
 # expect_error STATUS STRING ARGUMENT...: the same, but STRING must be in the only line on standard error.
 expect_error() {
     expect "$@"
-    [ "$(wc -l <"$folder/err")" = 1 ] || fail "${*:3}: not one line"
+    [ "$(wc -l <"$work/err")" = 1 ] || fail "${*:3}: not one line"
 }
 
 # A copy of scripts/demo that cannot install or build anything.
-mkdir -p "$folder/copy/examples"
-cp -r "$here/../../scripts" "$folder/copy"
-cp -r "$here/../../examples/channel_pair" "$folder/copy/examples"
-printf 'echo nothing is built here >&2; exit 99\n' >"$folder/copy/scripts/setup"
+mkdir -p "$work/copy/examples"
+cp -r "$here/../../scripts" "$work/copy"
+cp -r "$here/../../examples/channel_pair" "$work/copy/examples"
+printf 'echo nothing is built here >&2; exit 99\n' >"$work/copy/scripts/setup"
 
 # expect_demo STATUS STRINGS ARGUMENT...: runs that copy.
 expect_demo() {
     local status=0 expected=$1 lines=$2
     shift 2
-    "$folder/copy/scripts/demo" "$@" >"$folder/out" 2>"$folder/err" || status=$?
+    "$work/copy/scripts/demo" "$@" >"$work/out" 2>"$work/err" || status=$?
     check "scripts/demo $*" "$status" "$expected" "$lines"
 }
 
@@ -63,7 +61,7 @@ invalid() {
 send_signal() {
     local status=0 expected=$1 lines=$2 signal=$3 process=$4 sides=() parent tries
     shift 4
-    "${pair[@]}" "$@" /dev/zero >"$folder/out" 2>"$folder/err" &
+    "${pair[@]}" "$@" /dev/zero >"$work/out" 2>"$work/err" &
     parent=$!
     for ((tries = 200; tries > 0; --tries)); do
         read -r -a sides <"/proc/$parent/task/$parent/children" || true
@@ -96,7 +94,7 @@ send_signal() {
 interrupt_open() {
     local status=0 signal=$1
     shift
-    timeout --kill-after 5 --signal "$signal" 0.5 "${pair[@]}" "$@" >"$folder/out" 2>"$folder/err" || status=$?
+    timeout --kill-after 5 --signal "$signal" 0.5 "${pair[@]}" "$@" >"$work/out" 2>"$work/err" || status=$?
     [ "$status" = 124 ] || fail "$signal while opening a FIFO: exit status $status"
 }
 
@@ -104,23 +102,23 @@ interrupt_open() {
 # the chunk again.
 replace_dump() {
     local dump tries
-    cat "$folder/chunk"
+    cat "$work/chunk"
     for ((tries = 100; tries > 0; --tries)); do
         for dump in /data/local/tmp/channel_pair_*; do
-            ! [ -f "$dump" ] || ! cmp -s "$dump" "$folder/chunk" || break 2
+            ! [ -f "$dump" ] || ! cmp -s "$dump" "$work/chunk" || break 2
         done
         sleep 0.05
     done
     rm "$dump"
     "$@" "$dump"
-    cat "$folder/chunk"
+    cat "$work/chunk"
 }
 
-random=$folder/random
+random=$work/random
 head -c 1234567 /dev/urandom >"$random"
-empty=$folder/empty
+empty=$work/empty
 : >"$empty"
-fifo=$folder/fifo
+fifo=$work/fifo
 mkfifo "$fifo"
 
 # Complete streams.
@@ -129,24 +127,24 @@ lost        0 of 250 chunks\ndetected    0\n desk tablet
 m******e of type *, codec bits 5, profiles 48000,2,16;16000,1,16;
 48000 Hz, 2 channels, chunks of 20 ms
 notified    isomerism_connect of
-6 business-flow steps reported, none failed
+6 business-flow stages reported, none failed
 every byte arrived'
-! grep -q '[0-9a-f]\{32\}' "$folder/out" || fail "an identifier is not masked"
+! grep -q '[0-9a-f]\{32\}' "$work/out" || fail "an identifier is not masked"
 expect 0 'sending a generated tone for 0.1 s, as fast as possible' --seconds 0.1
 expect 0 $'port: 8***
 "FUNC":"source","HOST_PKG":"collaboration_service","BIZ_SCENE":2,"BIZ_STAGE":1,"STAGE_RES":1,"BIZ_STATE":1
 "FUNC":"sink","TO_CALL_PKG":"dsoftbus","HOST_PKG":"collaboration_service","BIZ_SCENE":2,"BIZ_STAGE":8,"STAGE_RES":1' -v
 expect 0 'nothing was sent: the input is empty' "$empty"
-expect 0 $'chunks      322\nbytes       1234567\nevery byte arrived' "$random" --output "$folder/received"
-cmp "$folder/received" "$random"
-cp "$random" "$folder/-odd"
-(cd "$folder" && expect 0 'every byte arrived' --output=-copy -- -odd && cmp ./-copy random)
-(sleep 0.5 && cat "$random") | expect 0 'every byte arrived' --timeout 0.4 --output "$folder/piped" -
-cmp "$folder/piped" "$random"
+expect 0 $'chunks      322\nbytes       1234567\nevery byte arrived' "$random" --output "$work/received"
+cmp "$work/received" "$random"
+cp "$random" "$work/-odd"
+(cd "$work" && expect 0 'every byte arrived' --output=-copy -- -odd && cmp ./-copy random)
+(sleep 0.5 && cat "$random") | expect 0 'every byte arrived' --timeout 0.4 --output "$work/piped" -
+cmp "$work/piped" "$random"
 expect 0 'every byte arrived' /dev/stdin <"$random"
 expect 0 '' --output - "$random"
-cmp "$folder/out" "$random"
-grep -q 'every byte arrived' "$folder/err" || fail 'no report on standard error'
+cmp "$work/out" "$random"
+grep -q 'every byte arrived' "$work/err" || fail 'no report on standard error'
 
 # All counted faults are detected. An uncounted one makes the pair fail, even if no chunk is missing: frame 3 is the
 # first keep-alive frame of an idle input.
@@ -158,11 +156,11 @@ detected    56 (8 corrupted, 8 truncated, 8 duplicated, 8 delayed, 8 empty, 8 ov
 done
 head -c 500000 "$random" | expect 0 '7 faults injected, 7 detected' --faults 7 -
 expect 0 '14 faults injected, 14 detected' --seconds 1 --faults 14
-expect 1 $'lost        1 of 250 chunks\n6 business-flow steps reported, 3 failed
+expect 1 $'lost        1 of 250 chunks\n6 business-flow stages reported, 3 failed
 1 of 250 chunks are missing; faults detected: 1 (1 corrupted); the first missing frame is frame 10' --flip 10
-expect 1 'the device document is missing or not as offered' --flip 0
-expect 1 'the service document is missing or not as offered' --flip 1
-expect 1 $'the settings are missing or not as offered\nthe first missing frame is frame 2' --flip 2
+expect 1 'the device document is missing or not as expected' --flip 0
+expect 1 'the service document is missing or not as expected' --flip 1
+expect 1 $'the settings are missing or not as expected\nthe first missing frame is frame 2' --flip 2
 expect_error 1 'the end of the stream is missing, expected frame 253' --flip 253
 expect_error 1 'the stream is too short: 1 faults not injected' --flip 254
 (sleep 1) | expect_error 1 'faults detected: 1 (1 corrupted); faults injected: 0; the first missing frame is frame 3' \
@@ -184,8 +182,8 @@ for signal in INT TERM; do
 done
 
 # Files that cannot be read or written.
-expect_error 1 "channel_pair: $folder/missing: No such file or directory" "$folder/missing"
-expect_error 1 "channel_pair: $folder: Is a directory" "$folder"
+expect_error 1 "channel_pair: $work/missing: No such file or directory" "$work/missing"
+expect_error 1 "channel_pair: $work: Is a directory" "$work"
 expect_error 1 'channel_pair: /proc/self/mem: Input/output error' /proc/self/mem
 expect_error 1 'channel_pair: /dev/full: No space left on device' --output /dev/full /dev/zero
 expect_error 1 "channel_pair: $random: the output is the input file" --output "$random" "$random"
@@ -195,27 +193,27 @@ if [ "$(id -u)" != 0 ]; then
     expect_error 1 "channel_pair: $empty: Permission denied" "$empty"
 fi
 status=0
-"${pair[@]}" /dev/zero 2>"$folder/err" >/dev/full || status=$?
+"${pair[@]}" /dev/zero 2>"$work/err" >/dev/full || status=$?
 check 'full standard output' "$status" 1 'channel_pair: standard output: No space left on device'
 if [ -d /data/local/tmp ]; then
     dumps=()
     for run in 1 2; do
         expect 0 ', 1234567 bytes; delete it with: rm /data/local/tmp/channel_pair_' --dump "$random"
-        dump=$(sed -n 's/^  dump *\(.*\), .*/\1/p' "$folder/out")
+        dump=$(sed -n 's/^  dump *\(.*\), .*/\1/p' "$work/out")
         cmp "$dump" "$random"
         rm "$dump"
         [[ $dump =~ /channel_pair_[0-9a-f]{16}\.pcm$ ]] || fail "$run: the dump has another name: $dump"
         dumps+=("$dump")
     done
     [ "${dumps[0]}" != "${dumps[1]}" ] || fail "the name of the dump can be guessed"
-    remove_dump() { rm "$(sed -n 's/^channel_pair: \(.*\): the dump.*/\1/p' "$folder/err")"; }
+    remove_dump() { rm "$(sed -n 's/^channel_pair: \(.*\): the dump.*/\1/p' "$work/err")"; }
     (ulimit -f 200 && expect 1 'the dump is incomplete: File too large' --dump "$random")
     remove_dump
     # If another user replaces the file, the sink neither waits for the reader of a FIFO nor follows a symbolic link.
-    head -c 3840 "$random" >"$folder/chunk"
+    head -c 3840 "$random" >"$work/chunk"
     replace_dump mkfifo | expect 1 'the dump is incomplete: No such device or address' --dump -
     remove_dump
-    replace_dump ln -s "$folder/target" | expect 1 'the dump is incomplete: Too many levels of symbolic links' --dump -
+    replace_dump ln -s "$work/target" | expect 1 'the dump is incomplete: Too many levels of symbolic links' --dump -
     remove_dump
 fi
 
@@ -237,19 +235,19 @@ invalid 'FILE excludes --seconds' --seconds 1 "$random"
 expect 2 '--faults: at most 125 fit into 5 s of a generated tone' --faults 126
 expect 0 '--output' --help
 expect 0 '--output' -h
-expect_demo 1 "$folder/missing: No such file" "$folder/missing"
-expect_demo 1 "$folder: Is a directory" "$folder"
-expect_demo 99 'nothing is built here' "$random" -o "$folder/copy" --faults=8 --seed 1 --timeout .5 --trace x --dump -v
+expect_demo 1 "$work/missing: No such file" "$work/missing"
+expect_demo 1 "$work: Is a directory" "$work"
+expect_demo 99 'nothing is built here' "$random" -o "$work/copy" --faults=8 --seed 1 --timeout .5 --trace x --dump -v
 expect_demo 99 'nothing is built here' -
 expect_demo 0 "$("${pair[@]}" --help)" --help
 
 # The worked examples of messages; a line that starts with a space continues the previous one.
-printf hi >"$folder/hi"
-expect 0 '' --trace "$folder/trace" "$folder/hi"
-(sleep 2) | expect 0 '' --trace "$folder/idle" --timeout 0.4 -
+printf hi >"$work/hi"
+expect 0 '' --trace "$work/trace" "$work/hi"
+(sleep 2) | expect 0 '' --trace "$work/idle" --timeout 0.4 -
 examples=0
 while read -r message; do
-    grep -qxF "$message " "$folder/trace" "$folder/idle" || fail "the pair does not send this message: $message"
+    grep -qxF "$message " "$work/trace" "$work/idle" || fail "the pair does not send this message: $message"
     examples=$((examples + 1))
 done < <(sed -n '/^```pair$/,/^```$/{/^```/d;s|  // .*||;p}' "$here/../../docs/wire-formats.md" |
     sed -e ':a' -e '$!N;s/\n / /;ta' -e 'P;D' | sed 's/.*=> //')

@@ -8,4 +8,4 @@ dump=$(sed -n 's/.*DumpStreamData("\([^"]*\)".*/\1/p' "$1")
 [ -z "$dump" ] || trap 'rm -f "/data/local/tmp/$dump"' EXIT
 expected=$(sed -n 's/^ *\/\/ Prints: //p' "$1")
 printed=$("${@:2}")
-[ "$printed" = "${expected:?}" ] || { echo "${1##*/} says \"Prints: $expected\", but it prints \"$printed\""; exit 1; }
+[ "$printed" = "${expected:?}" ] || { echo "FAILED: ${1##*/} printed \"$printed\" instead of \"$expected\""; exit 1; }

@@ -2,58 +2,55 @@
 # SPDX-License-Identifier: Apache-2.0
 # Tests the environment variables for events, parameters and the log. Opening a FIFO must never block.
 # Usage: host_environment_test.sh COMMAND..., where COMMAND runs the program of tests/host/environment.cpp
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
 export OSTRA_HOST_PARAMETERS='test.both=from list; test.list=a=b;nothing;;test.empty='
 
 # expect WHAT PATTERN: the output of the last run must match the extended regular expression; dots match newlines.
 expect() {
-    [[ $(cat "$folder/output") =~ $2 ]] || {
-        cat "$folder/output"
-        echo "FAILED: $1: no match of $2"
-        exit 1
+    [[ $(cat "$work/output") =~ $2 ]] || {
+        cat "$work/output"
+        fail "$1: no match of $2"
     }
 }
 
 # run VARIABLE VALUE
 run() {
-    env "$1=$2" timeout 20 "${command[@]}" >"$folder/output" 2>&1 ||
-        { cat "$folder/output"; echo "FAILED: $1=$2"; exit 1; }
+    env "$1=$2" timeout 20 "${command[@]}" >"$work/output" 2>&1 ||
+        { cat "$work/output"; fail "$1=$2"; }
 }
 
 command=("$@")
-mkfifo "$folder/fifo"
-printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semicolon=a;b\n' >"$folder/parameters"
+mkfifo "$work/fifo"
+printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semicolon=a;b\n' >"$work/parameters"
 
 TZ=XST-5:30 run OSTRA_HOST_EVENT_OUTPUT stderr
 expect 'time zone' '"tz_":"\+0530"'
 expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results 0 0 received 2'
 run OSTRA_HOST_EVENT_OUTPUT ''
 expect 'no output' $'\nresults 0 0 received 2'
-run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
-run OSTRA_HOST_EVENT_OUTPUT "$folder/events"
-[ "$(grep -c '^{"domain_":.*"T":"[ab]"}$' "$folder/events")" = 4 ] || { echo "FAILED: not 4 complete lines"; exit 1; }
+run OSTRA_HOST_EVENT_OUTPUT "$work/events"
+run OSTRA_HOST_EVENT_OUTPUT "$work/events"
+[ "$(grep -c '^{"domain_":.*"T":"[ab]"}$' "$work/events")" = 4 ] || fail "not 4 complete lines"
 run OSTRA_HOST_EVENT_OUTPUT /dev/full
 expect 'a full disk' 'results -5 -5 received 0'
-for refused in "$folder" "$folder/fifo"; do
-    run OSTRA_HOST_EVENT_OUTPUT "$refused"
-    expect "$refused" "OSTRA_HOST_EVENT_OUTPUT=$refused cannot be opened: .*results -5 -5 received 0"
-    run OSTRA_HOST_PARAMETER_FILE "$refused"
-    expect "$refused" "OSTRA_HOST_PARAMETER_FILE=$refused cannot be opened: .*test.file is unset.*list is a=b"
+for rejected in "$work" "$work/fifo"; do
+    run OSTRA_HOST_EVENT_OUTPUT "$rejected"
+    expect "$rejected" "OSTRA_HOST_EVENT_OUTPUT=$rejected cannot be opened: .*results -5 -5 received 0"
+    run OSTRA_HOST_PARAMETER_FILE "$rejected"
+    expect "$rejected" "OSTRA_HOST_PARAMETER_FILE=$rejected cannot be opened: .*test.file is unset.*list is a=b"
 done
-exec 3<>"$folder/fifo" # has a reader now
-run OSTRA_HOST_EVENT_OUTPUT "$folder/fifo"
+exec 3<>"$work/fifo" # has a reader now
+run OSTRA_HOST_EVENT_OUTPUT "$work/fifo"
 expect 'a FIFO with a reader' $'Is a FIFO\n.*results -5 -5 received 0'
-run OSTRA_HOST_PARAMETER_FILE "$folder/none"
+run OSTRA_HOST_PARAMETER_FILE "$work/none"
 expect 'a missing file' 'cannot be opened: .*test.file is unset'
-run OSTRA_HOST_PARAMETER_FILE "$folder/parameters"
+run OSTRA_HOST_PARAMETER_FILE "$work/parameters"
 expect 'skipped entries' 'PARAMETER_FILE: skipping malformed entry "B-D=1".*PARAMETERS: skipping malformed entry "nothing"'
 expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is a;b\ntest.list is a=b\ntest.empty is $'
-run OSTRA_HOST_PARAMETER_FILE "$folder/parameters" <&- # the file gets descriptor 0
+run OSTRA_HOST_PARAMETER_FILE "$work/parameters" <&- # the file gets descriptor 0
 expect 'parameters without standard input' 'file is from file'
-! grep '# a=1' "$folder/output" || { echo 'FAILED: a comment is reported'; exit 1; }
+! grep '# a=1' "$work/output" || fail 'a comment is reported'
 
 # level VALUE DELIVERED LINE...: checks the level and message of each log line; each must be a single write.
 level() {
@@ -62,10 +59,10 @@ level() {
     today=$(date +%m-%d)
     run OSTRA_HOST_LOG_LEVEL "$value"
     today+="|$(date +%m-%d)"
-    process=$(sed -n 's/^process //p' "$folder/output")
-    sed -nE "s#^($today) [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: #\2#p" "$folder/output" \
-        >"$folder/lines"
-    [ "$(tr '\n' ' ' <"$folder/lines")" = "${*:+$* }" ] || { cat "$folder/output"; echo "FAILED: log level $value"; exit 1; }
+    process=$(sed -n 's/^process //p' "$work/output")
+    sed -nE "s#^($today) [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: #\2#p" "$work/output" \
+        >"$work/lines"
+    [ "$(tr '\n' ' ' <"$work/lines")" = "${*:+$* }" ] || { cat "$work/output"; fail "log level $value"; }
     expect "log level $value" "delivered $delivered in $# writes, errno is unchanged"
 }
 

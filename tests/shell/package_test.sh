@@ -4,17 +4,10 @@
 # and CMakeLists.txt of README.md with find_package, and the C interface with pkg-config.
 # Usage: package_test.sh BUILD_DIRECTORY, or package_test.sh PREFIX for an installed package. Reads CMAKE, CC, CXX,
 # CFLAGS, CXXFLAGS, TOOLCHAIN_FILE and EMULATOR from the environment; the last two are empty unless cross-compiling.
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 installed=$1
 top=$(cd "$(dirname "$0")/../.." && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
-fail() {
-    echo "$*"
-    exit 1
-}
 
 prefix=$installed
 if [ -f "$installed/CMakeCache.txt" ]; then
@@ -52,7 +45,7 @@ diff -B <(sed -n '/^#include/,$p' "$top/examples/first_frame.cpp") "$work/outsid
 "$CMAKE" --build "$work/cmake" >"$work/log" || fail "$(cat "$work/log")"
 printed=$($EMULATOR "$work/cmake/first_program")
 expected=$(sed -n 's/^ *\/\/ Prints: //p' "$work/outside/first_frame.cpp")
-[ "$printed" = "${expected:?}" ] || fail "the first program prints $printed, README.md says $expected"
+[ "$printed" = "${expected:?}" ] || fail "the first program printed \"$printed\" instead of \"$expected\""
 
 flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_adapter_utils)
 # The program needs one library only, which must find the other one. The flags must be split into words.

@@ -2,17 +2,9 @@
 # SPDX-License-Identifier: Apache-2.0
 # Tests that every script prints its usage for --help and -h and rejects unknown arguments with status 2, both before it
 # does anything else, and that benchmark results are rated correctly. Usage: scripts_test.sh SOURCE_DIRECTORY
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 cd "$1"
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failed=0
-
-fail() {
-    echo "$*"
-    failed=1
-}
 
 for script in scripts/* .ci/run; do
     [[ $script != scripts/lib.sh && -f $script ]] || continue # lib.sh is sourced
@@ -37,7 +29,7 @@ while read -r time1 time2 result status; do
         cat >"$work/round$i.json" <<JSON
 {"benchmarks": [
   {"run_type": "iteration", "run_name": "name", "family_index": 0, "cpu_time": ${!time}, "time_unit": "ms",
-   "at most": 1.6, "label": "by hand"},
+   "max ratio": 1.6, "label": "hand-written loop"},
   {"run_type": "iteration", "run_name": "name (baseline)", "cpu_time": 1000, "time_unit": "us"}]}
 JSON
     done
@@ -47,8 +39,7 @@ JSON
 done <<'ROWS'
 1.0 1.1 met 0
 1.2 1.5 unstable 0
-1.6 1.7 MISSED 1
+1.6 1.7 missed 1
 ROWS
 
-[ $failed = 1 ] || echo "all scripts print help and reject unknown arguments"
-exit $failed
+echo "all scripts print help and reject unknown arguments"

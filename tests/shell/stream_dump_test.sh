@@ -2,18 +2,11 @@
 # SPDX-License-Identifier: Apache-2.0
 # Runs the commands of the page on stream dumps on a stream of the example pair, and compares the measured values with
 # those on the page. Plays to a null device. Usage: stream_dump_test.sh PAGE CHANNEL_PAIR
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 page=$(realpath "$1")
 pair=$(realpath "$2")
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder"
-
-fail() {
-    echo "FAILED: $*"
-    exit 1
-}
+cd "$work"
 
 # The sink writes the same bytes with --output as with --dump.
 OSTRA_HOST_LOG_LEVEL=off "$pair" --output dump.pcm >/dev/null

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Checks the examples in docs/wire-formats.md: its fenced code blocks, whose info string names their kind. A block of a
-# computed kind has lines "input => output", which inspect_test.sh recomputes. Any other block is output of the library
-# and must occur unchanged in a golden file.
+# computed kind has lines "input => output", which inspect_test.sh recomputes, or channel_pair_test.sh those of the kind
+# pair. Any other block is output of the library and must occur unchanged in a golden file.
 # Usage: wire_formats_test.sh PAGE GOLDEN_DIRECTORY
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 page=$1
 # Joins messages of several lines, which are indented in golden files.
@@ -13,11 +13,6 @@ declare -A kinds=([frame]=computed [header]=computed [crc]=computed [audio]=comp
     [device]=golden [service]=golden [unset-service]=golden [message]=golden [request]=golden
     [event]=golden)
 declare -A found=()
-
-fail() {
-    echo "wire_formats_test: $*"
-    exit 1
-}
 
 # check KIND BLOCK: checks one block. A line that begins with a space continues the previous line; two spaces and "//"
 # begin a comment.
