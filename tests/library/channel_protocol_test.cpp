@@ -92,7 +92,7 @@ TEST_F(ChannelProtocolTest, ReleasesItsBuffer)
     EXPECT_EQ(LiveBlocks(), liveBlocks);
 }
 
-TEST_F(ChannelProtocolTest, LogsEachCrcMasked)
+TEST_F(ChannelProtocolTest, MasksLoggedCrcs)
 {
     const ChannelProtocol frame;
     unsigned char digits[] = "123456789";

@@ -45,7 +45,7 @@ TEST_F(AudioPropertiesTest, LogsReadAndDerivedValues)
     EXPECT_EQ(CALL(audio.UnmarshalAudioProfiles(nullptr)), OSTRA_JSON_ROOT_MISSING);
 }
 
-TEST_F(AudioPropertiesTest, ExtendsListsCompletelyOrNotAtAll)
+TEST_F(AudioPropertiesTest, ExtendsListsAtomically)
 {
     const std::string profile = R"({\"sampleRate\":44100,\"channel\":3,\"format\":1})";
     const std::string json = R"({"2102":"{\"codecs\":[0,1],\"profiles\":[)" + profile + "," + profile + "]}\"}";
@@ -91,7 +91,7 @@ TEST_F(DeviceJsonTest, LeavesTheOutputUnchangedIfAllocationFails)
         [&] { EXPECT_EQ(out != "old", isWritten); });
 }
 
-TEST_F(DeviceServiceJsonTest, LogsTheDocumentMasked)
+TEST_F(DeviceServiceJsonTest, LogsMaskedDocuments)
 {
     CALL(DHOSTRADeviceServiceJson());
     DHOSTRADeviceServiceJson service;

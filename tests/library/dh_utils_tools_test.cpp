@@ -83,7 +83,7 @@ TEST_F(UtilsTest, ReturnsRandomIdentifiers)
     EXPECT_EQ(distinct.size(), 128U - 6 + 2);
 }
 
-TEST_F(UtilsTest, FetchesTheNetworkIdFromTheSoftBus)
+TEST_F(UtilsTest, ReturnsTheNetworkIdFromSoftBus)
 {
     std::string networkId = "before";
     g_networkId = "";
@@ -171,7 +171,7 @@ TEST(DataTest, AcceptsRangesInsideTheCapacity)
     }
 }
 
-TEST(DataTest, ThrowsBadAllocOrReleasesItsBuffer)
+TEST(DataTest, AllocatesAndReleasesItsBuffer)
 {
     EXPECT_THROW(DHData{SIZE_MAX}, std::bad_alloc);
     EXPECT_THROW(DHData{SIZE_MAX - 1}, std::bad_alloc);
@@ -183,13 +183,13 @@ TEST(DataTest, ThrowsBadAllocOrReleasesItsBuffer)
 const DHConnectInfo CONNECTION = {
     "source-network-id-0001", "sink", "10.0.0.1", "192.168.1.10", "AA:BB", "info", {1, 2}, 8080, "param"};
 
-TEST_F(ConnectInfoTest, StringIsMasked)
+TEST_F(ConnectInfoTest, StringMasksItsFields)
 {
     RecordLine(DHConnectInfo().String());
     RecordLine(CONNECTION.String());
 }
 
-TEST_F(ConnectInfoTest, IsIdentifiedByAddressesAndPort)
+TEST_F(ConnectInfoTest, ComparesAddressesAndPort)
 {
     DHConnectInfo other = CONNECTION;
     other.extraInfo = other.extraParam = "other";
@@ -199,7 +199,7 @@ TEST_F(ConnectInfoTest, IsIdentifiedByAddressesAndPort)
     EXPECT_TRUE(!(CONNECTION == other) && !(CONNECTION < other) && !(other < CONNECTION));
 }
 
-TEST_F(ConnectInfoTest, OrdersByTheBytesOfItsKey)
+TEST_F(ConnectInfoTest, OrdersByConcatenatedBytes)
 {
     // sourceNetworkId, sinkNetworkId, sourceIp, sinkIp, sinkBrMac, extraInfo, extraData, port, extraParam
     const DHConnectInfo ascending[] = {

@@ -85,7 +85,7 @@ TEST_F(OstraContextTest, ReleasesTheDocumentBeforeItLogsAndPublishes)
     EXPECT_EQ(maxLiveBlocks, liveBlocks + 2) << "more than the message and an entry of the queue";
 }
 
-TEST_F(OstraContextTest, PublishesEventsQueuedDuringPublishNextTime)
+TEST_F(OstraContextTest, DefersEventsQueuedWhilePublishing)
 {
     std::promise<void> started;
     std::future<void> queuing;

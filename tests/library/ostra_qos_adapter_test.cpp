@@ -31,7 +31,7 @@ void OHOS::ConcurrentTask::ConcurrentTaskClient::RequestAuth(
 
 using QosAdapterTest = GoldenTest;
 
-TEST_F(QosAdapterTest, PassesArgumentsAndResultsOnUnchanged)
+TEST_F(QosAdapterTest, ForwardsArgumentsAndResults)
 {
     EXPECT_EQ(SetQos(99, 7), 99007);
     EXPECT_EQ(SetQos(-5, INT_MAX), INT_MAX - 5000);
