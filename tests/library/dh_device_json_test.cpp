@@ -49,17 +49,14 @@ TEST_F(AudioPropertiesTest, ExtendsListsAtomically)
 {
     const std::string profile = R"({\"sampleRate\":44100,\"channel\":3,\"format\":1})";
     const std::string json = R"({"2102":"{\"codecs\":[0,1],\"profiles\":[)" + profile + "," + profile + "]}\"}";
-    std::optional<DHOSTRAAudioProperties> audio;
-    EachFault(
-        [&] {
-            audio.emplace();  // used lists would have spare capacity
-            CALL(audio->Unmarshal(json));
-        },
-        [&] {
-            EXPECT_EQ(audio->codecs_.size() % 2, 0U);
-            EXPECT_EQ(audio->profiles_.size() % 2, 0U);
-            EXPECT_EQ(audio->audioProfiles_, audio->audioProfiles_.empty() ? "" : "44100,2,16;44100,2,16;");
-        });
+    std::optional<DHOSTRAAudioProperties> audio(std::in_place);  // new for each run: used lists have spare capacity
+    EachFault([&] { CALL(audio->Unmarshal(json)); },
+              [&audio] {
+                  EXPECT_EQ(audio->codecs_.size() % 2, 0U);
+                  EXPECT_EQ(audio->profiles_.size() % 2, 0U);
+                  EXPECT_EQ(audio->audioProfiles_, audio->audioProfiles_.empty() ? "" : "44100,2,16;44100,2,16;");
+                  audio.emplace();
+              });
 }
 
 TEST_F(DeviceJsonTest, WritesEveryMember)
@@ -81,9 +78,10 @@ TEST_F(DeviceJsonTest, LeavesTheOutputUnchangedIfAllocationFails)
     bool isWritten = false;
     EachFault(
         [&] {
-            DHOSTRADeviceJson device;
-            device.properties_ = out = "old";
+            out = "old";
             isWritten = false;
+            DHOSTRADeviceJson device;
+            device.properties_ = out;
             isWritten = CALL(device.Marshal(out)) == OSTRA_JSON_SUCCESS;
             RecordLine("properties_ " + device.properties_);
             RecordLine(out);
