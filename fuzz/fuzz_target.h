@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Helpers for fuzzers: functions that consume values from the front of an input, and ExpectEqual, which compares the
-// library with a naive reference. The first difference is printed with the input, and aborts the program.
+// Helpers for fuzzers: functions that take values from the front of an input, and ExpectEqual, which compares the
+// library with a naive reference, and aborts the program if they differ.
 //
 //     int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 //     {
@@ -63,16 +63,10 @@ inline std::string TakeString(std::string &input)
     return Take(input, TakeByte(input) % 64U);
 }
 
-inline std::string TakeLine(std::string &input)
-{
-    const std::string line = Take(input, input.find('\n'));
-    Take(input, 1);
-    return line;
-}
-
-// If the values differ, prints them and the input (for `xxd -r -p`), and aborts, so that the fuzzer saves the input.
+// Aborts if the values differ, after printing them and the input (which `xxd -r -p` converts). The fuzzer then saves
+// the input.
 template <typename Value>
-void ExpectEqual(const char *field, const Value &expected, const Value &got)
+void ExpectEqual(const std::string &field, const Value &expected, const Value &got)
 {
     if (got == expected) {
         return;

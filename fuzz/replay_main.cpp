@@ -16,32 +16,24 @@
 
 namespace {
 
-constexpr int GENERATED_INPUTS = 4000;
+constexpr int MUTATIONS = 4000;
 constexpr size_t RANDOM_SEED_SIZE = 1000;
 
 std::mt19937 g_random;  // default seed: the same inputs everywhere
 
-size_t Below(size_t limit)
-{
-    return g_random() % limit;
-}
-
 // Returns the start of one seed and the end of another, with a few bytes replaced or changed by 1.
 std::string Mutate(const std::vector<std::string> &seeds)
 {
-    const std::string &first = seeds[Below(seeds.size())];
-    const std::string &second = seeds[Below(seeds.size())];
-    std::string input = first.substr(0, Below(first.size() + 1)) + second.substr(Below(second.size() + 1));
-    for (size_t changes = input.empty() ? 0 : Below(4); changes > 0; --changes) {
-        char &byte = input[Below(input.size())];
-        byte = static_cast<char>(Below(2) == 0 ? Below(256) : static_cast<uint8_t>(byte) + 2 * Below(2) - 1);
+    const std::string &first = seeds[g_random() % seeds.size()];
+    const std::string &second = seeds[g_random() % seeds.size()];
+    std::string input = first.substr(0, g_random() % (first.size() + 1));
+    input += second.substr(g_random() % (second.size() + 1));
+    for (size_t changes = input.empty() ? 0 : g_random() % 4; changes > 0; --changes) {
+        char &byte = input[g_random() % input.size()];
+        const bool isReplaced = g_random() % 2 == 0;
+        byte = static_cast<char>(isReplaced ? g_random() : static_cast<uint8_t>(byte) + g_random() % 2 * 2 - 1);
     }
     return input;
-}
-
-void Run(const std::string &input)
-{
-    LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(input.data()), input.size());
 }
 
 }  // namespace
@@ -49,7 +41,7 @@ void Run(const std::string &input)
 int main(int argc, char **argv)
 {
     std::vector<std::string> seeds(1);
-    std::generate_n(std::back_inserter(seeds[0]), RANDOM_SEED_SIZE, [] { return static_cast<char>(Below(256)); });
+    std::generate_n(std::back_inserter(seeds[0]), RANDOM_SEED_SIZE, [] { return static_cast<char>(g_random()); });
     for (int i = 1; i < argc; ++i) {
         std::ifstream file(argv[i], std::ios::binary);
         if (!file) {
@@ -57,11 +49,12 @@ int main(int argc, char **argv)
             return EXIT_FAILURE;
         }
         seeds.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-        Run(seeds.back());
     }
-    for (int i = 0; i < GENERATED_INPUTS; ++i) {
-        Run(Mutate(seeds));
+    std::vector<std::string> inputs = seeds;
+    std::generate_n(std::back_inserter(inputs), MUTATIONS, [&seeds] { return Mutate(seeds); });
+    for (const std::string &input : inputs) {
+        LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(input.data()), input.size());
     }
-    std::printf("%d files and %d mutations\n", argc - 1, GENERATED_INPUTS);
+    std::printf("%d files and %d mutations\n", argc - 1, MUTATIONS);
     return 0;
 }

@@ -11,7 +11,7 @@
 ///
 /// **Device documents are written only:** DHOSTRADeviceJson::Unmarshal does nothing. A receiver uses cJSON:
 ///
-///     cJSON *root = cJSON_Parse(json);     // delete it with cJSON_Delete
+///     cJSON *root = cJSON_Parse(json.c_str());     // delete it with cJSON_Delete
 ///     const char *deviceId = cJSON_GetStringValue(cJSON_GetObjectItem(root, "deviceId"));
 ///
 /// Operations return the OSTRA_JSON_ codes of ostra_constants.h, and log an error if they fail.

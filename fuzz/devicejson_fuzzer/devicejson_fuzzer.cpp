@@ -5,17 +5,17 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 #include <utility>
 
-#include "cJSON.h"
 #include "dh_device_json.h"
 #include "fuzz_target.h"
+#include "json_object.h"
 
 namespace {
 
 using namespace Fuzz;
 using namespace OHOS::DistributedHardware::OstraAdapter;
-using JsonTree = std::unique_ptr<cJSON, decltype(&cJSON_Delete)>;
 
 constexpr int MAX_LINES = 8;
 constexpr int MAX_NESTING = 100;
@@ -24,35 +24,43 @@ constexpr int32_t STEP_FAILED = -70004;
 constexpr int32_t INPUT_INVALID = -70005;
 constexpr char VERSIONS[] = "{\n\t\"1\":\t1,\n\t\"2\":\t2,\n\t\"4\":\t2,\n\t\"256\":\t1,\n\t\"512\":\t1\n}";
 
-// Returns the nesting depth of arrays and objects.
+// Returns the nesting depth of arrays and objects in an item and its following siblings.
 int Nesting(const cJSON *item)
 {
-    int nesting = 0;
-    const cJSON *child = nullptr;
-    cJSON_ArrayForEach(child, item)
-    {
-        nesting = std::max(nesting, Nesting(child));
-    }
-    return nesting + (cJSON_IsArray(item) != 0 || cJSON_IsObject(item) != 0 ? 1 : 0);
+    const int own = cJSON_IsArray(item) != 0 || cJSON_IsObject(item) != 0 ? 1 : 0;
+    return item == nullptr ? 0 : std::max(Nesting(item->next), Nesting(item->child) + own);
 }
 
 // Returns null if the string is not valid JSON or is nested too deeply. The string ends at its first NUL.
 JsonTree Parse(const std::string &json)
 {
-    JsonTree tree(cJSON_Parse(json.c_str()), cJSON_Delete);
-    return Nesting(tree.get()) > MAX_NESTING ? JsonTree(nullptr, cJSON_Delete) : std::move(tree);
+    JsonTree tree(cJSON_Parse(json.c_str()));
+    return Nesting(tree.get()) > MAX_NESTING ? nullptr : std::move(tree);
 }
 
-std::string Printed(const cJSON *item)
+std::string Print(const cJSON *item)
 {
-    const std::unique_ptr<char, decltype(&cJSON_free)> printed(cJSON_PrintUnformatted(item), cJSON_free);
+    const JsonString printed(cJSON_PrintUnformatted(item));
     return printed.get();
 }
 
 // Returns a string, up to its first NUL, as a JSON string.
 std::string Quote(const std::string &value)
 {
-    return Printed(JsonTree(cJSON_CreateString(value.c_str()), cJSON_Delete).get());
+    return Print(JsonTree(cJSON_CreateString(value.c_str())).get());
+}
+
+// Returns the member if it has this type, otherwise null.
+const cJSON *Find(const cJSON *object, const char *name, int type)
+{
+    const cJSON *item = cJSON_GetObjectItem(object, name);
+    return item != nullptr && item->type == type ? item : nullptr;
+}
+
+int32_t FindNumber(const cJSON *object, const char *name, int32_t otherwise)
+{
+    const cJSON *number = Find(object, name, cJSON_Number);
+    return number != nullptr ? number->valueint : otherwise;
 }
 
 int32_t ReadService(const std::string &document, DHOSTRADeviceServiceJson &record)
@@ -64,48 +72,36 @@ int32_t ReadService(const std::string &document, DHOSTRADeviceServiceJson &recor
     for (const auto &[name, member] : {std::pair("deviceId", &record.deviceId_),
                                        {"deviceName", &record.deviceName_},
                                        {"serviceId", &record.serviceId_}}) {
-        const cJSON *item = cJSON_GetObjectItem(tree.get(), name);
-        *member = cJSON_IsString(item) != 0 ? item->valuestring : *member;
+        const cJSON *string = Find(tree.get(), name, cJSON_String);
+        *member = string != nullptr ? string->valuestring : *member;
     }
     for (const auto &[name, member] : {std::pair("properties", &record.properties_), {"status", &record.status_}}) {
-        const cJSON *item = cJSON_GetObjectItem(tree.get(), name);
-        *member = cJSON_IsObject(item) != 0 ? Printed(item) : *member;
+        const cJSON *object = Find(tree.get(), name, cJSON_Object);
+        *member = object != nullptr ? Print(object) : *member;
     }
-    const cJSON *type = cJSON_GetObjectItem(tree.get(), "serviceType");
-    record.serviceType_ = cJSON_IsNumber(type) != 0 ? type->valueint : record.serviceType_;
+    record.serviceType_ = FindNumber(tree.get(), "serviceType", record.serviceType_);
     return 0;
 }
 
-int32_t NumberOf(const cJSON *object, const char *name)
+bool ReadCapabilities(DHOSTRAAudioProperties &record)
 {
-    const cJSON *number = cJSON_GetObjectItem(object, name);
-    return cJSON_IsNumber(number) != 0 ? number->valueint : 0;
-}
-
-const cJSON *ArrayOf(const JsonTree &tree, const char *name)
-{
-    const cJSON *list = cJSON_GetObjectItem(tree.get(), name);
-    return cJSON_IsArray(list) != 0 ? list : nullptr;
-}
-
-int32_t ReadCapabilities(const std::string &capabilities, DHOSTRAAudioProperties &record)
-{
-    const JsonTree tree = Parse(capabilities);
+    const JsonTree tree = Parse(record.audioCapablities_);
     if (tree == nullptr || record.codecs_.size() > MAX_ENTRIES || record.profiles_.size() > MAX_ENTRIES) {
-        return INPUT_INVALID;
+        return false;
     }
     const cJSON *item = nullptr;
-    cJSON_ArrayForEach(item, ArrayOf(tree, "codecs"))
+    cJSON_ArrayForEach(item, Find(tree.get(), "codecs", cJSON_Array))
     {
         if (cJSON_IsNumber(item) != 0) {
             record.codecs_.push_back(static_cast<uint32_t>(item->valueint));
         }
     }
-    cJSON_ArrayForEach(item, ArrayOf(tree, "profiles"))
+    cJSON_ArrayForEach(item, Find(tree.get(), "profiles", cJSON_Array))
     {
-        record.profiles_.push_back({NumberOf(item, "sampleRate"), NumberOf(item, "channel"), NumberOf(item, "format")});
+        record.profiles_.push_back(
+            {FindNumber(item, "sampleRate", 0), FindNumber(item, "channel", 0), FindNumber(item, "format", 0)});
     }
-    return 0;
+    return true;
 }
 
 void Derive(DHOSTRAAudioProperties &record)
@@ -130,15 +126,13 @@ int32_t ReadAudio(const std::string &properties, DHOSTRAAudioProperties &record)
     if (tree == nullptr) {
         return INPUT_INVALID;
     }
-    const cJSON *capabilities = cJSON_GetObjectItem(tree.get(), "2102");
-    if (cJSON_IsString(capabilities) != 0) {
-        record.audioCapablities_ = capabilities->valuestring;
-        if (record.audioCapablities_.empty()) {
-            return 0;
-        }
-        if (ReadCapabilities(record.audioCapablities_, record) != 0) {
-            return STEP_FAILED;
-        }
+    const cJSON *capabilities = Find(tree.get(), "2102", cJSON_String);
+    record.audioCapablities_ = capabilities != nullptr ? capabilities->valuestring : record.audioCapablities_;
+    if (capabilities != nullptr && record.audioCapablities_.empty()) {
+        return 0;
+    }
+    if (capabilities != nullptr && !ReadCapabilities(record)) {
+        return STEP_FAILED;
     }
     Derive(record);
     return 0;
@@ -161,12 +155,9 @@ void CheckDeviceDocument(std::string input)
     add("remoteIp", Quote(device.remoteIp_ = TakeString(input)));
     add("port", std::to_string(device.port_ = TakeNumber(input)));
     add("businessId", std::to_string(device.businessId_ = static_cast<uint32_t>(TakeNumber(input))));
-    for (const auto &[key, flag] : {std::pair("supportMic", &device.supportMic_),
-                                    {"supportCamera", &device.supportCamera_},
-                                    {"tavoniTv", &device.tavoniTv_}}) {
-        *flag = TakeByte(input) % 2 != 0;
-        add(key, *flag ? "true" : "false");
-    }
+    add("supportMic", (device.supportMic_ = TakeByte(input) % 2 != 0) ? "true" : "false");
+    add("supportCamera", (device.supportCamera_ = TakeByte(input) % 2 != 0) ? "true" : "false");
+    add("tavoniTv", (device.tavoniTv_ = TakeByte(input) % 2 != 0) ? "true" : "false");
     const std::string versions = "\"2016\":\t" + Quote(VERSIONS) + "\n";
     expected += "\t\"properties\":\t{\n\t\t" + versions + "\t}\n}";
     device.reserved_ = device.properties_ = TakeString(input);
@@ -178,29 +169,32 @@ void CheckDeviceDocument(std::string input)
     ExpectEqual("GetVersionByService", service == 2 || service == 4 ? 2 : 1, device.GetVersionByService(service));
 }
 
+// Returns all values: String() masks some members and omits others.
+std::string ToString(const DHOSTRADeviceServiceJson &service)
+{
+    const DHOSTRAAudioProperties &audio = service.audioProperties_;
+    return service.String() + "\n" + service.deviceId_ + "\n" + service.deviceName_ + "\n" + service.serviceId_ + "\n" +
+           service.status_ + "\n" + std::to_string(audio.audioCodecType_) + "\n" + audio.audioProfiles_;
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    std::string input = Begin(data, size);
+    const std::string input = Begin(data, size);
     CheckDeviceDocument(input);
-    DHOSTRADeviceServiceJson record;
+    DHOSTRADeviceServiceJson expected;
     DHOSTRADeviceServiceJson service;
-    DHOSTRAAudioProperties &audioRecord = record.audioProperties_;
+    DHOSTRAAudioProperties &expectedAudio = expected.audioProperties_;
     DHOSTRAAudioProperties &audio = service.audioProperties_;
-    audioRecord.audioCodecType_ = audio.audioCodecType_ = 8;  // reset to 0 if there are no codecs
-    for (int i = 0; i < MAX_LINES && !input.empty(); ++i) {   // one object reads all lines: it accumulates capabilities
-        const std::string line = TakeLine(input);
-        ExpectEqual("result for a service", ReadService(line, record), service.Unmarshal(line));
-        ExpectEqual("deviceId_", record.deviceId_, service.deviceId_);
-        ExpectEqual("deviceName_", record.deviceName_, service.deviceName_);
-        ExpectEqual("serviceId_", record.serviceId_, service.serviceId_);
-        ExpectEqual("status_", record.status_, service.status_);
+    expectedAudio.audioCodecType_ = audio.audioCodecType_ = 8;  // reset to 0 if there are no codecs
+    std::istringstream lines(input);
+    std::string line;
+    for (int i = 0; i < MAX_LINES && std::getline(lines, line); ++i) {  // codecs and profiles accumulate
+        ExpectEqual("result for a service", ReadService(line, expected), service.Unmarshal(line));
         for (const std::string &properties : {line, "{\"2102\":" + Quote(line) + "}"}) {
-            ExpectEqual("result for audio", ReadAudio(properties, audioRecord), audio.Unmarshal(properties));
-            ExpectEqual("String", record.String(), service.String());  // contains all other strings, numbers and lists
-            ExpectEqual("audioCodecType_", audioRecord.audioCodecType_, audio.audioCodecType_);
-            ExpectEqual("audioProfiles_", audioRecord.audioProfiles_, audio.audioProfiles_);
+            ExpectEqual("result for audio", ReadAudio(properties, expectedAudio), audio.Unmarshal(properties));
+            ExpectEqual("service and audio", ToString(expected), ToString(service));
         }
     }
     return 0;

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Checks the subcommands of ostra-inspect: for any input, all output is printable, text output has no more rows than
-// the report has values, JSON output parses to the same report, and memory use is at most proportional to the input
-// size. The first byte of an input selects the subcommand.
+// Runs every subcommand of ostra-inspect on the input, as bytes and as hexadecimal digits. All output must be
+// printable, and JSON output must parse to the same report.
 
-#include <malloc.h>
-
-#include <algorithm>
 #include <clocale>
+#include <cstdlib>
 #include <cwchar>
 #include <cwctype>
 
@@ -18,62 +15,27 @@ namespace {
 
 using namespace Fuzz;
 
-// Measured: 1400 bytes for each byte of a list of empty profiles, which become a row and three warnings each.
-constexpr size_t MAX_MEMORY_FACTOR = 2000;
-constexpr size_t MAX_BASE_MEMORY = 64 * 1024;
+constexpr wchar_t DIRECTIONS[] = L"\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069";
 
-size_t g_memory = 0;  // bytes that cJSON has allocated for the library and the tool
-size_t g_maxMemory = 0;
-
-void *Allocate(size_t size)
-{
-    void *const memory = std::malloc(size);
-    g_memory += malloc_usable_size(memory);
-    g_maxMemory = std::max(g_maxMemory, g_memory);
-    return memory;
-}
-
-void Release(void *memory)
-{
-    g_memory -= malloc_usable_size(memory);
-    std::free(memory);
-}
-
+// Fails unless `text` is UTF-8 without control characters other than `allowed`.
 void CheckPrintable(const std::string &text, const wchar_t *allowed)
 {
-    static const bool hasLocale = std::setlocale(LC_CTYPE, "C.UTF-8") != nullptr;
-    ExpectEqual("locale", true, hasLocale);
-    std::mbstate_t state{};
-    for (size_t at = 0; at < text.size();) {
-        wchar_t character = 0;
-        const size_t length = std::mbrtowc(&character, text.data() + at, text.size() - at, &state);
-        ExpectEqual("UTF-8 without NUL", true, length > 0 && length <= text.size() - at);
-        const bool isDirection =
-            std::wcschr(L"\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069", character) !=
-            nullptr;
-        const bool isControl = std::iswcntrl(static_cast<wint_t>(character)) != 0 || isDirection;
+    std::wstring characters(text.size(), L'?');
+    const size_t length = std::mbstowcs(characters.data(), text.c_str(), characters.size());
+    ExpectEqual("UTF-8 without NUL", true, length <= text.size() && text.find('\0') == std::string::npos);
+    for (const wchar_t character : characters.substr(0, length)) {
+        const bool isControl =
+            std::iswcntrl(static_cast<wint_t>(character)) != 0 || std::wcschr(DIRECTIONS, character) != nullptr;
         ExpectEqual("control character", false, isControl && std::wcschr(allowed, character) == nullptr);
-        at += length;
     }
 }
 
-size_t CountValues(const cJSON *value)
+void CheckInspection(const Inspection &inspection)
 {
-    size_t count = 1;
-    const cJSON *member = nullptr;
-    cJSON_ArrayForEach(member, value)
-    {
-        count += CountValues(member);
-    }
-    return count;
-}
-
-void CheckReport(const cJSON *report)
-{
-    const std::string text = ToText(report);
-    CheckPrintable(text, L"\n");
-    const auto rows = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
-    ExpectEqual("more rows than values", true, rows <= CountValues(report));
+    const cJSON *const report = inspection.report.get();
+    CheckPrintable(ToText(report), L"\n");
+    CheckPrintable(Escape(inspection.error), L"");
+    CheckPrintable(HexDump(inspection.content), L"\n");
     for (const bool isIndented : {false, true}) {
         const std::string json = ToJson(report, isIndented);
         CheckPrintable(json, isIndented ? L"\n\t" : L"");
@@ -82,64 +44,31 @@ void CheckReport(const cJSON *report)
     }
 }
 
-void CheckHex(const std::string &digits)
-{
-    const std::string bytes = ParseHex(digits);
-    ExpectEqual("two digits a byte", true, bytes.size() <= digits.size() / 2);
-    ExpectEqual("round trip", bytes, ParseHex(ToHex(bytes)));
-    CheckPrintable(HexView(bytes), L"\n");
-}
-
-void CheckEvent(const std::string &line)
-{
-    const JsonTree event = ParseEvent(line);
-    if (event != nullptr) {
-        CheckPrintable(EventRow(event.get()), L"");
-        CheckReport(event.get());
-    }
-}
-
-void CheckFinding(const Finding &finding)
-{
-    CheckReport(finding.report.get());
-    CheckPrintable(Printable(finding.error), L"");
-    CheckPrintable(HexView(finding.content), L"\n");
-}
-
-void Run(uint8_t subcommand, const std::string &input)
-{
-    constexpr Finding (*documents[])(const std::string &) = {InspectService, InspectAudio, InspectDevice,
-                                                             InspectParcel};
-    constexpr size_t count = std::size(documents);
-    switch (subcommand % (count + 3)) {
-        case count:
-            return CheckFinding(InspectFrame(input, {subcommand / 8U, ""}));
-        case count + 1:
-            return CheckHex(input);
-        case count + 2:
-            return CheckEvent(input);
-        default:
-            return CheckFinding(documents[subcommand % (count + 3)](input));
-    }
-}
-
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static cJSON_Hooks hooks = {Allocate, Release};
-    cJSON_InitHooks(&hooks);
+    const std::string input = Begin(data, size);
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     CollectLog();
-    std::string input = Begin(data, size);
-    const uint8_t subcommand = TakeByte(input);
-    const size_t before = g_maxMemory = g_memory;
-    try {
-        Run(subcommand, input);
-    } catch (const InputError &error) {
-        CheckPrintable(Printable(error.what()), L"");
+    constexpr auto inspectFrame = [](const std::string &bytes) {
+        return InspectFrame(bytes, {});
+    };
+    for (const auto inspect : {+inspectFrame, InspectService, InspectAudio, InspectDevice, InspectParcel}) {
+        try {
+            CheckInspection(inspect(input));
+            CheckInspection(inspect(ParseHex(input)));
+        } catch (const InputError &error) {
+            CheckPrintable(Escape(error.what()), L"");
+        }
     }
-    TakeReasons();
-    ExpectEqual("memory in proportion to the input", true,
-                g_maxMemory - before <= MAX_BASE_MEMORY + MAX_MEMORY_FACTOR * size);
+    ExpectEqual("hexadecimal round trip", input, ParseHex(ToHex(input)));
+    Inspection event;
+    event.report = ParseEvent(input);
+    if (event.report != nullptr) {
+        CheckPrintable(FormatEvent(event.report.get()), L"");
+        CheckInspection(event);
+    }
+    TakeLogMessages();
     return 0;
 }

@@ -27,23 +27,18 @@ constexpr unsigned int DOMAIN_ID = 0xD004160;
 constexpr HiLogLabel LABEL = {LOG_CORE, DOMAIN_ID, "T"};
 
 const int g_isUnset = unsetenv("OSTRA_HOST_LOG_LEVEL");
-std::optional<std::string> g_message;  // the last one that the callback received
-int g_level = 0;
-int g_interruptions = 0;  // how many of the next writes fail with EINTR
+int g_writes = 0;  // counts the writes; a write fails with EINTR while it is not positive
 
-void Keep(LogType, LogLevel level, unsigned int, const char *, const char *message)
-{
-    g_level = level;
-    g_message = message;
-}
+// Of the last call of Log.
+std::optional<std::string> g_message;  // as passed to the callback
+std::string g_output;                  // with T for the time and P for the process and thread ids
 
 }  // namespace
 
 // Replaces the function of the C library.
 extern "C" ssize_t write(int descriptor, const void *data, size_t size)
 {
-    if (g_interruptions > 0) {
-        --g_interruptions;
+    if (++g_writes <= 0) {
         errno = EINTR;
         return -1;
     }
@@ -52,37 +47,46 @@ extern "C" ssize_t write(int descriptor, const void *data, size_t size)
 
 namespace {
 
-// Returns what `action` writes to standard error, with T for the time and P for the process and thread ids.
-template <typename Action>
-std::string Output(const Action &action)
+// Calls `log`, which logs one or more messages, and returns its result.
+template <typename Function>
+int Log(const Function &log)
 {
     static const std::regex changing(R"(\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{4}\d [ \d]{4}\d)");
     g_message.reset();
-    LOG_SetCallback(Keep);
+    LOG_SetCallback([](LogType, LogLevel, unsigned int, const char *, const char *message) {
+        g_message = message;
+        errno = EBADF;
+    });
     testing::internal::CaptureStderr();
-    action();
+    errno = 0;
+    const int result = log();
+    EXPECT_EQ(errno, 0);
     LOG_SetCallback(nullptr);
-    return std::regex_replace(testing::internal::GetCapturedStderr(), changing, "T P P");
+    g_output = std::regex_replace(testing::internal::GetCapturedStderr(), changing, "T P P");
+    return result;
+}
+
+template <typename... Values>
+int Print(int type, int level, unsigned int domain, const char *tag, Values... values)
+{
+    return Log([=] { return HiLogPrint(LogType(type), LogLevel(level), domain, tag, values...); });
 }
 
 Fields Format(const Fields &in)
 {
-    const PrintfCall call(in, 0);
-    Output(
-        [&] { call.Pass([](auto... values) { return HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", values...); }); });
+    PrintfCall(in, 0).Pass([](auto... values) { return Print(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", values...); });
     return {g_message.has_value() ? Quote(*g_message) : "none"};
 }
 
 std::string Line(int type, int level, unsigned int domain, const std::string &tag, const std::string &message)
 {
-    return Output(
-        [&] { HiLogPrint(LogType(type), LogLevel(level), domain, tag.c_str(), "%{public}s", message.c_str()); });
+    Print(type, level, domain, tag.c_str(), "%{public}s", message.c_str());
+    return g_output;
 }
 
 Fields Deliver(int type, int level, unsigned int domain, const std::optional<std::string> &tag)
 {
-    int result = 0;
-    Output([&] { result = HiLogPrint(LogType(type), LogLevel(level), domain, Pointer(tag), "text"); });
+    const int result = Print(type, level, domain, Pointer(tag), "%{public}s", "text");
     return {g_message.has_value() ? "callback" : "none", result < 0 ? "-" : "+"};
 }
 
@@ -91,7 +95,7 @@ bool IsLoggable(unsigned int domain, const std::optional<std::string> &tag, int 
     return HiLogIsLoggable(domain, Pointer(tag), LogLevel(level));
 }
 
-int LowestLevel(unsigned int domain, const std::optional<std::string> &tag)
+int MinLevel(unsigned int domain, const std::optional<std::string> &tag)
 {
     int level = LOG_LEVEL_MIN;
     while (level < LOG_LEVEL_MAX && !IsLoggable(domain, tag, level)) {
@@ -103,29 +107,27 @@ int LowestLevel(unsigned int domain, const std::optional<std::string> &tag)
 Fields Set(const std::string &parameter, const std::string &value)
 {
     const int result = SetParameter(parameter.c_str(), value.c_str());
-    return {Show(result), Show(LowestLevel(0x1AF, "Replay"))};
+    return {Show(result), Show(MinLevel(0x1AF, "Replay"))};
 }
 
 int SetAppLevel(int level, int preference)
 {
     HiLogSetAppLogLevel(LogLevel(level), PreferStrategy(preference));
-    return LowestLevel(0x1AF, "Replay");
+    return MinLevel(0x1AF, "Replay");
 }
 
 }  // namespace
 
 TEST(HiLog, MatchesRecording)
 {
-    Operations operations = {{"format", Format},
-                             {"line", Call(Line)},
-                             {"lowest", Call(LowestLevel)},
-                             {"set", Call(Set)},
-                             {"app", Call(SetAppLevel)}};
-    for (const auto &[section, level] : {std::pair("", "I"), {"-unset", ""}, {"-E", "E"}}) {
-        for (const auto &[name, operation] : {std::pair("deliver", Call(Deliver)), {"loggable", Call(IsLoggable)}}) {
-            operations[std::string(name) + section] = [given = level, call = operation](const Fields &in) {
-                Set("persist.sys.hilog.loggable.global", given);
-                const Fields results = call(in);
+    Operations operations = {{"format", Format},        {"deliver", Call(Deliver)}, {"loggable", Call(IsLoggable)},
+                             {"line", Call(Line)},      {"set", Call(Set)},         {"app", Call(SetAppLevel)},
+                             {"lowest", Call(MinLevel)}};
+    for (const std::string name : {"deliver", "loggable"}) {
+        for (const auto &[section, level] : {std::pair("-unset", ""), {"-E", "E"}}) {
+            operations[name + section] = [level = level, operation = operations[name]](const Fields &in) {
+                Set("persist.sys.hilog.loggable.global", level);
+                const Fields results = operation(in);
                 Set("persist.sys.hilog.loggable.global", "I");
                 return results;
             };
@@ -135,41 +137,41 @@ TEST(HiLog, MatchesRecording)
     Replay("handwritten/hilog.txt", 28, operations);
 }
 
-TEST(HiLog, EachFunctionLogsAtItsLevel)
+TEST(HiLog, FormatsWideStrings)
 {
+    Print(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", "%{public}S|%{public}hS|%{public}C", L"wide", "narrow", L'c');
+    EXPECT_EQ(g_message, "wide|narrow|c");
+}
+
+TEST(HiLog, FunctionsLogAtTheirLevel)
+{
+#define EXPECT_LEVEL(Level, letter)                                      \
+    EXPECT_EQ(Log([] { return HiLog##Level(LABEL, "m"); }), 2 + 2);      \
+    EXPECT_EQ(g_output, "T P P " letter " C04160/T: m\n");               \
+    EXPECT_EQ(Log([] { return HiLog::Level(LABEL, "%d", 1); }), 2 + 10); \
+    EXPECT_EQ(g_output, "T P P " letter " C04160/T: <private>\n")
     Set("persist.sys.hilog.loggable.global", "D");
-    int level = LOG_DEBUG;
-    for (const auto log : {HiLog::Debug, HiLog::Info, HiLog::Warn, HiLog::Error, HiLog::Fatal}) {
-        Output([&] { EXPECT_EQ(log(LABEL, "%{public}s %d", "text", 1), 2 + 15); });
-        EXPECT_EQ(g_message, "text <private>");
-        EXPECT_EQ(g_level, level++);
-    }
-    int (*const macros[])() = {
-        [] { return HiLogDebug(LABEL, "m"); }, [] { return HiLogInfo(LABEL, "m"); },
-        [] { return HiLogWarn(LABEL, "m"); },  [] { return HiLogError(LABEL, "m"); },
-        [] { return HiLogFatal(LABEL, "m"); },
-    };
-    level = LOG_DEBUG;
-    for (const auto log : macros) {
-        Output([&] { EXPECT_EQ(log(), 2 + 2); });
-        EXPECT_EQ(g_level, level++);
-    }
+    EXPECT_LEVEL(Debug, "D");
+    EXPECT_LEVEL(Info, "I");
+    EXPECT_LEVEL(Warn, "W");
+    EXPECT_LEVEL(Error, "E");
+    EXPECT_LEVEL(Fatal, "F");
     Set("persist.sys.hilog.loggable.global", "I");
     HiLogSetAppMinLogLevel(LOG_ERROR);
-    EXPECT_EQ(LowestLevel(0, "T"), LOG_ERROR);
+    EXPECT_EQ(MinLevel(0, "T"), LOG_ERROR);
     HiLogSetAppLogLevel(LOG_INFO, UNSET_LOGLEVEL);
 }
 
-TEST(HiLog, RepeatsAnInterruptedWriteAndReportsAFailedOne)
+TEST(HiLog, RetriesInterruptedWritesAndReportsFailures)
 {
-    EXPECT_EQ(Output([] {
-                  g_interruptions = 3;
-                  EXPECT_EQ(HiLog::Info(LABEL, "one\ntwo"), 2 + 8);
-              }),
-              "T P P I C04160/T: one\nT P P I C04160/T: two\n");
-    Output([] {
+    g_writes = -3;
+    EXPECT_EQ(Log([] { return HiLog::Info(LABEL, "one\ntwo"); }), 2 + 8);
+    EXPECT_EQ(g_output, "T P P I C04160/T: one\nT P P I C04160/T: two\n");
+    EXPECT_EQ(g_writes, 2) << "a line is a single write";
+    Log([] {
         dup2(open("/dev/full", O_WRONLY), STDERR_FILENO);
         EXPECT_EQ(HiLog::Info(LABEL, "lost"), -1);
+        return 0;
     });
 }
 
@@ -183,16 +185,17 @@ TEST(HiLog, SurvivesAClosedPipe)
     sigset_t brokenPipe;
     sigemptyset(&brokenPipe);
     sigaddset(&brokenPipe, SIGPIPE);
-    Output([&] {
+    Log([&] {
         dup2(ends[1], STDERR_FILENO);
         EXPECT_EQ(HiLog::Info(LABEL, "lost"), -1);
         pthread_sigmask(SIG_BLOCK, &brokenPipe, &signals);  // a program that blocks it keeps its own pending signal
         EXPECT_EQ(sigismember(&signals, SIGPIPE), 0);
         raise(SIGPIPE);
         EXPECT_EQ(HiLog::Info(LABEL, "lost"), -1);
+        return 0;
     });
-    const timespec atOnce{};
-    EXPECT_EQ(sigtimedwait(&brokenPipe, nullptr, &atOnce), SIGPIPE);
+    const timespec noWait{};
+    EXPECT_EQ(sigtimedwait(&brokenPipe, nullptr, &noWait), SIGPIPE);
     pthread_sigmask(SIG_SETMASK, &signals, nullptr);
     close(ends[1]);
 }

@@ -8,7 +8,6 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -26,8 +25,8 @@ namespace {
 // Read at the first event. The replaced write() also appends the output to g_output.
 const int g_isOutputConfigured = setenv("OSTRA_HOST_EVENT_OUTPUT", "/dev/null", 1);
 std::string g_output;
-size_t g_outputRoom = SIZE_MAX;         // the number of bytes that a write accepts
-std::atomic<int64_t> g_wallClockMs{0};  // 0: the real time
+size_t g_outputRoom = SIZE_MAX;  // the number of bytes that a write accepts
+int64_t g_wallClockMs = 0;       // 0: the real time
 
 }  // namespace
 
@@ -45,139 +44,113 @@ extern "C" ssize_t write(int descriptor, const void *data, size_t size)
 
 extern "C" int clock_gettime(clockid_t clock, timespec *now) noexcept
 {
-    constexpr int64_t msPerSecond = 1000;
-    constexpr int64_t nsPerMs = 1000000;
-    const int64_t ms = g_wallClockMs;
-    if (clock != CLOCK_REALTIME || ms == 0) {
+    if (clock != CLOCK_REALTIME || g_wallClockMs == 0) {
         return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
     }
-    now->tv_sec = static_cast<time_t>(ms / msPerSecond);
-    now->tv_nsec = static_cast<long>(ms % msPerSecond * nsPerMs);
+    now->tv_sec = static_cast<time_t>(g_wallClockMs / 1000);
+    now->tv_nsec = static_cast<long>(g_wallClockMs % 1000 * 1000000);
     return 0;
 }
 
 namespace {
 
 int64_t g_line = 0;  // a new call site for each event, to stay below the rate limit
+int g_eventType = HiSysEvent::FAULT;
+std::optional<HiSysEventRecord> g_record;
 
-template <typename... Types>
-int Write(const std::string &eventName, Types... keyValues)
+int Write(const std::string &eventName)
 {
-    return HiSysEvent::Write("Write", ++g_line, "DOMAIN", eventName, HiSysEvent::FAULT, keyValues...);
+    return HiSysEvent::Write("Write", ++g_line, "DOMAIN", eventName, HiSysEvent::FAULT, "KEY", 1);
 }
 
-// Decodes the escapes of JSON and quotes the strings as the recording does.
-std::string WithoutEscapes(const std::string &json)
-{
-    const std::string letters = "bfnrt";
-    std::string result;
-    for (size_t at = 0; at < json.size(); ++at) {
-        const bool isEscape = json[at] == '\\';
-        const size_t letter = isEscape ? letters.find(json.at(++at)) : std::string::npos;
-        const std::string quoted = Quote({letter == std::string::npos ? json[at] : "\b\f\n\r\t"[letter]});
-        result += json[at] == '"' && !isEscape ? "\"" : quoted.substr(1, quoted.size() - 2);
-    }
-    return result;
-}
-
-// Abbreviates a list or object of more than `max` elements to the first three.
-void Shorten(std::string &json, char open, char close, size_t max)
-{
-    const size_t begin = std::min(json.find(open), json.size() - 1) + 1;
-    const size_t end = std::min(json.find(close, begin), json.size() - 1);
-    const Fields parts = Split(json.substr(begin, end - begin));
-    if (parts.size() > max) {
-        json.replace(begin, end - begin, parts[0] + "," + parts[1] + "," + parts[2] + ",...");
-        json.insert(json.find(close, begin) + 1, "*" + std::to_string(parts.size()));
-    }
-}
-
-// Returns the event's own keys, which follow those of the platform, in the format of the recording.
+// Returns the event's own keys, which follow those of the platform, in the format of the recording: bytes as by Quote,
+// and of a list or object with too many elements only the first three.
 std::string OwnKeys(const std::string &json)
 {
+    constexpr std::string_view escapes = "bfnrt\"\\";
+    constexpr std::string_view characters = "\b\f\n\r\t\"\\";
     const size_t begin = json.find_first_of(",}", json.find("\"uid_\":"));
-    std::string own = WithoutEscapes("{" + json.substr(json[begin] == ',' ? begin + 1 : begin));
-    Shorten(own, '[', ']', 8);
-    Shorten(own, '{', '}', 12);
+    std::string own = "{";
+    for (size_t at = json[begin] == ',' ? begin + 1 : begin; at < json.size(); ++at) {
+        const bool isEscape = json[at] == '\\';
+        const std::string quoted = Quote({isEscape ? characters.at(escapes.find(json.at(++at))) : json[at]});
+        own += json[at] == '"' && !isEscape ? "\"" : quoted.substr(1, quoted.size() - 2);
+    }
+    for (const auto &[open, close, max] : {std::tuple('[', ']', 8), {'{', '}', 12}}) {
+        const size_t first = own.find(open) + 1;
+        const size_t end = own.find(close, first);
+        const Fields parts = Split(own.substr(first, end - first));
+        if (first > 0 && parts.size() > static_cast<size_t>(max)) {
+            own.insert(end + 1, "*" + Show(parts.size()));
+            own.replace(first, end - first, parts[0] + "," + parts[1] + "," + parts[2] + ",...");
+        }
+    }
     return own;
 }
 
-// Sets a value as HiSysEvent::Write does. EventKeyValue does not copy strings, so they are kept alive here.
-template <typename T>
-void Set(EventKeyValue &param, const std::string &value)
+// Returns the own keys of each event in the output, or its size if it was not written in full.
+Fields Output()
 {
-    static std::deque<T> kept;
-    if constexpr (IS_OPTIONAL<T>) {
-        param.Set(Pointer(kept.emplace_back(Value<T>(value))));
-    } else {
-        param.Set(kept.emplace_back(Value<T>(value)));
+    std::istringstream output(g_output);
+    Fields events;
+    for (std::string line; std::getline(output, line);) {
+        events.push_back(line.back() == '}' ? OwnKeys(line) : Show(line.size()));
     }
+    return events;
 }
 
+// Parses a value with static storage duration: EventKeyValue does not copy strings.
 template <typename T>
-void SetAs(EventKeyValue &param, const std::string &value, bool isVector)
+const T &Stored(const std::string &field)
 {
-    isVector ? Set<std::vector<T>>(param, value) : Set<T>(param, value);
+    static std::deque<T> values;
+    return values.emplace_back(Value<T>(field));
+}
+
+// Sets a value as HiSysEvent::Write does.
+template <typename T>
+void Set(EventKeyValue &param, const std::string &value, bool isVector)
+{
+    isVector ? param.Set(Stored<std::vector<T>>(value)) : param.Set(Stored<T>(value));
+}
+
+void SetCString(EventKeyValue &param, const std::string &value, bool)
+{
+    param.Set(Pointer(Stored<std::optional<std::string>>(value)));
 }
 
 const std::map<std::string, void (*)(EventKeyValue &, const std::string &, bool)> TYPES = {
-    {"bool", SetAs<bool>},
-    {"i8", SetAs<int8_t>},
-    {"u8", SetAs<uint8_t>},
-    {"i16", SetAs<int16_t>},
-    {"u16", SetAs<uint16_t>},
-    {"i32", SetAs<int32_t>},
-    {"u32", SetAs<uint32_t>},
-    {"i64", SetAs<int64_t>},
-    {"u64", SetAs<uint64_t>},
-    {"float", SetAs<float>},
-    {"double", SetAs<double>},
-    {"string", SetAs<std::string>},
-    {"cstr",
-     [](EventKeyValue &param, const std::string &value, bool) {
-         Set<std::optional<std::string>>(param, value);
-     }},
-};
+    {"bool", Set<bool>},    {"i8", Set<int8_t>},   {"u8", Set<uint8_t>},    {"i16", Set<int16_t>},
+    {"u16", Set<uint16_t>}, {"i32", Set<int32_t>}, {"u32", Set<uint32_t>},  {"i64", Set<int64_t>},
+    {"u64", Set<uint64_t>}, {"float", Set<float>}, {"double", Set<double>}, {"string", Set<std::string>},
+    {"cstr", SetCString}};
 
-// Returns the lines of the output from the byte `begin` on.
-Fields Output(size_t begin = 0)
+// domain, event, KEY=TYPE:VALUE ... => the result, the own keys of the event that is sent
+Fields WriteKeys(const Fields &in)
 {
-    std::istringstream output(g_output.substr(begin));
-    Fields lines;
-    for (std::string line; std::getline(output, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-// domain, event, KEY=TYPE:VALUE ...
-Fields WriteKeys(const Fields &in, int type = HiSysEvent::FAULT)
-{
-    static std::deque<std::string> keys;
     std::vector<EventKeyValue> params;
     for (size_t i = 2; i < in.size(); ++i) {
-        const Fields parts = Split(in[i], '=');
-        const size_t colon = parts.at(1).find(':');
-        const bool isVector = parts[1][0] == 'v';
-        params.emplace_back().key = keys.emplace_back(Unquote(parts[0]));
-        TYPES.at(parts[1].substr(isVector, colon - isVector))(params.back(), parts[1].substr(colon + 1), isVector);
+        const Fields pair = Split(in[i], '=');
+        const Fields typed = Split(pair.at(1), ':');
+        const bool isVector = typed[0][0] == 'v';
+        params.emplace_back().key = Stored<std::string>(pair[0]);
+        TYPES.at(typed[0].substr(isVector ? 1 : 0))(params.back(), typed.at(1), isVector);
     }
     const auto write = [&] {
         return ostra::host::WriteEvent({"Write", ++g_line, HISYSEVENT_PERIOD, HISYSEVENT_THRESHOLD}, Unquote(in.at(0)),
-                                       Unquote(in.at(1)), type, params.data(), params.size());
+                                       Unquote(in.at(1)), g_eventType, params.data(), params.size());
     };
-    if (in.back().find("cstr:null") != std::string::npos) {
+    if (in.back() == "\"KEY\"=cstr:null") {
         EXPECT_DEATH(write(), "null string");
         return {"crashes"};
     }
-    const size_t begin = g_output.size();
+    const size_t sizeBefore = g_output.size();
     const int result = write();
-    const bool isSent = g_output.size() > begin && g_output.back() == '\n';
-    return {Show(result), isSent ? OwnKeys(Output(begin).back()) : "-"};
+    const bool isSent = g_output.size() > sizeBefore && g_output.back() == '\n';
+    return {Show(result), isSent ? Output().back() : "-"};
 }
 
-// domain, event, COUNT: the keys K0, K1, ... with numbers; or domain, event, COUNT, LENGTH: the keys T0, T1, ... with
-// strings
+// domain, event, COUNT: the keys K0, K1, ... with numbers; with a LENGTH, the keys T0, T1, ... with strings
 Fields WriteMany(const Fields &in)
 {
     Fields fields(in.begin(), in.begin() + 2);
@@ -189,26 +162,17 @@ Fields WriteMany(const Fields &in)
     return WriteKeys(fields);
 }
 
-// time, event, func, line, COUNT, domain => the results, each as RESULT*TIMES
-Fields WriteAtSite(const Fields &in)
+// Returns the results of `count` writes at one call site.
+Fields WriteAtSite(int64_t time, const std::string &event, const std::string &func, int64_t line, size_t count,
+                   const std::optional<std::string> &domain)
 {
-    g_wallClockMs = Value<int64_t>(in.at(0));
-    std::vector<std::pair<int, int>> results;
-    for (int left = Value<int>(in.at(4)); left > 0; --left) {
-        const int result =
-            HiSysEvent::Write(Unquote(in.at(2)).c_str(), Value<int64_t>(in.at(3)),
-                              in.size() > 5 ? Unquote(in[5]) : "DOMAIN", Unquote(in.at(1)), HiSysEvent::BEHAVIOR);
-        if (results.empty() || results.back().first != result) {
-            results.emplace_back(result, 0);
-        }
-        ++results.back().second;
+    g_wallClockMs = time;
+    std::string results;
+    for (; count > 0; --count) {
+        results += Show(HiSysEvent::Write(func.c_str(), line, domain.value_or("DOMAIN"), event, HiSysEvent::BEHAVIOR));
     }
     g_wallClockMs = 0;
-    std::string shown;
-    for (const auto &[result, times] : results) {
-        shown += (shown.empty() ? "" : " ") + Show(result) + "*" + Show(times);
-    }
-    return {shown};
+    return {results};
 }
 
 // A listener's rules => the result of registering it, and how often it receives an event
@@ -231,7 +195,11 @@ Fields Listen(const Fields &in)
     return {Show(result), Show(received)};
 }
 
-std::optional<HiSysEventRecord> g_record;
+Fields Read(const Fields &in)
+{
+    g_record.emplace(in.at(0));
+    return {g_record->AsJson() == in[0] ? "-" : "changed"};
+}
 
 // Reads a key into a variable that is initialized to `before`.
 template <typename T>
@@ -244,43 +212,35 @@ Operation Gets(const T &before)
     };
 }
 
-Fields PlatformFields(const HiSysEventRecord &record)
+Fields PlatformFields()
 {
-    return {Show(record.GetDomain()),  Show(record.GetEventName()), Show(int{record.GetEventType()}),
-            Show(record.GetLevel()),   Show(record.GetTag()),       Show(record.GetTimeZone()),
-            Show(record.GetTime()),    Show(record.GetPid()),       Show(record.GetTid()),
-            Show(record.GetUid()),     Show(record.GetTraceId()),   Show(record.GetSpanId()),
-            Show(record.GetPspanId()), Show(record.GetTraceFlag())};
+    return {Show(g_record->GetDomain()),  Show(g_record->GetEventName()), Show(int{g_record->GetEventType()}),
+            Show(g_record->GetLevel()),   Show(g_record->GetTag()),       Show(g_record->GetTimeZone()),
+            Show(g_record->GetTime()),    Show(g_record->GetPid()),       Show(g_record->GetTid()),
+            Show(g_record->GetUid()),     Show(g_record->GetTraceId()),   Show(g_record->GetSpanId()),
+            Show(g_record->GetPspanId()), Show(g_record->GetTraceFlag())};
 }
 
-std::vector<std::string> Names(const HiSysEventRecord &record)
+Fields Names()
 {
-    std::vector<std::string> names = {"old"};
-    record.GetParamNames(names);
+    Fields names = {"old"};
+    g_record->GetParamNames(names);
     return names;
 }
 
-// Send and UseCjson select which writes and allocations succeed.
-Fields Send(const std::string &state)
+// Selects which writes succeed.
+Fields Send(const Fields &in)
 {
-    g_outputRoom = state == "works" ? SIZE_MAX : state == "fails" ? 0 : Value<size_t>(state);
+    g_outputRoom = in.at(0) == "works" ? SIZE_MAX : in[0] == "fails" ? 0 : Value<size_t>(in[0]);
     return {"-"};
 }
 
-Fields UseCjson(const std::string &state)
+// Selects whether the allocations of cJSON succeed.
+Fields UseCjson(const Fields &in)
 {
     cJSON_Hooks failing = {[](size_t) -> void * { return nullptr; }, std::free};
-    cJSON_InitHooks(state == "fails" ? &failing : nullptr);
+    cJSON_InitHooks(in.at(0) == "fails" ? &failing : nullptr);
     return {"-"};
-}
-
-Fields ShownOutput()
-{
-    Fields lines = Output();
-    for (std::string &line : lines) {
-        line = line.back() == '}' ? OwnKeys(line) : Show(line.size());
-    }
-    return lines;
 }
 
 int WriteEvents(int count)
@@ -293,41 +253,31 @@ int WriteEvents(int count)
 
 Fields Begin()
 {
-    Send("works");
+    Send({"works"});
     Write("FLUSH");  // sends the backlog of the previous case
     g_output.clear();
+    g_eventType = HiSysEvent::FAULT;
     return {};
 }
 
 const Operations OPERATIONS = {
     {"case", Call(Begin)},
-    {"write",
-     [](const Fields &in) {
-         return WriteKeys(in);
-     }},
+    {"write", WriteKeys},
     {"keys", WriteMany},
     {"texts", WriteMany},
     {"type", Call(+[](int type) {
-         return WriteKeys({Quote("DOMAIN"), Quote("EVENT"), "\"K\"=i32:1"}, type);
+         g_eventType = type;
+         return WriteKeys({Quote("DOMAIN"), Quote("EVENT"), "\"K\"=i32:1"});
      })},
-    {"send",
-     [](const Fields &in) {
-         return Send(in.at(0));
-     }},
-    {"cJSON",
-     [](const Fields &in) {
-         return UseCjson(in.at(0));
-     }},
+    {"send", Send},
+    {"cJSON", UseCjson},
     {"events", Call(WriteEvents)},
     {"sent", Call(+[] { return Output().size(); })},
-    {"output", Call(ShownOutput)},
+    {"output", Call(Output)},
     {"listen", Listen},
-    {"record",
-     [](const Fields &in) {
-         return Fields{g_record.emplace(in.at(0)).AsJson() == in[0] ? "-" : "changed"};
-     }},
-    {"platform", Call(+[] { return PlatformFields(*g_record); })},
-    {"names", Call(+[] { return Names(*g_record); })},
+    {"record", Read},
+    {"platform", Call(PlatformFields)},
+    {"names", Call(Names)},
     {"i64", Gets<int64_t>(7)},
     {"u64", Gets<uint64_t>(7)},
     {"double", Gets<double>(7)},
@@ -349,37 +299,37 @@ TEST(HiSysEvent, MatchesRecording)
 // Each case has its own call sites and starts when earlier ones have expired, so that earlier writes do not matter.
 TEST(HiSysEventRateLimiter, MatchesRecording)
 {
-    Replay("recorded/hisysevent_rate_limiter.txt", 73,
-           {{"case", Call(+[] { return Fields(); })}, {"site", WriteAtSite}});
+    const Operation begin = Call(+[] { return Fields(); });
+    Replay("recorded/hisysevent_rate_limiter.txt", 73, {{"case", begin}, {"site", Call(WriteAtSite)}});
 }
 
 TEST(HiSysEvent, WritesValuesOfEachType)
 {
     enum Plain : uint8_t { PLAIN = 200 };
     using Strings = std::vector<std::string>;
-    static constexpr char ownDomain[] = "OWN";
+    static constexpr char domain[] = "OWN";
+    Begin();
+    g_wallClockMs = 1700000000123;
     EXPECT_EQ(
-        HiSysEventWrite(ownDomain, "EVENT", HiSysEvent::SECURITY, "T", "q\" b\\ \n", "time_", INT64_MAX, "U",
-                        UINT64_MAX, "D", 0.5, "E", PLAIN, "V", Strings{"1", "\""}, "N", std::vector<int16_t>{-1, 2}),
+        HiSysEventWrite(domain, "EVENT", HiSysEvent::SECURITY, "T", "q\" b\\ \n", "time_", INT64_MAX, "U", UINT64_MAX,
+                        "D", 0.5, "E", PLAIN, "V", Strings{"1", "\""}, "N", std::vector<int16_t>{-1, 2}),
         0);
-    const HiSysEventRecord event(Output().back());
-    EXPECT_EQ(OwnKeys(event.AsJson()),
-              R"({"T":"q\x22 b\x5c \x0a","time_":9223372036854775807,"U":18446744073709551615,)"
-              R"("D":0.5,"E":200,"V":["1","\x22"],"N":[-1,2]})");
-    const Fields fields = PlatformFields(event);
-    EXPECT_EQ(fields[0] + fields[1] + fields[2], R"("OWN""EVENT"3)");
-    EXPECT_EQ(fields[7] + " " + fields[8] + " " + fields[9],
-              Show(getpid()) + " " + Show(gettid()) + " " + Show(getuid()));
-    EXPECT_NEAR(static_cast<double>(event.GetTime()), static_cast<double>(time(nullptr)) * 1000, 10000);
-    EXPECT_EQ(Names(event), (Strings{"T", "time_", "U", "D", "E", "V", "N"}));
-    g_record = event;
+    g_wallClockMs = 0;
+    EXPECT_EQ(Output().back(), R"({"T":"q\x22 b\x5c \x0a","time_":9223372036854775807,"U":18446744073709551615,)"
+                               R"("D":0.5,"E":200,"V":["1","\x22"],"N":[-1,2]})");
+    g_record.emplace(g_output);
+    const std::string none = Quote("");
+    EXPECT_EQ(PlatformFields(),
+              (Fields{Quote("OWN"), Quote("EVENT"), "3", none, none, Show(g_record->GetTimeZone()), "1700000000123",
+                      Show(getpid()), Show(gettid()), Show(getuid()), "0", "0", "0", "0"}));
+    EXPECT_EQ(Names(), (Strings{"T", "time_", "U", "D", "E", "V", "N"}));
     EXPECT_EQ(OPERATIONS.at("u64")({Quote("U")}), (Fields{"0", std::to_string(UINT64_MAX)}));
     EXPECT_EQ(OPERATIONS.at("string")({Quote("T")}), (Fields{"0", R"("q\x22 b\x5c \x0a")"}));
-    const char *const none = nullptr;
-    EXPECT_DEATH(Write("EVENT", none, 1), "null key");
+    const char *const noKey = nullptr;
+    EXPECT_DEATH(HiSysEventWrite(domain, "EVENT", HiSysEvent::FAULT, noKey, 1), "null key");
 }
 
-TEST(HiSysEvent, ListenersMayWriteUnregisterAndThrow)
+TEST(HiSysEvent, SupportsReentrantAndThrowingListeners)
 {
     std::vector<ListenerRule> rules = {{"DOMAIN", "FIRST"}};
     const auto listener = std::make_shared<EventListener>();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// System parameters: replays the handwritten cases. host_environment_test.sh tests how parameters are filled.
+// System parameters: replays the handwritten cases. host_environment_test.sh tests how parameters are initialized.
 
 #include "parameter.h"
 
@@ -9,13 +9,13 @@
 #include "host/recording.h"
 
 using namespace replay;
-using Text = std::optional<std::string>;
+using Argument = std::optional<std::string>;
 
 TEST(Parameter, MatchesHandwrittenCases)
 {
     const Operation set =
-        Call(+[](const Text &name, const Text &value) { return SetParameter(Pointer(name), Pointer(value)); });
-    const Operation get = Call(+[](const Text &name, const Text &fallback, uint32_t size) -> Fields {
+        Call(+[](const Argument &name, const Argument &value) { return SetParameter(Pointer(name), Pointer(value)); });
+    const Operation get = Call(+[](const Argument &name, const Argument &fallback, uint32_t size) -> Fields {
         char value[128] = "unchanged";
         const int length = GetParameter(Pointer(name), Pointer(fallback), value, size);
         return {Show(length), Quote(value)};

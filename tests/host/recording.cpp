@@ -12,28 +12,21 @@
 namespace replay {
 namespace {
 
-// Expands repeated and joined pieces: "x"*3+"y" is "xxxy", 00*3 01 is 00000001.
+// Expands repetitions and joins pieces: "x"*3+"y" is "xxxy", 00*3 01 is 00000001, 0*2 -6*2 is 00-6-6.
 std::string Expand(const std::string &folded)
 {
-    static const std::regex piece(R"re((\+?")([^"]*)(")(?:\*(\d+))?| ?\b([0-9a-f]{2})\*(\d+) ?)re");
-    std::string whole;
-    auto rest = folded.begin();
+    static const std::regex piece(R"re("\+"|(\\x..|.)"\*(\d+)(\+")?| ?([-0-9a-f]{1,2})\*(\d+) ?)re");
+    std::string expanded;
+    std::string rest = folded;
     for (std::sregex_iterator match(folded.begin(), folded.end(), piece), end; match != end; ++match) {
-        const std::smatch &found = *match;
-        whole.append(rest, found[0].first);
-        rest = found[0].second;
-        if (found.length(1) > 1) {
-            whole.pop_back();  // continues the string before it
-        } else {
-            whole += found.str(1);
+        expanded += match->prefix();
+        for (unsigned long left = std::stoul("0" + match->str(2) + match->str(5)); left > 0; --left) {
+            expanded += match->str(1) + match->str(4);
         }
-        const std::string times = found.str(4) + found.str(6);
-        for (unsigned long left = times.empty() ? 1 : std::stoul(times); left > 0; --left) {
-            whole += found.str(2) + found.str(5);
-        }
-        whole += found.str(3);
+        expanded += match->length(1) > 0 && match->length(3) == 0 ? "\"" : "";
+        rest = match->suffix();
     }
-    return whole.append(rest, folded.end());
+    return expanded + rest;
 }
 
 }  // namespace
@@ -41,9 +34,9 @@ std::string Expand(const std::string &folded)
 size_t Replay(const std::string &name, size_t count, const Operations &operations)
 {
     const std::string path = OSTRA_SOURCE_DIR "/tests/data/host/" + name;
+    const bool isLineCase = operations.count("case") == 0;
     std::ifstream file(path);
-    size_t begins = 0;
-    size_t others = 0;
+    size_t cases = 0;
     size_t skipped = 0;
     bool isSkipping = false;
     std::string line;
@@ -52,8 +45,9 @@ size_t Replay(const std::string &name, size_t count, const Operations &operation
             continue;
         }
         const Fields fields = Split(Expand(line), '\t');
-        ++(fields.at(0) == "case" ? begins : others);
-        isSkipping = isSkipping && begins > 0 && fields[0] != "case";
+        const bool isBegin = isLineCase || fields[0] == "case";
+        cases += isBegin ? 1 : 0;
+        isSkipping = isSkipping && !isBegin;
         if (isSkipping) {
             continue;
         }
@@ -70,7 +64,6 @@ size_t Replay(const std::string &name, size_t count, const Operations &operation
         }
         EXPECT_EQ(actual, Fields(arrow == fields.end() ? arrow : arrow + 1, fields.end())) << path << ':' << number;
     }
-    const size_t cases = begins > 0 ? begins : others;
     EXPECT_EQ(cases, count) << path;
     std::cout << name << ": " << cases - skipped << " cases replayed, " << skipped << " not\n";
     return skipped;
@@ -100,19 +93,19 @@ std::string Unquote(const std::string &field)
     if (field.size() < 2 || field.find('"') != 0 || field.find('"', 1) != field.size() - 1) {
         throw std::invalid_argument("not a string: " + field);
     }
-    std::string text;
+    std::string string;
     for (size_t at = 1; at < field.size() - 1; ++at) {
         const bool isEscape = field[at] == '\\';
-        text += isEscape ? FromHex<char>(field.substr(at + 2, 2)) : field.substr(at, 1);
+        string += isEscape ? FromHex<char>(field.substr(at + 2, 2)) : field.substr(at, 1);
         at += isEscape ? 3 : 0;
     }
-    return text;
+    return string;
 }
 
-std::string Quote(const std::string &text)
+std::string Quote(const std::string &string)
 {
     std::string quoted = "\"";
-    for (const char c : text) {
+    for (const char c : string) {
         const bool isPlain = c >= ' ' && c <= '~' && c != '"' && c != '\\';
         quoted += isPlain ? std::string(1, c) : "\\x" + ToHex(std::string(1, c));
     }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Replays the files of tests/data/host/ on the host platform: passes the input of each line to an operation of the
-// test, and compares its results with those in the file.
+// test, and compares the results with those in the file.
 //
-//     Replay("recorded/qos.txt", 67, {{"SetThreadQos", Call(+[](int level) { return SetThreadQos(QosLevel(level));
-//     })}});
+//     const Operations operations = {{"strlen", Call(+[](const std::string &string) { return string.size(); })}};
+//     Replay("recorded/strlen.txt", 67, operations);
 
 #ifndef TESTS_HOST_RECORDING_H
 #define TESTS_HOST_RECORDING_H
@@ -31,31 +31,26 @@ namespace replay {
 
 using Fields = std::vector<std::string>;
 
-// Maps the arguments of a line to its results. The line fails if the operation throws, as `at` and Value do for a
-// missing or malformed argument.
+// Maps the arguments of a line to its results. If it throws, as Value does for a malformed argument, the line fails.
 using Operation = std::function<Fields(const Fields &arguments)>;
 using Operations = std::map<std::string, Operation>;
 
 // Thrown by an operation to skip its case.
 struct Skip {};
 
-// Replays a file of `count` cases. A case extends from one line "case" to the next; in a file without such lines, each
+// Replays a file of `count` cases. If there is an operation "case", each of its lines begins a case; otherwise, each
 // line is a case. Returns the number of skipped cases.
 size_t Replay(const std::string &name, size_t count, const Operations &operations);
 
-// Splits at a separator outside quotes; "-" and "" have no elements.
+// Splits at separators outside quotes; "-" and "" have no elements.
 Fields Split(const std::string &field, char separator = ',');
 
-// Convert a string to and from its form in a field: in quotes, with \xNN for a byte.
+// Convert a string from and to its form in a field: quoted, with \xNN for a byte.
 std::string Unquote(const std::string &field);
-std::string Quote(const std::string &text);
+std::string Quote(const std::string &string);
 
-// A string that is shown as hexadecimal digits.
-struct Bytes : std::string {
-    explicit Bytes(std::string bytes) : std::string(std::move(bytes))
-    {
-    }
-};
+// A string whose form in a field is hexadecimal digits.
+struct Bytes : std::string {};
 
 template <typename Unit>
 std::basic_string<Unit> FromHex(std::string digits)
@@ -104,7 +99,7 @@ T Value(const std::string &field)
     } else if constexpr (std::is_same_v<T, std::u16string>) {
         return FromHex<char16_t>(field);
     } else if constexpr (std::is_same_v<T, Bytes>) {
-        return Bytes(FromHex<char>(field));
+        return {FromHex<char>(field)};
     } else if constexpr (std::is_same_v<T, bool>) {
         return field == "true" || field == "1";
     } else if constexpr (IS_VECTOR<T>) {
@@ -127,7 +122,7 @@ inline const char *Pointer(const std::optional<std::string> &target)
     return target.has_value() ? target->c_str() : nullptr;
 }
 
-// Prints a result.
+// Formats a result.
 template <typename T>
 std::string Show(const T &value)
 {
@@ -159,13 +154,13 @@ std::string Show(const std::pair<First, Second> &values)
     return Show(values.first) + " " + Show(values.second);
 }
 
-// An operation that passes its first arguments to a function and shows the result.
+// Returns an operation that passes its arguments to a function and shows the result. A missing argument is null.
 template <typename Result, typename... Parameters>
 Operation Call(Result (*function)(Parameters...))
 {
     return [function](const Fields &in) -> Fields {
-        [[maybe_unused]] auto next = [&in, at = size_t{0}]() mutable -> const std::string & {
-            return in.at(at++);
+        [[maybe_unused]] auto next = [&in, at = size_t{0}]() mutable {
+            return at < in.size() ? in[at++] : "null";
         };
         std::tuple<std::decay_t<Parameters>...> arguments{Value<std::decay_t<Parameters>>(next())...};
         if constexpr (std::is_same_v<Result, Fields>) {
@@ -178,8 +173,8 @@ Operation Call(Result (*function)(Parameters...))
 
 // The format and the arguments of a recorded call of a function such as printf.
 struct PrintfCall {
-    // The format is fields[at], and its arguments follow. Skips the case if it depends on the size of long, and that of
-    // this machine differs from the recorded one.
+    // The format is fields[at], and its arguments follow. Skips a case that depends on the size of `long` if it has
+    // another size on this machine than on the recorded one.
     PrintfCall(const Fields &fields, size_t at);
 
     // Passes the format and the arguments to `print`, with zeros for missing arguments.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Must not compile: each case passes a type that a template of the host platform rejects with a message.
+// Must not compile: in each case, a template of the host platform rejects a type.
 
 #include "hisysevent_record.h"
 #include "refbase.h"
@@ -18,6 +18,8 @@ int Use(const HiSysEventRecord &record)
 #elif defined(CASE_WRITE_KEYS)
     return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", 1, 2, "value");
 #elif defined(CASE_WRITE_VALUE)
+    return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", &record);
+#elif defined(CASE_WRITE_SCOPED_ENUMERATION)
     return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", Scoped::VALUE);
 #elif defined(CASE_SPTR)
     const sptr<int> pointer = new int(0);

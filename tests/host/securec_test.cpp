@@ -14,18 +14,15 @@ using namespace replay;
 
 namespace {
 
-// Sets the memory to `bytes`, followed by 0x5a bytes.
-void Fill(size_t size, const std::string &bytes = "")
-{
-    g_memory = bytes + std::string(size - bytes.size(), '\x5a');
-}
+constexpr char UNSET = 0x5a;  // initial value of memory
 
-// memory, the arguments => result, the memory after
+// memory, arguments => result, the memory after the call
 template <typename... Parameters>
 Operation Copies(errno_t (*function)(Parameters...))
 {
     return [call = Call(function)](const Fields &in) -> Fields {
-        Fill(48, Value<Bytes>(in.at(0)));
+        g_memory = Value<Bytes>(in.at(0));
+        g_memory.resize(48, UNSET);
         const std::string result = call({in.begin() + 1, in.end()}).front();
         return {result, ToHex(g_memory)};
     };
@@ -37,22 +34,21 @@ Operation Prints(const Function &function)
 {
     return [function](const Fields &in) -> Fields {
         constexpr size_t minShown = 16;
-        Fill(1024);
+        g_memory.assign(1024, UNSET);
         const int result = PrintfCall(in, 3).Pass([&](auto... arguments) {
             const size_t count = in[2] == "-" ? 0 : Value<size_t>(in[2]);
             return function(Value<char *>(in[0]), Value<size_t>(in[1]), count, arguments...);
         });
-        const size_t end = g_memory.find('\0');
-        return {Show(result),
-                ToHex(g_memory.substr(0, end == std::string::npos ? minShown : std::max(end + 1, minShown)))};
+        const size_t shown = std::max(g_memory.find('\0') + 1, minShown);  // npos + 1 is 0
+        return {Show(result), ToHex(g_memory.substr(0, shown))};
     };
 }
 
-// string, the delimiters of each call => the token of each call
+// string, the delimiters of each call => the token that each call returns
 Fields Tokens(const Fields &in)
 {
-    auto text = Value<std::optional<std::string>>(in.at(0));
-    char *next = text.has_value() ? text->data() : nullptr;
+    auto input = Value<std::optional<std::string>>(in.at(0));
+    char *next = input.has_value() ? input->data() : nullptr;
     char *rest = nullptr;
     Fields tokens;
     for (size_t i = 1; i < in.size(); ++i) {

@@ -36,10 +36,10 @@ transcript() {
 
 # expect STATUS STRINGS ARGUMENT...: checks the exit status, and that the output contains each line of STRINGS.
 expect() {
-    local status=0 wanted=$1 strings=$2 string
+    local status=0 expected=$1 strings=$2 string
     shift 2
     timeout 60 "$inspect" "$@" >"$folder/out" 2>&1 </dev/null || status=$?
-    [ "$status" = "$wanted" ] || fail "$*: exit status $status, not $wanted"
+    [ "$status" = "$expected" ] || fail "$*: exit status $status, not $expected"
     while read -r string; do
         tr -s ' ' <"$folder/out" | grep -F -- "$string" >/dev/null || fail "$*: not printed: $string"
     done <<<"$strings"
@@ -59,11 +59,11 @@ check_transcripts() {
         cp "$folder/new" "$golden"
         exit
     fi
-    transcript "$golden" | diff -u "$golden" - || fail 'inspect_test.txt: other output'
+    transcript "$golden" | diff -u "$golden" - || fail 'inspect_test.txt: unexpected output'
     # The last example prints the current time.
     sed -n '/^## Inspecting/,/OSTRA_HOST_EVENT_OUTPUT=/s/^    //p' "$source/README.md" |
         sed '/OSTRA_HOST/d' >"$folder/readme"
-    transcript "$folder/readme" | diff -uB "$folder/readme" - || fail 'README.md: other output'
+    transcript "$folder/readme" | diff -uB "$folder/readme" - || fail 'README.md: unexpected output'
 }
 
 check_frames() {
@@ -75,8 +75,8 @@ check_frames() {
         # The bytes of the frame must be split into arguments.
         # shellcheck disable=SC2086
         expect 0 "value $((${line%%:*} & 0xFFFFFFF))"$'\n'"content length $((${#content} / 2))" frame ${line#*=> }
-        ! grep -q overlong "$folder/out" || fail "a writer writes a shorter header: $line"
-        [ "$("$inspect" frame --content "${line#*=> }" | xxd -p -u)" = "$content" ] || fail "other content: $line"
+        ! grep -q overlong "$folder/out" || fail "overlong header value: $line"
+        [ "$("$inspect" frame --content "${line#*=> }" | xxd -p -u)" = "$content" ] || fail "unexpected content: $line"
     done <"$folder/frame"
     examples header 4
     while IFS= read -r line; do
@@ -95,14 +95,14 @@ check_documents() {
     expect 0 $'deviceName desk tablet\nserviceType 4\nstatus {"state":"idle"}\ncode 0 bit 1' \
         service "$(<"$folder/service")"
     examples unset-service 1
-    expect 0 $'deviceId (empty)\nprofile text 48000,2,16;' service "$(<"$folder/unset-service")"
+    expect 0 $'deviceId (empty)\nprofile string 48000,2,16;' service "$(<"$folder/unset-service")"
     examples audio 6
     while IFS= read -r line; do
         output=${line##*=> }
         result=${output%%,*}
         profiles=$(sed 's/.*"\(.*\)"/\1/' <<<"$output")
         bits=$(sed 's/.*bits \([0-9]*\),.*/\1/' <<<"$output")
-        expect "$((result != 0))" "result $result"$'\n'"codec bits $bits"$'\n'"profile text ${profiles:-(empty)}" \
+        expect "$((result != 0))" "result $result"$'\n'"codec bits $bits"$'\n'"profile string ${profiles:-(empty)}" \
             audio "${line% =>*}"
     done <"$folder/audio"
 }
@@ -132,7 +132,7 @@ check_parcels() {
             sed -n 's/^  key \([^ ]*\)  value \(.*\)/\1#\2/p' | sed 's/(empty)//' |
             awk -F'#' '{ map[$1] = $0 } END { for (key in map) print map[key] }' | sort -n)
         [ "$(compose "${accepted[@]}")" = "$(tr -d ' ' <<<"${line##*=> }" | tr A-F a-f)" ] ||
-            fail "not the parcel of: $line"
+            fail "unexpected parcel: $line"
     done <"$folder/parcel"
 }
 
@@ -146,7 +146,7 @@ check_events() {
     [ "$(wc -l <"$folder/stages")" = 11 ] || fail "$(wc -l <"$folder/stages") stages, not 11"
     OSTRA_HOST_LOG_LEVEL=off OSTRA_HOST_EVENT_OUTPUT=$PWD/written "$pair" --seconds 0.2 >"$folder/out" 2>&1
     expect 0 $'ServiceStartRes ok source\nDisconnectDeviceRes ok sink calls dsoftbus' events written
-    [ "$(wc -l <"$folder/out")" = "$(($(wc -l <written) + 1))" ] || fail 'not a row for every event'
+    [ "$(wc -l <"$folder/out")" = "$(($(wc -l <written) + 1))" ] || fail 'the number of rows is not the number of events'
     # Each event must be printed before the next one arrives.
     mkfifo pipe
     "$inspect" events - <pipe >"$folder/out" &
@@ -166,12 +166,12 @@ check_terminals() {
     on_terminal "'$inspect' frame"
     grep -q 'no input: standard input is a terminal' "$folder/out" || fail 'waits for input on a terminal'
     on_terminal "'$inspect' frame --content 85 1B"
-    ! grep -q $'\x1b' "$folder/out" || fail 'raw content on a terminal'
+    ! grep -q $'\x1b' "$folder/out" || fail 'raw content is printed to a terminal'
     sed 's/"STAGE_RES":1/"STAGE_RES":2/' event >failure
     on_terminal "stty cols 5; NO_COLOR= '$inspect' events failure"
     grep -q $'^\033.*FAILED' "$folder/out" || fail 'failures are not highlighted'
     on_terminal "NO_COLOR=1 '$inspect' events failure"
-    ! grep -q $'\033' "$folder/out" || fail 'colors despite NO_COLOR'
+    ! grep -q $'\033' "$folder/out" || fail 'colored despite NO_COLOR'
 }
 
 # Memory is bounded, and every failed allocation is reported. Sanitizers need more address space.
@@ -179,8 +179,13 @@ check_memory() {
     local limit status
     (ulimit -v 200000 && "$inspect" --version >"$folder/out" 2>&1) || return 0
     { printf '[' && head -c 30000000 <(yes 0, | tr '\n' ' '); } >line
-    (ulimit -v 200000 && "$inspect" events line >"$folder/out" 2>&1) && fail 'an event of 30 MB'
-    grep -q '1 of 1 lines are not events' "$folder/out" || fail 'a long line needs more than its own size'
+    (ulimit -v 200000 && "$inspect" events line >"$folder/out" 2>&1) && fail 'a line of 30 MB is accepted as an event'
+    grep -q '1 of 1 lines not recognized' "$folder/out" || fail 'unexpected error for a line of 30 MB'
+    (ulimit -v 200000 && "$inspect" --json frame line >"$folder/out" 2>&1) || fail 'the JSON of a frame of 30 MB needs too much memory'
+    grep -q '"content_omitted":.*29989997' "$folder/out" || fail 'the JSON contains the whole content'
+    printf '{"2102":"{\\"profiles\\":[{}%s]}"}' "$(yes ',{}' | head -1000000 | tr -d '\n')" >profiles
+    (ulimit -v 200000 && "$inspect" audio profiles >"$folder/out" 2>&1) || fail 'a million profiles need too much memory'
+    grep -q 'warnings omitted *2990003' "$folder/out" || fail 'the report contains all warnings'
     { printf '{"properties":{"2102":"' && head -c 4000000 /dev/zero | tr '\0' a &&
         printf '"},"deviceId":"d1"}'; } >large
     for limit in {12000..80000..4000}; do
@@ -190,7 +195,7 @@ check_memory() {
         if [ "$status" = 0 ]; then
             grep -q 'deviceId *d1' "$folder/out" || fail "a member is missing with $limit KiB"
         else
-            grep -q 'out of memory' "$folder/out" || fail "another error with $limit KiB"
+            grep -q 'out of memory' "$folder/out" || fail "unexpected error with $limit KiB"
         fi
     done
     [ "$status" = 0 ] || fail 'not enough memory at the end'

@@ -36,10 +36,10 @@ const MemberRule PROFILES = {"profiles", cJSON_Array};
 const MemberRules PROFILE_FIELDS = {{"sampleRate", cJSON_Number}, {"channel", cJSON_Number}, {"format", cJSON_Number}};
 const MemberRule VERSIONS = {"2016", cJSON_String};
 
-// Returns the members, with their types, of a document that the library wrote.
-MemberRules RulesOf(const std::string &written)
+// Returns the members and types in a document that the library wrote.
+MemberRules ReadRules(const std::string &document)
 {
-    const JsonTree root(cJSON_Parse(written.c_str()));
+    const JsonTree root(cJSON_Parse(document.c_str()));
     MemberRules rules;
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, root.get())
@@ -50,7 +50,7 @@ MemberRules RulesOf(const std::string &written)
 }
 
 // Returns the name of the first of these types.
-std::string KindOf(int types)
+std::string TypeName(int types)
 {
     constexpr std::array<const char *, 7> names = {"a bool",   "a bool",   "null",     "a number",
                                                    "a string", "an array", "an object"};
@@ -62,7 +62,7 @@ std::string KindOf(int types)
 }
 
 // Returns the member that a reader uses: the first one of that name (case-insensitive), or null if it has another type.
-const cJSON *MemberOf(const cJSON *object, const MemberRule &rule)
+const cJSON *FindMember(const cJSON *object, const MemberRule &rule)
 {
     const cJSON *const member = cJSON_GetObjectItem(object, rule.name.c_str());
     return member != nullptr && (member->type & rule.types) != 0 ? member : nullptr;
@@ -74,52 +74,52 @@ struct Document {
 };
 
 // Parses as the library does, and warns about what the library silently ignores.
-Document ParseDocument(const std::string &text, List &warnings)
+Document ParseDocument(const std::string &json, List &warnings)
 {
-    if (text.rfind("\xEF\xBB\xBF", 0) == 0) {
-        warnings.Add("the document begins with a byte order mark (BOM), which other readers may refuse");
+    if (json.rfind("\xEF\xBB\xBF", 0) == 0) {
+        warnings.Add("the document begins with a byte order mark (BOM), which other readers may reject");
     }
-    const size_t size = std::strlen(text.c_str());
-    if (size < text.size()) {
-        warnings.Add("a NUL at offset " + std::to_string(size) + " of " + std::to_string(text.size()) +
+    const size_t size = std::strlen(json.c_str());
+    if (size < json.size()) {
+        warnings.Add("a NUL at offset " + std::to_string(size) + " of " + std::to_string(json.size()) +
                      " bytes ends the document");
     }
-    for (size_t at = text.find('\\'); at < size; at = text.find('\\', at + 2)) {
-        if (text.compare(at, sizeof("\\u0000") - 1, "\\u0000") == 0) {
+    for (size_t at = json.find('\\'); at < size; at = json.find('\\', at + 2)) {
+        if (json.compare(at, sizeof("\\u0000") - 1, "\\u0000") == 0) {
             warnings.Add("a string contains NUL (\\u0000 at offset " + std::to_string(at) +
                          "), which ends it for the reader");
             break;
         }
     }
     const char *end = nullptr;
-    JsonTree root(cJSON_ParseWithOpts(text.c_str(), &end, 0));
-    const auto length = static_cast<size_t>(end - text.c_str());
+    JsonTree root(cJSON_ParseWithOpts(json.c_str(), &end, 0));
+    const auto length = static_cast<size_t>(end - json.c_str());
     if (root == nullptr) {
         const bool isBracket = *end == '[' || *end == '{';  // cJSON stops here at its nesting limit, too
         return {nullptr, std::string("not valid JSON") + (isBracket ? ", or nested too deeply," : "") +
-                             " near offset " + std::to_string(length) + " of " + std::to_string(text.size()) +
+                             " near offset " + std::to_string(length) + " of " + std::to_string(json.size()) +
                              " bytes"};
     }
-    if (text.find_first_not_of(" \t\r\n", length) < size) {
-        warnings.Add("ignored after the end of the document: " + std::to_string(size - length) + " bytes");
+    if (json.find_first_not_of(" \t\r\n", length) < size) {
+        warnings.Add("trailing bytes ignored: " + std::to_string(size - length));
     }
     if (cJSON_IsObject(root.get()) == 0) {
-        warnings.Add("the document is " + KindOf(root->type) + ", not an object: nothing is read from it");
+        warnings.Add("the document is " + TypeName(root->type) + ", not an object, so nothing is read from it");
     }
     return {std::move(root), ""};
 }
 
 // Adds the result of the library's reader, and the logged reasons if it rejected the document.
-void AddResult(Finding &finding, const std::string &kind, int32_t result, const std::string &parseError)
+void AddResult(Inspection &inspection, const std::string &name, int32_t result, const std::string &parseError)
 {
-    const std::string reasons = TakeReasons();
-    AddNumber(finding.report.get(), "result", result);
-    AddString(finding.report.get(), "result_name", ResultName(result));
+    const std::string messages = TakeLogMessages();
+    AddNumber(inspection.report.get(), "result", result);
+    AddString(inspection.report.get(), "result_name", ResultName(result));
     if (result == OSTRA_JSON_SUCCESS) {
         return;
     }
-    finding.error = "not " + kind + " (" + std::to_string(result) + " " + ResultName(result) + "): " + reasons +
-                    (parseError.empty() ? " (nested deeper than 100 levels)" : " (" + parseError + ")");
+    inspection.error = "not " + name + " (" + std::to_string(result) + " " + ResultName(result) + "): " + messages +
+                       (parseError.empty() ? " (nested deeper than 100 levels)" : " (" + parseError + ")");
 }
 
 void AddIgnored(List &ignored, const std::string &member, const std::string &reason)
@@ -129,15 +129,15 @@ void AddIgnored(List &ignored, const std::string &member, const std::string &rea
     AddString(entry, "reason", reason);
 }
 
-// Adds each member that no rule accepts, with the reason. `path` is prepended to the names.
+// Adds each member that matches no rule, with the reason. `path` is prepended to the names.
 void AddIgnoredMembers(List &ignored, const cJSON *object, const MemberRules &rules, const std::string &path = {})
 {
     if (cJSON_IsObject(object) == 0) {
         return;
     }
-    std::vector<const cJSON *> firsts;
+    std::vector<const cJSON *> firstMembers;
     for (const MemberRule &rule : rules) {
-        firsts.push_back(cJSON_GetObjectItem(object, rule.name.c_str()));
+        firstMembers.push_back(cJSON_GetObjectItem(object, rule.name.c_str()));
     }
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, object)
@@ -147,26 +147,25 @@ void AddIgnoredMembers(List &ignored, const cJSON *object, const MemberRules &ru
         });
         if (rule == rules.end()) {
             AddIgnored(ignored, path + member->string, "unknown");
-        } else if (firsts[static_cast<size_t>(rule - rules.begin())] != member) {
-            AddIgnored(ignored, path + member->string, "repeated, the first one counts");
+        } else if (firstMembers[static_cast<size_t>(rule - rules.begin())] != member) {
+            AddIgnored(ignored, path + member->string, "repeated; only the first one is read");
         } else if ((member->type & rule->types) == 0) {
-            AddIgnored(ignored, path + member->string, KindOf(member->type) + ", not " + KindOf(rule->types));
+            AddIgnored(ignored, path + member->string, TypeName(member->type) + ", not " + TypeName(rule->types));
         }
     }
 }
 
 // Warns if the number is not an integer or does not fit into a signed 32-bit value.
-void WarnOfNumber(List &warnings, const cJSON *number, const std::string &member)
+void WarnIfNotInt32(List &warnings, const cJSON *number, const std::string &member)
 {
-    if (cJSON_IsNumber(number) == 0 || number->valuedouble == number->valueint) {
-        return;
+    if (cJSON_IsNumber(number) != 0 && number->valuedouble != number->valueint) {
+        warnings.Add(member + ": " + FormatValue(number) + " is read as " + std::to_string(number->valueint));
     }
-    warnings.Add(member + ": " + Cell(number) + " is read as " + std::to_string(number->valueint));
 }
 
 // ---- audio
 
-// Adds the bits that the library derives from this codec.
+// Adds a codec with the bit that the library derives from it.
 void AddCodec(List &codecs, uint32_t codec)
 {
     cJSON *const row = codecs.AddObject();
@@ -178,9 +177,9 @@ void AddCodec(List &codecs, uint32_t codec)
     audio.UpdataAudioCodec();
     AddNumber(row, "code", static_cast<int32_t>(codec));  // signed as in the document
     AddNumber(row, "bit", audio.audioCodecType_);
-    const std::string reasons = TakeReasons();
+    const std::string messages = TakeLogMessages();
     if (audio.audioCodecType_ == 0) {
-        AddString(row, "note", "no bit: " + reasons);
+        AddString(row, "note", "no bit: " + messages);
     }
 }
 
@@ -195,31 +194,31 @@ void AddProfile(List &profiles, const DHOSTRAAudioProperties &audio, const Audio
     AddNumber(row, "channels", channels);
     AddNumber(row, "bits", bits);
     if (channels == 0 || bits == 0) {
-        AddString(row, "note", channels == 0 ? "left out: unknown channel code" : "left out: unknown format code");
+        AddString(row, "note", channels == 0 ? "omitted: unknown channel code" : "omitted: unknown format code");
     }
 }
 
-// Adds what the library ignores or changes in the arrays of the capabilities.
+// Reports array elements of the capabilities that the library ignores or converts.
 void CheckElements(List &ignored, List &warnings, const cJSON *capabilities)
 {
     size_t index = 0;
     const cJSON *element = nullptr;
-    cJSON_ArrayForEach(element, MemberOf(capabilities, CODECS))
+    cJSON_ArrayForEach(element, FindMember(capabilities, CODECS))
     {
         const std::string codec = "codecs[" + std::to_string(index++) + "]";
-        WarnOfNumber(warnings, element, codec);
+        WarnIfNotInt32(warnings, element, codec);
         if (cJSON_IsNumber(element) == 0) {
-            AddIgnored(ignored, codec, KindOf(element->type) + ", not a number");
+            AddIgnored(ignored, codec, TypeName(element->type) + ", not a number");
         }
     }
     index = 0;
-    cJSON_ArrayForEach(element, MemberOf(capabilities, PROFILES))
+    cJSON_ArrayForEach(element, FindMember(capabilities, PROFILES))
     {
         const std::string profile = "profiles[" + std::to_string(index++) + "].";
         AddIgnoredMembers(ignored, element, PROFILE_FIELDS, profile);
         for (const MemberRule &field : PROFILE_FIELDS) {
-            const cJSON *const number = MemberOf(element, field);
-            WarnOfNumber(warnings, number, profile + field.name);
+            const cJSON *const number = FindMember(element, field);
+            WarnIfNotInt32(warnings, number, profile + field.name);
             if (number == nullptr) {
                 warnings.Add(profile + field.name + " is read as 0");
             }
@@ -232,14 +231,14 @@ void CheckElements(List &ignored, List &warnings, const cJSON *capabilities)
 void AddVersions(cJSON *report, const cJSON *properties, List &warnings)
 {
     List versions(report, "versions");
-    const cJSON *const table = MemberOf(properties, VERSIONS);
+    const cJSON *const table = FindMember(properties, VERSIONS);
     if (table == nullptr) {
-        warnings.Add("there is no version table: properties has no string 2016");
+        warnings.Add("no version table: properties has no string member 2016");
         return;
     }
     const auto [root, parseError] = ParseDocument(table->valuestring, warnings);
     if (root == nullptr) {
-        warnings.Add("the version table is ignored: " + parseError + ": " + table->valuestring);
+        warnings.Add("version table ignored: " + parseError + ": " + table->valuestring);
         return;
     }
     const DHOSTRADeviceJson own;
@@ -274,21 +273,21 @@ std::string ResultName(int32_t code)
     return "";
 }
 
-Finding InspectService(const std::string &document)
+Inspection InspectService(const std::string &document)
 {
-    Finding finding;
-    cJSON *const report = finding.report.get();
+    Inspection inspection;
+    cJSON *const report = inspection.report.get();
     DHOSTRADeviceServiceJson service;
     const int32_t result = service.Unmarshal(document);
     List warnings(report, "warnings");
     const auto [root, parseError] = ParseDocument(document, warnings);
-    AddResult(finding, "a service document", result, parseError);
-    if (!finding.error.empty()) {
-        return finding;
+    AddResult(inspection, "a service document", result, parseError);
+    if (!inspection.error.empty()) {
+        return inspection;
     }
     std::vector<uint8_t> written;
     OSTRADeviceService().PackServiceData(written);
-    const MemberRules rules = RulesOf({written.begin(), written.end()});
+    const MemberRules rules = ReadRules({written.begin(), written.end()});
     const std::map<std::string, const std::string *> strings = {{"deviceId", &service.deviceId_},
                                                                 {"deviceName", &service.deviceName_},
                                                                 {"serviceId", &service.serviceId_},
@@ -296,8 +295,8 @@ Finding InspectService(const std::string &document)
                                                                 {"status", &service.status_}};
     cJSON *const members = cJSON_AddObjectToObject(report, "members");
     for (const MemberRule &rule : rules) {
-        const cJSON *const member = MemberOf(root.get(), rule);
-        WarnOfNumber(warnings, member, rule.name);
+        const cJSON *const member = FindMember(root.get(), rule);
+        WarnIfNotInt32(warnings, member, rule.name);
         if (member == nullptr) {
             cJSON_AddNullToObject(members, rule.name.c_str());
         } else if (rule.types == cJSON_Number) {
@@ -308,29 +307,29 @@ Finding InspectService(const std::string &document)
     }
     List ignored(report, "ignored");
     AddIgnoredMembers(ignored, root.get(), rules);
-    if (MemberOf(root.get(), PROPERTIES) != nullptr) {
-        Finding audio = InspectAudio(service.properties_);
+    if (FindMember(root.get(), PROPERTIES) != nullptr) {
+        Inspection audio = InspectAudio(service.properties_);
         if (!audio.error.empty()) {
             AddString(audio.report.get(), "error", audio.error);
         }
         cJSON_AddItemToObject(report, "audio", audio.report.release());
     }
-    return finding;
+    return inspection;
 }
 
-Finding InspectAudio(const std::string &document)
+Inspection InspectAudio(const std::string &document)
 {
-    Finding finding;
-    cJSON *const report = finding.report.get();
+    Inspection inspection;
+    cJSON *const report = inspection.report.get();
     DHOSTRAAudioProperties audio;
     const int32_t result = audio.Unmarshal(document);
     List warnings(report, "warnings");
     List ignored(report, "ignored");
     auto [root, parseError] = ParseDocument(document, warnings);
     AddIgnoredMembers(ignored, root.get(), {CAPABILITIES});
-    const bool isOutside = MemberOf(root.get(), CODECS) != nullptr || MemberOf(root.get(), PROFILES) != nullptr;
-    if (isOutside && MemberOf(root.get(), CAPABILITIES) == nullptr) {
-        warnings.Add("codecs and profiles are only read inside the string 2102");
+    const bool isAtTopLevel = FindMember(root.get(), CODECS) != nullptr || FindMember(root.get(), PROFILES) != nullptr;
+    if (isAtTopLevel && FindMember(root.get(), CAPABILITIES) == nullptr) {
+        warnings.Add("codecs and profiles are read only inside the string 2102");
     }
     if (!audio.audioCapablities_.empty()) {
         const Document capabilities = ParseDocument(audio.audioCapablities_, warnings);
@@ -338,12 +337,12 @@ Finding InspectAudio(const std::string &document)
         CheckElements(ignored, warnings, capabilities.root.get());
         parseError = capabilities.error.empty() ? "" : "in 2102, " + capabilities.error;
     }
-    AddResult(finding, "audio capabilities", result, parseError);
+    AddResult(inspection, "audio capabilities", result, parseError);
     AddString(report, "capabilities", audio.audioCapablities_);
     AddNumber(report, "codec_bits", audio.audioCodecType_);
-    AddString(report, "profile_text", audio.audioProfiles_);
+    AddString(report, "profile_string", audio.audioProfiles_);
     if (audio.profiles_.empty() && !audio.audioProfiles_.empty()) {
-        AddString(report, "profile_note", "the default, since there is no profile");
+        AddString(report, "profile_note", "default, because there are no profiles");
     }
     List profiles(report, "profiles");
     for (const AudioProfile &profile : audio.profiles_) {
@@ -353,35 +352,33 @@ Finding InspectAudio(const std::string &document)
     for (const uint32_t codec : audio.codecs_) {
         AddCodec(codecs, codec);
     }
-    return finding;
+    return inspection;
 }
 
-Finding InspectDevice(const std::string &document)
+Inspection InspectDevice(const std::string &document)
 {
-    Finding finding;
-    cJSON *const report = finding.report.get();
+    Inspection inspection;
+    cJSON *const report = inspection.report.get();
     List warnings(report, "warnings");
     const auto [root, parseError] = ParseDocument(document, warnings);
-    if (root == nullptr) {
-        throw InputError("not a device document: " + parseError);
-    }
     if (cJSON_IsObject(root.get()) == 0) {
-        throw InputError("not a device document: " + KindOf(root->type) + ", not an object");
+        throw InputError("not a device document: " +
+                         (root == nullptr ? parseError : TypeName(root->type) + ", not an object"));
     }
     std::string written;
     DHOSTRADeviceJson().Marshal(written);
-    const MemberRules rules = RulesOf(written);
+    const MemberRules rules = ReadRules(written);
     cJSON *const members = cJSON_AddObjectToObject(report, "members");
     for (const MemberRule &rule : rules) {
-        const cJSON *const member = MemberOf(root.get(), rule);
+        const cJSON *const member = FindMember(root.get(), rule);
         if (member == nullptr || rule.types != cJSON_Object) {
             AddCopy(members, rule.name.c_str(), member);
         }
     }
-    const cJSON *const properties = MemberOf(root.get(), PROPERTIES);
+    const cJSON *const properties = FindMember(root.get(), PROPERTIES);
     AddVersions(report, properties, warnings);
     List ignored(report, "ignored");
     AddIgnoredMembers(ignored, root.get(), rules);
     AddIgnoredMembers(ignored, properties, {VERSIONS}, "properties.");
-    return finding;
+    return inspection;
 }

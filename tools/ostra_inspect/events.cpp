@@ -44,12 +44,12 @@ std::string StageName(const cJSON *stage)
 }
 
 // Returns the local time with milliseconds.
-std::string TimeText(const cJSON *epochMs)
+std::string FormatTime(const cJSON *epochMs)
 {
     constexpr double maxTime = 253402300799999;  // the end of the year 9999
     constexpr int64_t msPerSecond = 1000;
     if (cJSON_IsNumber(epochMs) == 0 || epochMs->valuedouble < 0 || epochMs->valuedouble > maxTime) {
-        return Cell(epochMs);
+        return FormatValue(epochMs);
     }
     const auto ms = static_cast<int64_t>(epochMs->valuedouble);
     const auto seconds = static_cast<time_t>(ms / msPerSecond);
@@ -60,28 +60,28 @@ std::string TimeText(const cJSON *epochMs)
     return std::string(day) + "." + std::to_string(msPerSecond + ms % msPerSecond).substr(1);
 }
 
-std::string ResultText(const cJSON *event)
+std::string FormatResult(const cJSON *event)
 {
     const cJSON *const name = Member(event, "error_name");
-    return IsFailure(event)
-               ? "FAILED, error " + Cell(Member(event, "error_code")) + (name == nullptr ? "" : " " + Cell(name))
-               : "ok";
+    return IsFailure(event) ? "FAILED, error " + FormatValue(Member(event, "error_code")) +
+                                  (name == nullptr ? "" : " " + FormatValue(name))
+                            : "ok";
 }
 
-std::string Row(const std::array<std::string, WIDTHS.size()> &cells)
+std::string FormatRow(const std::array<std::string, WIDTHS.size()> &cells)
 {
     std::string row;
     for (size_t i = 0; i < cells.size(); ++i) {
-        row += (i == 0 ? "" : "  ") + Padded(cells[i], WIDTHS[i]);
+        row += (i == 0 ? "" : "  ") + PadRight(cells[i], WIDTHS[i]);
     }
     return row;
 }
 
-bool IsShown(const cJSON *event, const EventOptions &options)
+bool MatchesFilters(const cJSON *event, const EventOptions &options)
 {
     const cJSON *const pid = Member(event, "pid");
-    const bool isOfProcess = !options.pid || (cJSON_IsNumber(pid) != 0 && pid->valueint == *options.pid);
-    return (IsFailure(event) || !options.isFailedOnly) && isOfProcess;
+    const bool matchesPid = !options.pid || (cJSON_IsNumber(pid) != 0 && pid->valueint == *options.pid);
+    return (IsFailure(event) || !options.isFailedOnly) && matchesPid;
 }
 
 void Print(const cJSON *event, const EventOptions &options, bool isFirst)
@@ -91,11 +91,12 @@ void Print(const cJSON *event, const EventOptions &options, bool isFirst)
     if (options.isJson) {
         std::printf("%s\n", ToJson(event, false).c_str());
     } else {
-        const std::string heading = Row({"time", "pid", "host", "scenario", "operation", "result", "function"}) + "\n";
+        const std::string heading =
+            FormatRow({"time", "pid", "host", "scenario", "operation", "result", "function"}) + "\n";
         std::printf("%s%s%s%s\n", isFirst ? heading.c_str() : "", isColored ? "\033[1;31m" : "",
-                    EventRow(event).c_str(), isColored ? "\033[0m" : "");
+                    FormatEvent(event).c_str(), isColored ? "\033[0m" : "");
     }
-    std::fflush(stdout);  // a reader of the pipe sees the event immediately
+    std::fflush(stdout);  // so that a pipe receives the event immediately
 }
 
 }  // namespace
@@ -106,11 +107,11 @@ JsonTree ParseEvent(const std::string &line)
     const auto field = [&fields](const char *key) {
         return Member(fields.get(), key);
     };
-    if (Cell(field("domain_")) != OSTRA_DOMAIN || Cell(field("name_")) != ADAPTER_BEHAVIOR_EVENT ||
+    if (FormatValue(field("domain_")) != OSTRA_DOMAIN || FormatValue(field("name_")) != ADAPTER_BEHAVIOR_EVENT ||
         cJSON_IsNumber(field("BIZ_STAGE")) == 0 || cJSON_IsNumber(field("STAGE_RES")) == 0) {
         return nullptr;
     }
-    JsonTree event = NewObject();
+    JsonTree event(cJSON_CreateObject());
     AddCopy(event.get(), "time", field("time_"));
     AddCopy(event.get(), "pid", field("pid_"));
     AddCopy(event.get(), "host", field("HOST_PKG"));
@@ -131,20 +132,21 @@ JsonTree ParseEvent(const std::string &line)
     return event;
 }
 
-std::string EventRow(const cJSON *event)
+std::string FormatEvent(const cJSON *event)
 {
     const cJSON *const called = Member(event, "called");
-    return Row({TimeText(Member(event, "time")), Cell(Member(event, "pid")), Cell(Member(event, "host")),
-                Cell(Member(event, "scenario")), Cell(Member(event, "operation")), ResultText(event),
-                Cell(Member(event, "function")) + (called == nullptr ? "" : " calls " + Cell(called))});
+    return FormatRow(
+        {FormatTime(Member(event, "time")), FormatValue(Member(event, "pid")), FormatValue(Member(event, "host")),
+         FormatValue(Member(event, "scenario")), FormatValue(Member(event, "operation")), FormatResult(event),
+         FormatValue(Member(event, "function")) + (called == nullptr ? "" : " calls " + FormatValue(called))});
 }
 
 void PrintEvents(const std::string &path, const EventOptions &options)
 {
     const InputFile file = OpenInput(path);
     size_t lines = 0;
-    size_t others = 0;
-    size_t firstOther = 0;
+    size_t invalid = 0;
+    size_t firstInvalid = 0;
     size_t printed = 0;
     char *buffer = nullptr;
     size_t capacity = 0;
@@ -152,19 +154,19 @@ void PrintEvents(const std::string &path, const EventOptions &options)
         ++lines;
         const std::string line = buffer;
         const JsonTree event = ParseEvent(line);
-        if (event != nullptr && IsShown(event.get(), options)) {
+        if (event != nullptr && MatchesFilters(event.get(), options)) {
             Print(event.get(), options, printed++ == 0);
         }
         if (event == nullptr && line.find_first_not_of("\r\n") != std::string::npos) {
-            firstOther = others++ == 0 ? lines : firstOther;
+            firstInvalid = invalid++ == 0 ? lines : firstInvalid;
         }
     }
     std::free(buffer);
     if (std::feof(file.get()) == 0) {
         throw InputError(path + ": " + std::strerror(errno));
     }
-    if (others > 0) {
-        throw InputError(std::to_string(others) + " of " + std::to_string(lines) +
-                         " lines are not events of the library, the first is line " + std::to_string(firstOther));
+    if (invalid > 0) {
+        throw InputError(std::to_string(invalid) + " of " + std::to_string(lines) +
+                         " lines not recognized as events, the first at line " + std::to_string(firstInvalid));
     }
 }

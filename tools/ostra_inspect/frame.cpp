@@ -48,17 +48,17 @@ void AddWarnings(cJSON *report, const std::string &bytes, const UnPackagedEA &he
     List warnings(report, "warnings");
     const auto size = static_cast<size_t>(header.offset);
     const bool hasStopBit = ChannelProtocol::HasEA(static_cast<unsigned char>(bytes[size - 1]));
-    ChannelProtocol shortest;
-    shortest.Create(static_cast<int>(header.value), 0);
+    ChannelProtocol minimal;
+    minimal.Create(static_cast<int>(header.value), 0);
     if (!hasStopBit && header.offset == MAX_HEADER) {
         const int64_t negative = static_cast<int64_t>(header.value) - (int64_t{1} << HEADER_VALUE_BITS);
         warnings.Add("the header value has no stop bit; this is how a negative value is encoded, for example " +
                      std::to_string(negative));
     } else if (!hasStopBit) {
         warnings.Add("truncated: the frame ends within the header value, which has no stop bit");
-    } else if (shortest.GetBufferSize() < header.offset) {
+    } else if (minimal.GetBufferSize() < header.offset) {
         warnings.Add("overlong encoding: the header value has " + std::to_string(header.offset) + " bytes and needs " +
-                     std::to_string(shortest.GetBufferSize()));
+                     std::to_string(minimal.GetBufferSize()));
     }
     if (bytes.size() == size) {
         warnings.Add("the frame has no content");
@@ -71,47 +71,47 @@ void AddWarnings(cJSON *report, const std::string &bytes, const UnPackagedEA &he
 
 }  // namespace
 
-std::string HexView(const std::string &bytes)
+std::string HexDump(const std::string &bytes)
 {
     constexpr size_t rowBytes = 16;
     constexpr size_t maxBytes = 32 * rowBytes;
     constexpr int offsetDigits = 4;
-    std::string view;
+    std::string dump;
     for (size_t begin = 0; begin < bytes.size(); begin += rowBytes) {
         if (begin == maxBytes) {
-            return view + "  ... " + std::to_string(bytes.size() - begin) + " more bytes\n";
+            return dump + "  ... " + std::to_string(bytes.size() - begin) + " more bytes\n";
         }
         const std::string row = bytes.substr(begin, rowBytes);
-        view +=
-            "  " + ToHex(static_cast<uint32_t>(begin), offsetDigits) + "  " + Padded(ToHex(row), rowBytes * 3) + " |";
+        const std::string offset = ToHex(static_cast<uint32_t>(begin), offsetDigits);
+        dump += "  " + offset + "  " + PadRight(ToHex(row), rowBytes * 3) + " |";
         for (const char byte : row) {
-            view += byte >= ' ' && byte <= '~' ? byte : '.';
+            dump += byte >= ' ' && byte <= '~' ? byte : '.';
         }
-        view += "|\n";
+        dump += "|\n";
     }
-    return view;
+    return dump;
 }
 
-Finding InspectFrame(std::string bytes, const FrameOptions &options)
+Inspection InspectFrame(std::string bytes, const FrameOptions &options)
 {
     if (bytes.size() <= options.skip) {
-        throw InputError("truncated: the input has " + std::to_string(bytes.size()) + " bytes, and " +
-                         std::to_string(options.skip) + " are skipped");
+        throw InputError(bytes.empty() ? "no input: the input is empty"
+                                       : "truncated: the input ends within the bytes that --skip omits");
     }
     bytes.erase(0, options.skip);
     if (bytes.size() > INT_MAX) {
         throw InputError("a frame has at most " + std::to_string(INT_MAX) + " bytes");
     }
-    Finding finding;
+    Inspection inspection;
     ChannelProtocol frame;
     UnPackagedEA header;
     if (!frame.CreateFromBuffer(reinterpret_cast<unsigned char *>(bytes.data()), static_cast<int>(bytes.size())) ||
         !frame.ReadEA(header, 0)) {
-        throw InputError("not a frame: " + TakeReasons());
+        throw InputError("not a frame: " + TakeLogMessages());
     }
     const auto offset = static_cast<size_t>(header.offset);
     const uint32_t crc = Crc(bytes, 0);
-    cJSON *const report = finding.report.get();
+    cJSON *const report = inspection.report.get();
     AddNumber(report, "value", header.value);
     AddString(report, "header", ToHex(bytes.substr(0, offset)));
     AddNumber(report, "offset", header.offset);
@@ -120,8 +120,8 @@ Finding InspectFrame(std::string bytes, const FrameOptions &options)
     AddString(report, "content_crc", ToHex(Crc(bytes, offset), CRC_DIGITS));
     AddWarnings(report, bytes, header);
     if (!options.crc.empty() && std::stoul(options.crc, nullptr, HEX) != crc) {
-        finding.error = "corrupted: the CRC is " + ToHex(crc, CRC_DIGITS) + ", expected " + options.crc;
+        inspection.error = "corrupted: the CRC is " + ToHex(crc, CRC_DIGITS) + ", expected " + options.crc;
     }
-    finding.content = std::move(bytes.erase(0, offset));
-    return finding;
+    inspection.content = std::move(bytes.erase(0, offset));
+    return inspection;
 }

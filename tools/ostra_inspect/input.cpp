@@ -35,7 +35,7 @@ std::string ReadAll(const std::string &path)
 InputFile OpenInput(const std::string &path)
 {
     if (path.empty() && isatty(STDIN_FILENO) != 0) {
-        throw InputError("no input: standard input is a terminal; see --help for the kinds of input");
+        throw InputError("no input: standard input is a terminal; see --help");
     }
     InputFile file(path.empty() || path == "-" ? stdin : std::fopen(path.c_str(), "rb"), &std::fclose);
     if (file == nullptr) {
@@ -77,9 +77,6 @@ std::string ReadBytes(const std::vector<std::string> &arguments)
     std::string digits;
     for (const std::string &argument : arguments) {
         digits += argument + " ";
-    }
-    if (digits.find_first_not_of(' ') == std::string::npos) {
-        throw InputError("no input: the argument is empty");
     }
     return ParseHex(digits);
 }

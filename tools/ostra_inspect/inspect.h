@@ -44,13 +44,13 @@ std::string ParseHex(const std::string &digits);
 void CollectLog();
 
 /// Returns the first ten warnings and errors since the last call, on one line.
-std::string TakeReasons();
+std::string TakeLogMessages();
 
-// The subcommands. Those that return a Finding throw InputError if there is nothing to report; otherwise they set
+// The subcommands. Those that return an Inspection throw InputError if there is nothing to report; otherwise they set
 // `error` if the input was rejected.
 
-struct Finding {
-    JsonTree report = NewObject();
+struct Inspection {
+    JsonTree report{cJSON_CreateObject()};
     std::string content;  // of a frame
     std::string error;    // why the input was rejected; empty if it was accepted
 };
@@ -60,14 +60,14 @@ struct FrameOptions {
     std::string crc;  // expected CRC in hexadecimal; empty: not checked
 };
 
-Finding InspectFrame(std::string bytes, const FrameOptions &options);
-Finding InspectService(const std::string &document);
-Finding InspectAudio(const std::string &document);
-Finding InspectDevice(const std::string &document);
-Finding InspectParcel(const std::string &bytes);
+Inspection InspectFrame(std::string bytes, const FrameOptions &options);
+Inspection InspectService(const std::string &document);
+Inspection InspectAudio(const std::string &document);
+Inspection InspectDevice(const std::string &document);
+Inspection InspectParcel(const std::string &bytes);
 
 /// Returns a hex dump of the first 512 bytes: offset, bytes and characters, 16 bytes per line.
-std::string HexView(const std::string &bytes);
+std::string HexDump(const std::string &bytes);
 
 /// Returns the name of an OSTRA_JSON_ code, or "" for any other number.
 std::string ResultName(int32_t code);
@@ -86,6 +86,6 @@ void PrintEvents(const std::string &path, const EventOptions &options);
 JsonTree ParseEvent(const std::string &line);
 
 /// Returns the row of an event without a newline.
-std::string EventRow(const cJSON *event);
+std::string FormatEvent(const cJSON *event);
 
 #endif  // TOOLS_INSPECT_H

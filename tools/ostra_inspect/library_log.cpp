@@ -11,23 +11,23 @@ using OHOS::DistributedHardware::OstraAdapter::LOG_PREFIX_TAG;
 
 namespace {
 
-constexpr size_t MAX_REASONS = 10;  // the library may log each element of an input
+constexpr size_t MAX_MESSAGES = 10;  // the library may log each element of an input
 
-std::vector<std::string> g_reasons;  // the tool is single-threaded
+std::vector<std::string> g_messages;  // the tool is single-threaded
 
 // Shortens "[tag][Function]:message" to "Function: message".
-void Collect(LogType /* type */, LogLevel level, unsigned int /* domain */, const char * /* tag */, const char *message)
+void OnMessage(LogType /* type */, LogLevel level, unsigned int /* domain */, const char * /* tag */, const char *text)
 {
-    if (level < LOG_WARN || g_reasons.size() == MAX_REASONS) {
+    if (level < LOG_WARN || g_messages.size() == MAX_MESSAGES) {
         return;
     }
-    std::string reason = message;
+    std::string message = text;
     const std::string begin = "[" + std::string(LOG_PREFIX_TAG) + "][";
-    const size_t end = reason.find("]:");
-    if (reason.rfind(begin, 0) == 0 && end != std::string::npos) {
-        reason = reason.substr(begin.size(), end - begin.size()) + ": " + reason.substr(end + 2);
+    const size_t end = message.find("]:");
+    if (message.rfind(begin, 0) == 0 && end != std::string::npos) {
+        message = message.substr(begin.size(), end - begin.size()) + ": " + message.substr(end + 2);
     }
-    g_reasons.push_back(reason);
+    g_messages.push_back(message);
 }
 
 }  // namespace
@@ -35,14 +35,14 @@ void Collect(LogType /* type */, LogLevel level, unsigned int /* domain */, cons
 void CollectLog()
 {
     setenv("OSTRA_HOST_LOG_LEVEL", "off", 0);
-    LOG_SetCallback(Collect);
+    LOG_SetCallback(OnMessage);
 }
 
-std::string TakeReasons()
+std::string TakeLogMessages()
 {
-    std::string reasons;
-    for (const std::string &reason : std::exchange(g_reasons, {})) {
-        reasons += (reasons.empty() ? "" : "; ") + reason;
+    std::string messages;
+    for (const std::string &message : std::exchange(g_messages, {})) {
+        messages += (messages.empty() ? "" : "; ") + message;
     }
-    return reasons;
+    return messages;
 }

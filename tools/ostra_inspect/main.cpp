@@ -20,21 +20,22 @@ constexpr char PROGRAM[] = "ostra-inspect";
 constexpr char DESCRIPTION[] =
     "Shows what libostra_adapter_utils reads from a frame, a document, a parcel or events, and what it ignores.";
 constexpr char FOOTER[] =
-    "HEX is pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68. A FILE\n"
-    "and standard input contain binary data: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
-    "Control characters, and bytes that are not UTF-8, are shown as \\x and two digits. The JSON of events is one\n"
-    "object per line. The exit status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for an\n"
-    "invalid command line.\n\n"
+    "HEX consists of pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68.\n"
+    "A file or standard input contains the bytes themselves: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
+    "Control characters, and bytes that are not valid UTF-8, are printed as \\x and two digits. With --json, events\n"
+    "are printed as one object per line, and the content of a frame is limited to its first 10,000 bytes. The exit\n"
+    "status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for an invalid command line.\n\n"
     "Examples:\n"
     "  $ ostra-inspect frame 85 68 65 6C 6C 6F\n"
-    "  $ ostra-inspect frame --crc A1CD 8568656C6C6F\n"
-    "  $ xxd -r message.hex | ostra-inspect frame --skip 8 --content - > content.bin\n"
-    "  $ ostra-inspect service '{\"deviceId\":\"d1\",\"properties\":{\"2102\":\"{}\"}}'\n"
+    "  $ xxd -r message.hex | ostra-inspect frame --skip 8 --crc A1CD\n"
+    "  $ ostra-inspect frame --content frame.bin > content.bin\n"
+    "  $ ostra-inspect service '{\"deviceId\":\"d1\",\"serviceType\":4}'\n"
     "  $ ostra-inspect --json parcel parcel.bin\n"
     "  $ ostra-inspect events --failed --pid 4711 events.txt\n"
     "  $ tail -f events.txt | ostra-inspect events -";
 constexpr int EXIT_USAGE = 2;
-constexpr size_t MAX_CRC_DIGITS = 8;  // channel_pair sends a CRC as 4 bytes
+constexpr size_t MAX_JSON_CONTENT = 10000;  // bytes, to bound memory use
+constexpr size_t MAX_CRC_DIGITS = 8;        // channel_pair sends a CRC as 4 bytes
 
 struct Options {
     std::vector<std::string> arguments;
@@ -45,22 +46,22 @@ struct Options {
 };
 
 // Formats --help-all, the source of the manual page, with a heading for each subcommand.
-class PageFormatter : public CLI::Formatter {
+class HelpFormatter : public CLI::Formatter {
 public:
-    std::string make_expanded(const CLI::App *subject) const override
+    std::string make_expanded(const CLI::App *subcommand) const override
     {
-        std::string entries = make_positionals(subject) + make_groups(subject, CLI::AppFormatMode::Sub);
+        std::string entries = make_positionals(subcommand) + make_groups(subcommand, CLI::AppFormatMode::Sub);
         for (const char *heading : {"\nPositionals:", "\nOptions:"}) {
             entries = CLI::detail::find_and_replace(entries, heading, "");
         }
-        return "\n" + subject->get_name() + ":\n  " + subject->get_description() + "\n" + entries;
+        return "\n" + subcommand->get_name() + ":\n  " + subcommand->get_description() + "\n" + entries;
     }
 };
 
 // Prints the error on one line, even if a file name has control characters.
-int Fail(const std::string &error)
+int ReportError(const std::string &error)
 {
-    std::fprintf(stderr, "%s: %s\n", PROGRAM, Printable(error).c_str());
+    std::fprintf(stderr, "%s: %s\n", PROGRAM, Escape(error).c_str());
     return EXIT_FAILURE;
 }
 
@@ -70,28 +71,30 @@ int Fail(const std::string &error)
     std::_Exit(EXIT_FAILURE);
 }
 
-void AddInputs(CLI::App &app, Options &options)
+void AddSubcommands(CLI::App &app, Options &options)
 {
     const auto add = [&app](const char *name, const char *help, const char *kind, auto &input, const char *inputHelp) {
-        CLI::App *const subject = app.add_subcommand(name, help);
-        subject->add_option(kind, input, inputHelp)->option_text(" ");
+        CLI::App *const subcommand = app.add_subcommand(name, help);
+        subcommand->add_option(kind, input, inputHelp)->option_text(" ")->check([](const std::string &argument) {
+            return argument.empty() ? "empty argument" : "";
+        });
     };
-    constexpr char bytes[] = "the bytes, or a file that contains them; - is standard input";
-    constexpr char document[] =
-        "a file with the document, or the document itself if it starts with {; - is standard input";
+    constexpr char bytes[] = "the bytes, or a file that contains them; standard input if - or omitted";
+    constexpr char document[] = "the document, if it starts with {, or a file; standard input if - or omitted";
     add("frame", "a channel frame: header value, content, CRC-16", "HEX|FILE", options.arguments, bytes);
     add("service", "a device service document", "FILE", options.path, document);
     add("audio", "audio capabilities: a properties object with the member 2102", "FILE", options.path, document);
     add("device", "a device document with its version table", "FILE", options.path, document);
     add("parcel", "a map from integers to strings in a parcel", "HEX|FILE", options.arguments, bytes);
     add("events", "business-flow events, one per line, as OSTRA_HOST_EVENT_OUTPUT writes them", "FILE", options.path,
-        "a file with the events; - is standard input");
+        "a file with the events; standard input if - or omitted");
 }
 
 void AddOptions(CLI::App &app, Options &options)
 {
-    app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION);
-    app.set_help_all_flag("--help-all", "Print this help message with that of all subcommands and exit");
+    app.set_help_flag("-h,--help", "print this help and exit");
+    app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION, "print the version and exit");
+    app.set_help_all_flag("--help-all", "print the help of all subcommands and exit");
     app.add_flag("--json", options.events.isJson, "print JSON");
     CLI::App *const frame = app.get_subcommand("frame");
     frame->add_option("--skip", options.frame.skip, "skip the first N bytes; 8 for a message of channel_pair")
@@ -100,70 +103,75 @@ void AddOptions(CLI::App &app, Options &options)
     frame->add_option("--crc", options.frame.crc, "fail unless the CRC-16 of the frame is HEX")
         ->option_text("HEX")
         ->check([](const std::string &digits) {
-            const bool isHex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-            return isHex && !digits.empty() && digits.size() <= MAX_CRC_DIGITS ? "" : "not a CRC: " + digits;
+            const size_t begin = digits.rfind("0x", 0) == 0 ? 2 : 0;
+            const size_t count = digits.size() - begin;
+            const bool isHex = digits.find_first_not_of("0123456789abcdefABCDEF", begin) == std::string::npos;
+            return isHex && count > 0 && count <= MAX_CRC_DIGITS ? "" : "not a hexadecimal CRC: " + digits;
         });
-    frame->add_flag("--content", options.isContentOnly, "write only the raw content, to a pipe or file");
+    frame->add_flag("--content", options.isContentOnly, "write only the content, as raw bytes, to a pipe or file");
     CLI::App *const events = app.get_subcommand("events");
     events->add_flag("--failed", options.events.isFailedOnly, "show only failures");
     events->add_option("--pid", options.events.pid, "show only events of this process")->option_text("PID");
 }
 
-Finding Inspect(const std::string &subject, Options &options)
+Inspection Inspect(const std::string &subcommand, Options &options)
 {
-    if (subject == "frame") {
+    if (subcommand == "frame") {
         return InspectFrame(ReadBytes(options.arguments), options.frame);
     }
-    if (subject == "parcel") {
+    if (subcommand == "parcel") {
         return InspectParcel(ReadBytes(options.arguments));
     }
-    if (subject == "events") {
+    if (subcommand == "events") {
         PrintEvents(options.path, options.events);
         return {};
     }
     const std::string document = ReadDocument(options.path);
-    return subject == "service" ? InspectService(document)
-           : subject == "audio" ? InspectAudio(document)
-                                : InspectDevice(document);
+    return subcommand == "service" ? InspectService(document)
+           : subcommand == "audio" ? InspectAudio(document)
+                                   : InspectDevice(document);
 }
 
-void Print(const Finding &finding, const Options &options)
+void Print(const Inspection &inspection, const Options &options)
 {
-    cJSON *const report = finding.report.get();
+    cJSON *const report = inspection.report.get();
     if (options.isContentOnly) {
-        std::fwrite(finding.content.data(), 1, finding.content.size(), stdout);
+        std::fwrite(inspection.content.data(), 1, inspection.content.size(), stdout);
     } else if (!options.events.isJson) {
-        const char *const heading = finding.content.empty() ? "" : "content\n";
-        std::printf("%s%s%s", ToText(report).c_str(), heading, HexView(finding.content).c_str());
+        const char *const heading = inspection.content.empty() ? "" : "content\n";
+        std::printf("%s%s%s", ToText(report).c_str(), heading, HexDump(inspection.content).c_str());
     } else {
-        if (!finding.error.empty()) {
-            AddString(report, "error", finding.error);
+        if (!inspection.error.empty()) {
+            AddString(report, "error", inspection.error);
         }
         if (cJSON_HasObjectItem(report, "content_length") != 0) {
-            AddString(report, "content", ToHex(finding.content));
+            AddString(report, "content", ToHex(inspection.content.substr(0, MAX_JSON_CONTENT)));
+        }
+        if (inspection.content.size() > MAX_JSON_CONTENT) {
+            AddNumber(report, "content_omitted", static_cast<int64_t>(inspection.content.size() - MAX_JSON_CONTENT));
         }
         std::printf("%s\n", ToJson(report, true).c_str());
     }
 }
 
-int Run(const std::string &subject, Options &options)
+int Run(const std::string &subcommand, Options &options)
 {
-    Finding finding;
+    Inspection inspection;
     try {
         if (options.isContentOnly && isatty(STDOUT_FILENO) != 0) {
             throw InputError("--content writes binary data; redirect standard output to a file or pipe");
         }
-        finding = Inspect(subject, options);
+        inspection = Inspect(subcommand, options);
     } catch (const InputError &error) {
-        finding.error = error.what();
+        inspection.error = error.what();
     }
-    if (subject != "events") {
-        Print(finding, options);
+    if (subcommand != "events") {
+        Print(inspection, options);
     }
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        return Fail(std::string("standard output: ") + std::strerror(errno));
+        return ReportError(std::string("standard output: ") + std::strerror(errno));
     }
-    return finding.error.empty() ? EXIT_SUCCESS : Fail(finding.error);
+    return inspection.error.empty() ? EXIT_SUCCESS : ReportError(inspection.error);
 }
 
 }  // namespace
@@ -178,10 +186,10 @@ int main(int argc, char **argv)
     Options options;
     CLI::App app(DESCRIPTION, PROGRAM);
     app.footer(FOOTER);
-    app.formatter(std::make_shared<PageFormatter>());
+    app.formatter(std::make_shared<HelpFormatter>());
     app.require_subcommand(1);
     app.fallthrough();
-    AddInputs(app, options);
+    AddSubcommands(app, options);
     AddOptions(app, options);
     try {
         app.parse(argc, argv);
@@ -192,7 +200,7 @@ int main(int argc, char **argv)
         const std::vector<std::string> unknown = app.remaining();
         const std::string kind =
             unknown.empty() || unknown.front()[0] != '-' ? "unexpected argument " : "unknown option ";
-        Fail((unknown.empty() ? error.what() : kind + unknown.front()) + "; see --help");
+        ReportError((unknown.empty() ? error.what() : kind + unknown.front()) + "; see --help");
         return EXIT_USAGE;
     }
     return Run(app.get_subcommands().front()->get_name(), options);

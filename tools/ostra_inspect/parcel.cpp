@@ -12,32 +12,32 @@ using IntegerMap = std::map<int32_t, std::string>;
 
 namespace {
 
-// Adds what the library reads from a map whose only entry is this string.
-void AddEntry(List &entries, const std::string &text)
+// Adds what the library reads from a parcel with this entry alone.
+void AddEntry(List &entries, const std::string &entry)
 {
     MessageParcel parcel;
     IntegerMap map;
-    parcel.SetMaxCapacity(text.size() + parcel.GetMaxCapacity());
-    if (!parcel.WriteUint32(1) || !parcel.WriteString(text)) {
+    parcel.SetMaxCapacity(entry.size() + parcel.GetMaxCapacity());
+    if (!parcel.WriteUint32(1) || !parcel.WriteString(entry)) {
         throw InputError("out of memory");
     }
     IpcUtils::UnMarshalling(parcel, map);
-    const std::string reasons = TakeReasons();
-    cJSON *const entry = entries.AddObject();
+    const std::string messages = TakeLogMessages();
+    cJSON *const row = entries.AddObject();
     if (map.empty()) {
-        AddString(entry, "text", text);
-        AddString(entry, "skipped", reasons);
+        AddString(row, "entry", entry);
+        AddString(row, "skipped", messages);
         return;
     }
-    AddNumber(entry, "key", map.begin()->first);
-    AddString(entry, "value", map.begin()->second);
+    AddNumber(row, "key", map.begin()->first);
+    AddString(row, "value", map.begin()->second);
 }
 
 }  // namespace
 
-Finding InspectParcel(const std::string &bytes)
+Inspection InspectParcel(const std::string &bytes)
 {
-    Finding finding;
+    Inspection inspection;
     IntegerMap map;
     MessageParcel parcel;
     parcel.SetMaxCapacity(bytes.size() + parcel.GetMaxCapacity());
@@ -46,31 +46,31 @@ Finding InspectParcel(const std::string &bytes)
     }
     parcel.SetDataSize(bytes.size());  // without the padding
     const bool isRead = IpcUtils::UnMarshalling(parcel, map);
-    const std::string reasons = TakeReasons();
+    const std::string messages = TakeLogMessages();
 
     const size_t end = parcel.GetReadPosition();
     parcel.RewindRead(0);
     const uint32_t count = parcel.ReadUint32();
-    cJSON *const report = finding.report.get();
+    cJSON *const report = inspection.report.get();
     AddNumber(report, "bytes", static_cast<int64_t>(bytes.size()));
     AddNumber(report, "count", count);
     AddNumber(report, "accepted", static_cast<int64_t>(map.size()));
     size_t read = 0;
     List entries(report, "entries");
-    std::string text;
-    for (; read < count && parcel.GetReadPosition() < end && parcel.ReadString(text); ++read) {
-        AddEntry(entries, text);
+    std::string entry;
+    for (; read < count && parcel.GetReadPosition() < end && parcel.ReadString(entry); ++read) {
+        AddEntry(entries, entry);
     }
     if (!isRead) {
-        finding.error =
-            "rejected after " + std::to_string(read) + " of " + std::to_string(count) + " entries: " + reasons;
-        return finding;
+        inspection.error =
+            "rejected after " + std::to_string(read) + " of " + std::to_string(count) + " entries: " + messages;
+        return inspection;
     }
     List warnings(report, "warnings");
     if (bytes.size() < sizeof(count)) {
-        warnings.Add("truncated: less than the 4 bytes of a count is read as an empty map");
+        warnings.Add("truncated: an input shorter than the 4-byte count is read as an empty map");
     } else if (parcel.GetReadableBytes() > 0) {
-        warnings.Add(std::to_string(parcel.GetReadableBytes()) + " bytes follow the map");
+        warnings.Add("trailing bytes after the map: " + std::to_string(parcel.GetReadableBytes()));
     }
-    return finding;
+    return inspection;
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr char GAP[] = "  ";  // between columns, and before an indented row
+constexpr char COLUMN_SEPARATOR[] = "  ";  // also the indentation of a level
 
 struct Character {
     size_t length = 0;  // in bytes; 0 if the string does not begin with UTF-8
@@ -51,7 +51,7 @@ bool IsControl(char32_t value)
 // Escapes each byte that is not valid UTF-8, and the characters for which `isEscaped` is true, as \x and digits, or as
 // \u for JSON.
 template <typename Predicate>
-std::string Escaped(std::string_view text, Predicate isEscaped, bool isJson = false)
+std::string EscapeIf(std::string_view text, Predicate isEscaped, bool isJson = false)
 {
     std::string escaped;
     while (!text.empty()) {
@@ -71,18 +71,18 @@ std::string Escaped(std::string_view text, Predicate isEscaped, bool isJson = fa
     return escaped;
 }
 
-std::string ForJson(std::string_view text)
+std::string EscapeForJson(std::string_view text)
 {
-    return Escaped(text, [](char32_t character) { return character == 0; });
+    return EscapeIf(text, [](char32_t character) { return character == 0; });
 }
 
-std::string Print(const cJSON *value, bool isIndented)
+std::string PrintJson(const cJSON *value, bool isIndented)
 {
     const JsonString text(isIndented ? cJSON_Print(value) : cJSON_PrintUnformatted(value));
     return text == nullptr ? "" : text.get();
 }
 
-std::string Label(const cJSON *member)
+std::string FormatLabel(const cJSON *member)
 {
     std::string label = member->string;
     std::replace(label.begin(), label.end(), '_', ' ');
@@ -90,16 +90,16 @@ std::string Label(const cJSON *member)
 }
 
 // "key value  key value" on one line.
-std::string ElementRow(const cJSON *element)
+std::string FormatElement(const cJSON *element)
 {
     if (cJSON_IsObject(element) == 0) {
-        return Cell(element);
+        return FormatValue(element);
     }
     std::string row;
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, element)
     {
-        row += (row.empty() ? "" : GAP) + Label(member) + " " + Cell(member);
+        row += (row.empty() ? "" : COLUMN_SEPARATOR) + FormatLabel(member) + " " + FormatValue(member);
     }
     return row;
 }
@@ -115,26 +115,21 @@ void AppendRows(std::string &text, const cJSON *parent, const std::string &inden
     cJSON_ArrayForEach(member, parent)
     {
         if (member->string == nullptr) {
-            text += indent + ElementRow(member) + "\n";
+            text += indent + FormatElement(member) + "\n";
         } else if (cJSON_IsArray(member) == 0 && cJSON_IsObject(member) == 0) {
-            text += indent + Padded(Label(member), width) + GAP + Cell(member) + "\n";
+            text += indent + PadRight(FormatLabel(member), width) + COLUMN_SEPARATOR + FormatValue(member) + "\n";
         } else if (member->child != nullptr) {
-            text += indent + Label(member) + "\n";
-            AppendRows(text, member, indent + GAP);
+            text += indent + FormatLabel(member) + "\n";
+            AppendRows(text, member, indent + COLUMN_SEPARATOR);
         }
     }
 }
 
 }  // namespace
 
-JsonTree NewObject()
-{
-    return JsonTree(cJSON_CreateObject());
-}
-
 void AddString(cJSON *object, const char *key, std::string_view value)
 {
-    cJSON_AddStringToObject(object, key, ForJson(value).c_str());
+    cJSON_AddStringToObject(object, key, EscapeForJson(value).c_str());
 }
 
 void AddNumber(cJSON *object, const char *key, int64_t value)
@@ -168,7 +163,7 @@ List::~List()
 void List::Add(const std::string &value)
 {
     if (++size_ <= MAX_LISTED) {
-        cJSON_AddItemToArray(list_.get(), cJSON_CreateString(ForJson(value).c_str()));
+        cJSON_AddItemToArray(list_.get(), cJSON_CreateString(EscapeForJson(value).c_str()));
     }
 }
 
@@ -189,16 +184,16 @@ std::string ToText(const cJSON *report)
     return text;
 }
 
-std::string Cell(const cJSON *value)
+std::string FormatValue(const cJSON *value)
 {
     const char *const text = cJSON_GetStringValue(value);
     if (text != nullptr) {
-        return *text == '\0' ? "(empty)" : Printable(text);
+        return *text == '\0' ? "(empty)" : Escape(text);
     }
     if (value == nullptr || cJSON_IsNull(value) != 0) {
         return "not set";
     }
-    return cJSON_IsBool(value) != 0 ? (cJSON_IsTrue(value) != 0 ? "yes" : "no") : Print(value, false);
+    return cJSON_IsBool(value) != 0 ? (cJSON_IsTrue(value) != 0 ? "yes" : "no") : PrintJson(value, false);
 }
 
 std::string ToJson(const cJSON *report, bool isIndented)
@@ -207,15 +202,15 @@ std::string ToJson(const cJSON *report, bool isIndented)
     const auto isEscaped = [](char32_t character) {
         return character >= 0x20 && IsControl(character);
     };
-    return Escaped(Print(report, isIndented), isEscaped, true);
+    return EscapeIf(PrintJson(report, isIndented), isEscaped, true);
 }
 
-std::string Printable(std::string_view text)
+std::string Escape(std::string_view text)
 {
-    return Escaped(text, IsControl);
+    return EscapeIf(text, IsControl);
 }
 
-std::string Padded(std::string text, size_t width)
+std::string PadRight(std::string text, size_t width)
 {
     text.resize(std::max(text.size(), width), ' ');
     return text;

@@ -3,7 +3,7 @@
 // A report is a JSON object, printed as JSON or as human-readable rows. Strings from the input are escaped, so that
 // they cannot control a terminal or add rows.
 //
-//     JsonTree report = NewObject();
+//     JsonTree report(cJSON_CreateObject());
 //     AddString(report.get(), "header", "85");
 //     List warnings(report.get(), "warnings");
 //     warnings.Add("overlong encoding");
@@ -20,8 +20,6 @@
 
 using OHOS::DistributedHardware::OstraAdapter::JsonString;
 using OHOS::DistributedHardware::OstraAdapter::JsonTree;
-
-JsonTree NewObject();
 
 /// Adds a string. NUL and bytes that are not UTF-8 become \x and two digits.
 void AddString(cJSON *object, const char *key, std::string_view value);
@@ -57,17 +55,17 @@ private:
 std::string ToText(const cJSON *report);
 
 /// Formats one value of a row.
-std::string Cell(const cJSON *value);
+std::string FormatValue(const cJSON *value);
 
 /// Returns compact or indented JSON without a final newline.
 std::string ToJson(const cJSON *report, bool isIndented);
 
 /// Escapes control characters, characters that change the writing direction, and bytes that are not valid UTF-8 as \x
 /// and two digits for each byte.
-std::string Printable(std::string_view text);
+std::string Escape(std::string_view text);
 
 /// Returns `text` followed by spaces up to `width` bytes.
-std::string Padded(std::string text, size_t width);
+std::string PadRight(std::string text, size_t width);
 
 /// Returns upper-case hexadecimal digits: "85 68 65", or a number with at least `digits` of them.
 std::string ToHex(std::string_view bytes);

@@ -167,8 +167,8 @@ private:
             *--begin = digits[rest % base];
         }
         const int count = static_cast<int>(end - begin);
-        const int wanted = conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
-        int zeros = std::max(wanted - count, 0);
+        const int needed = conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
+        int zeros = std::max(needed - count, 0);
         if (conversion.Has('#') && conversion.type == 'o' && zeros == 0) {
             zeros = 1;
         }
@@ -309,19 +309,19 @@ private:
         std::snprintf(format, sizeof(format), "%%%s%s%s%s%s*.*%s%c", conversion.isLeft ? "-" : "",
                       conversion.Has('+') ? "+" : "", conversion.Has(' ') ? " " : "", conversion.Has('#') ? "#" : "",
                       conversion.Has('0') ? "0" : "", size, conversion.type);
-        const int wanted = std::snprintf(nullptr, 0, format, conversion.width, conversion.precision, value);
-        if (wanted < 0) {
+        const int needed = std::snprintf(nullptr, 0, format, conversion.width, conversion.precision, value);
+        if (needed < 0) {
             return false;
         }
-        // snprintf appends a null terminator. Restore the byte that it overwrites, which must be unchanged if the rest
-        // of the format is invalid.
-        const size_t length = std::min(static_cast<size_t>(wanted), Room());
-        char &behind = dest_[length_ + length];
-        const char kept = behind;
+        // snprintf appends a null terminator. Restore the byte that it overwrites: if the rest of the format is
+        // invalid, the bytes after the output must be unchanged.
+        const size_t length = std::min(static_cast<size_t>(needed), Room());
+        char &terminated = dest_[length_ + length];
+        const char saved = terminated;
         std::snprintf(dest_ + length_, length + 1, format, conversion.width, conversion.precision, value);
-        behind = kept;
+        terminated = saved;
         length_ += length;
-        isTruncated_ = length < static_cast<size_t>(wanted);
+        isTruncated_ = length < static_cast<size_t>(needed);
         return true;
     }
 

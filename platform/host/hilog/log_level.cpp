@@ -17,39 +17,39 @@
 namespace ostra::host {
 namespace {
 
-constexpr unsigned int FIRST_REFUSED_DOMAIN = 0xD0FFFFF;
-constexpr unsigned int LAST_APP_DOMAIN = 0xFFFF;
+constexpr unsigned int DOMAIN_LIMIT = 0xD0FFFFF;  // the first invalid domain
+constexpr unsigned int MAX_APP_DOMAIN = 0xFFFF;
 constexpr int LEVEL_OFF = LOG_LEVEL_MAX;
 constexpr int LEVEL_UNSET = LOG_LEVEL_MIN;
 constexpr char LEVEL_VARIABLE[] = "OSTRA_HOST_LOG_LEVEL";
-constexpr size_t KEY_SIZE = 128;  // exceeds the longest parameter name, so that a truncated name is invalid
+constexpr size_t KEY_SIZE = 128;  // longer than any valid parameter name, so that a truncated name is invalid
 
-// Returns the lowest level that is written to standard error.
-int ReadEnvironment()
+// Returns the minimum level that is written to standard error.
+int ParseLevelVariable()
 {
     static constexpr std::pair<std::string_view, int> levels[] = {{"debug", LOG_DEBUG}, {"info", LOG_INFO},
                                                                   {"warn", LOG_WARN},   {"error", LOG_ERROR},
                                                                   {"fatal", LOG_FATAL}, {"off", LEVEL_OFF}};
-    const char *wanted = std::getenv(LEVEL_VARIABLE);
-    if (wanted == nullptr) {
+    const char *value = std::getenv(LEVEL_VARIABLE);
+    if (value == nullptr) {
         return LEVEL_UNSET;
     }
     for (const auto &[name, level] : levels) {
-        if (name == wanted) {
+        if (name == value) {
             return level;
         }
     }
-    std::fprintf(stderr, "%s=%s is none of debug, info, warn, error, fatal, off; ignored\n", LEVEL_VARIABLE, wanted);
+    std::fprintf(stderr, "%s=%s is none of debug, info, warn, error, fatal, off; ignored\n", LEVEL_VARIABLE, value);
     return LEVEL_UNSET;
 }
 
-int LowestWritten()
+int MinWrittenLevel()
 {
-    static const int level = ReadEnvironment();
+    static const int level = ParseLevelVariable();
     return level;
 }
 
-// Returns the level in the parameter `name` or, if it has none, in "persist.sys." + `name`.
+// Returns the level that the parameter `name` sets or, if it sets none, the parameter "persist.sys." + `name`.
 int LevelOfParameter(const char *name, const char *fallback = "")
 {
     constexpr std::string_view letters = "DIWEFX";
@@ -57,7 +57,7 @@ int LevelOfParameter(const char *name, const char *fallback = "")
     for (const char *prefix : {"", "persist.sys."}) {
         char key[KEY_SIZE];
         std::snprintf(key, sizeof(key), "%s%s", prefix, name);
-        char value[2] = "";  // one letter: a longer value is not a level
+        char value[2] = "";  // one letter: GetParameter rejects longer values
         GetParameter(key, *prefix == '\0' ? "" : fallback, value, sizeof(value));
         if (const size_t at = letters.find(value); *value != '\0' && at != std::string_view::npos) {
             return LOG_DEBUG + static_cast<int>(at);
@@ -66,7 +66,7 @@ int LevelOfParameter(const char *name, const char *fallback = "")
     return LEVEL_UNSET;
 }
 
-int ReadLowestLevel(unsigned int domain, const char *tag)
+int ReadMinLevel(unsigned int domain, const char *tag)
 {
     char name[KEY_SIZE];
     std::snprintf(name, sizeof(name), "hilog.loggable.tag.%s", tag);
@@ -77,26 +77,26 @@ int ReadLowestLevel(unsigned int domain, const char *tag)
             level = LevelOfParameter(name);
         }
     }
-    // OSTRA_HOST_LOG_LEVEL=debug would be pointless if debug messages were not delivered.
-    const char *const standard = LowestWritten() == LOG_DEBUG ? "D" : "I";
-    return level != LEVEL_UNSET ? level : LevelOfParameter("hilog.loggable.global", standard);
+    // Without this default, OSTRA_HOST_LOG_LEVEL=debug would write no DEBUG messages.
+    const char *const globalDefault = MinWrittenLevel() == LOG_DEBUG ? "D" : "I";
+    return level != LEVEL_UNSET ? level : LevelOfParameter("hilog.loggable.global", globalDefault);
 }
 
-// Returns the minimum level according to the parameters. A thread mostly logs with one tag, so each thread caches the
-// last result.
-int LowestLevel(unsigned int domain, const char *tag)
+// Returns the minimum level according to the parameters. A thread mostly logs with one tag, so each thread caches
+// its last result.
+int MinParameterLevel(unsigned int domain, const char *tag)
 {
-    struct Remembered {
+    struct CacheEntry {
         uint64_t changes;
         unsigned int domain;
         char tag[32];
         int level;
     };
-    static thread_local Remembered last = {UINT64_MAX, 0, "", LEVEL_UNSET};
+    static thread_local CacheEntry last = {UINT64_MAX, 0, "", LEVEL_UNSET};
     const uint64_t changes = CountParameterChanges();
-    // A truncated tag never compares equal, and so is never served from the cache.
+    // A truncated tag never compares equal, so the cache is never used for it.
     if (last.changes != changes || last.domain != domain || std::strncmp(last.tag, tag, sizeof(last.tag)) != 0) {
-        last.level = ReadLowestLevel(domain, tag);
+        last.level = ReadMinLevel(domain, tag);
         last.changes = changes;
         last.domain = domain;
         std::snprintf(last.tag, sizeof(last.tag), "%s", tag);
@@ -108,22 +108,23 @@ int LowestLevel(unsigned int domain, const char *tag)
 constexpr int PREFERENCE_UNIT = 16;
 std::atomic<int> g_appLevel{UNSET_LOGLEVEL * PREFERENCE_UNIT};
 
-int LowestLoggable(unsigned int domain, const char *tag)
+int MinLoggableLevel(unsigned int domain, const char *tag)
 {
-    const int lowest = LowestLevel(domain, tag);
+    const int parameterLevel = MinParameterLevel(domain, tag);
     const int app = g_appLevel.load();
     const int appLevel = app % PREFERENCE_UNIT;
-    if (domain > LAST_APP_DOMAIN || app / PREFERENCE_UNIT == UNSET_LOGLEVEL) {
-        return lowest;
+    if (domain > MAX_APP_DOMAIN || app / PREFERENCE_UNIT == UNSET_LOGLEVEL) {
+        return parameterLevel;
     }
-    return app / PREFERENCE_UNIT == PREFER_CLOSE_LOG ? std::max(lowest, appLevel) : std::min(lowest, appLevel);
+    return app / PREFERENCE_UNIT == PREFER_CLOSE_LOG ? std::max(parameterLevel, appLevel)
+                                                     : std::min(parameterLevel, appLevel);
 }
 
 }  // namespace
 
 bool IsLevelWritten(LogLevel level)
 {
-    return level >= LowestWritten();
+    return level >= MinWrittenLevel();
 }
 
 }  // namespace ostra::host
@@ -132,10 +133,10 @@ using namespace ostra::host;
 
 bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level)
 {
-    if (tag == nullptr || level < LOG_DEBUG || level >= LOG_LEVEL_MAX || domain >= FIRST_REFUSED_DOMAIN) {
+    if (tag == nullptr || level < LOG_DEBUG || level >= LOG_LEVEL_MAX || domain >= DOMAIN_LIMIT) {
         return false;
     }
-    return level >= LowestLoggable(domain, tag);
+    return level >= MinLoggableLevel(domain, tag);
 }
 
 void HiLogSetAppLogLevel(LogLevel level, PreferStrategy prefer)

@@ -10,7 +10,7 @@
 
 namespace ostra::host {
 
-/// Returns whether OSTRA_HOST_LOG_LEVEL lets a delivered message of this level through to standard error. Thread-safe.
+/// Returns whether OSTRA_HOST_LOG_LEVEL allows messages of this level on standard error. Thread-safe.
 bool IsLevelWritten(LogLevel level);
 
 }  // namespace ostra::host

@@ -26,7 +26,7 @@ namespace {
 constexpr size_t MESSAGE_SIZE = 4096;
 constexpr size_t LINE_SIZE = MESSAGE_SIZE + 128;  // a message and its prefix
 constexpr size_t MAX_TAG_LENGTH = 31;
-constexpr unsigned int FIRST_SYSTEM_DOMAIN = 0xD000000;
+constexpr unsigned int MIN_SYSTEM_DOMAIN = 0xD000000;
 constexpr unsigned int DOMAIN_MASK = 0xFFFFF;
 
 std::atomic<LogCallback> g_callback{nullptr};
@@ -59,12 +59,12 @@ bool WriteLines(LogType type, LogLevel level, unsigned int domain, const char *t
         LevelLetter(level), TypeLetter(type), domain & DOMAIN_MASK, static_cast<int>(MAX_TAG_LENGTH), tag));
     bool isWritten = true;
     while (!message.empty()) {
-        const std::string_view text = message.substr(0, message.find('\n'));
-        message.remove_prefix(std::min(text.size() + 1, message.size()));
-        if (text.empty()) {
+        const std::string_view row = message.substr(0, message.find('\n'));
+        message.remove_prefix(std::min(row.size() + 1, message.size()));
+        if (row.empty()) {
             continue;
         }
-        char *const end = line + prefix + text.copy(line + prefix, sizeof(line) - prefix - 1);
+        char *const end = line + prefix + row.copy(line + prefix, sizeof(line) - prefix - 1);
         *end = '\n';
         const size_t size = static_cast<size_t>(end - line) + 1;
         isWritten = WriteOnce(STDERR_FILENO, {line, size}) == static_cast<ssize_t>(size) && isWritten;
@@ -75,10 +75,10 @@ bool WriteLines(LogType type, LogLevel level, unsigned int domain, const char *t
 // `fmt` may be null despite the format attribute of the public functions.
 int Print(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, va_list arguments)
 {
-    const int errorOfCaller = errno;  // reading the level may change it
-    const bool isRefused = type != LOG_APP && domain < FIRST_SYSTEM_DOMAIN;
-    if (isRefused || fmt == nullptr || !HiLogIsLoggable(domain, tag, level)) {
-        errno = errorOfCaller;
+    const int savedErrno = errno;  // checking the level may change it
+    const bool isInvalidDomain = type != LOG_APP && domain < MIN_SYSTEM_DOMAIN;
+    if (isInvalidDomain || fmt == nullptr || !HiLogIsLoggable(domain, tag, level)) {
+        errno = savedErrno;
         return -1;
     }
     char message[MESSAGE_SIZE];
@@ -90,9 +90,9 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char *tag, co
         callback(type, level, domain, tag, message);
     }
     const std::string_view text(message);
-    const bool isDone = !IsLevelWritten(level) || WriteLines(type, level, domain, tag, text);
-    errno = errorOfCaller;
-    return isDone ? static_cast<int>(std::min(std::strlen(tag), MAX_TAG_LENGTH) + 1 + text.size() + 1) : -1;
+    const bool isWritten = !IsLevelWritten(level) || WriteLines(type, level, domain, tag, text);
+    errno = savedErrno;
+    return isWritten ? static_cast<int>(std::min(std::strlen(tag), MAX_TAG_LENGTH) + 1 + text.size() + 1) : -1;
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ namespace {
 
 constexpr char OUTPUT_VARIABLE[] = "OSTRA_HOST_EVENT_OUTPUT";
 
-// The file, or standard error, to which the events of this process are appended, if one is configured.
+// The file or standard error stream to which this process appends its events, if one is configured.
 class EventOutput {
 public:
     static EventOutput &GetInstance()
@@ -35,10 +35,10 @@ public:
     bool Append(const std::string &json)
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        const std::string line = (isLineOpen_ ? "\n" : "") + json + "\n";
+        const std::string line = (isLineIncomplete_ ? "\n" : "") + json + "\n";
         const ssize_t written = WriteOnce(descriptor_, line);
         const bool isComplete = written == static_cast<ssize_t>(line.size());
-        isLineOpen_ = written > 0 ? !isComplete : isLineOpen_;
+        isLineIncomplete_ = written > 0 ? !isComplete : isLineIncomplete_;
         return isComplete;
     }
 
@@ -55,12 +55,12 @@ private:
     bool isConfigured_;
     int descriptor_ = -1;
     std::mutex mutex_;
-    bool isLineOpen_ = false;
+    bool isLineIncomplete_ = false;
 };
 
 }  // namespace
 
-bool IsEventWanted(const std::string &domain, const std::string &eventName, int type)
+bool HasRecipient(const std::string &domain, const std::string &eventName, int type)
 {
     return EventOutput::GetInstance().IsConfigured() || !FindListeners(domain, eventName, type).empty();
 }

@@ -20,7 +20,7 @@ using Listener = std::shared_ptr<OHOS::HiviewDFX::HiSysEventListener>;
 std::vector<Listener> FindListeners(const std::string &domain, const std::string &eventName, int type);
 
 /// Returns whether there is an output or a listener for such an event.
-bool IsEventWanted(const std::string &domain, const std::string &eventName, int type);
+bool HasRecipient(const std::string &domain, const std::string &eventName, int type);
 
 /// Appends an event to the configured output, if any, then passes it to its listeners. Returns false, without calling a
 /// listener, if the output cannot be written.

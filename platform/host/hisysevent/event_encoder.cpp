@@ -66,8 +66,8 @@ std::string FormatNumber(const EventScalar &scalar)
     if (scalar.kind == EventScalar::Kind::DOUBLE) {
         const char *shortest = std::to_chars(text, end, scalar.floating, std::chars_format::scientific).ptr;
         const char *exponent = std::find(static_cast<const char *>(text), shortest, 'e');
-        const auto needed = std::count_if(static_cast<const char *>(text), exponent, IsNameCharacter);
-        digits = std::max(static_cast<int>(needed), std::numeric_limits<double>::digits10);
+        const auto significant = std::count_if(static_cast<const char *>(text), exponent, IsNameCharacter);
+        digits = std::max(static_cast<int>(significant), std::numeric_limits<double>::digits10);
     }
     return {text, std::to_chars(text, end, scalar.floating, std::chars_format::general, digits).ptr};
 }
@@ -148,7 +148,7 @@ void EventEncoder::AddScalar(const EventScalar &scalar)
     size_ += NUMBER_SIZE;
 }
 
-// The platform also sends strings with their escapes, so the escapes count towards the size.
+// The platform sends strings escaped, so escapes count towards the size.
 void EventEncoder::AddString(std::string_view string)
 {
     AbortIfNull(string, "string");

@@ -12,9 +12,9 @@ namespace OHOS::HiviewDFX {
 namespace {
 
 constexpr int SUCCEEDED = 0;
-constexpr int NOT_JSON = -1;
-constexpr int NO_SUCH_KEY = -2;
-constexpr int OTHER_TYPE = -3;
+constexpr int NOT_AN_OBJECT = -1;
+constexpr int KEY_NOT_FOUND = -2;
+constexpr int WRONG_TYPE = -3;
 
 // The fields that the platform adds to an event, with their getters.
 #define PLATFORM_FIELDS(FIELD)                                   \
@@ -152,16 +152,16 @@ struct HiSysEventRecord::Content {
     int Get(const std::string &param, Value &value) const
     {
         if (!isObject) {
-            return NOT_JSON;
+            return NOT_AN_OBJECT;
         }
         const auto found =
             std::find_if(fields.begin(), fields.end(), [&](const Field &field) { return field.key == param; });
         if (found == fields.end()) {
-            return NO_SUCH_KEY;
+            return KEY_NOT_FOUND;
         }
         Value converted{};
         if (!Convert(*found, converted)) {
-            return OTHER_TYPE;
+            return WRONG_TYPE;
         }
         value = std::move(converted);
         return SUCCEEDED;
@@ -195,18 +195,18 @@ std::string HiSysEventRecord::AsJson() const
     }
 PLATFORM_FIELDS(GETTER)
 
-// Only the first field with a platform name is the platform's: a writer may use the same name for its own key.
+// Only the first field with a platform name is the platform's: an event may use the same name for its own key.
 void HiSysEventRecord::GetParamNames(std::vector<std::string> &params) const
 {
     params.clear();
 #define NAME(field, ...) field,
-    std::vector<std::string_view> platforms = {PLATFORM_FIELDS(NAME)};
+    std::vector<std::string_view> platformKeys = {PLATFORM_FIELDS(NAME)};
     for (const Field &field : content_->fields) {
-        const auto found = std::find(platforms.begin(), platforms.end(), field.key);
-        if (found == platforms.end()) {
+        const auto found = std::find(platformKeys.begin(), platformKeys.end(), field.key);
+        if (found == platformKeys.end()) {
             params.push_back(field.key);
         } else {
-            platforms.erase(found);
+            platformKeys.erase(found);
         }
     }
 }

@@ -16,7 +16,7 @@ using namespace OHOS::HiviewDFX;
 namespace ostra::host {
 namespace {
 
-// The events that could not be sent, oldest first. They are sent before the next one.
+// Events that could not be sent, oldest first. They are sent before the next event.
 class Backlog {
 public:
     static Backlog &GetInstance()
@@ -25,12 +25,12 @@ public:
         return instance;
     }
 
-    void Keep(Event event)
+    void Add(Event event)
     {
-        constexpr size_t limit = 100;
+        constexpr size_t maxEvents = 100;
         const std::lock_guard<std::mutex> lock(mutex_);
         events_.push_back(std::move(event));
-        if (events_.size() > limit) {
+        if (events_.size() > maxEvents) {
             events_.pop_front();
         }
     }
@@ -85,7 +85,7 @@ int WriteEvent(const EventCallSite &site, const std::string &domain, const std::
     if (encoder.IsOverSize()) {
         return ERR_OVER_SIZE;
     }
-    if (!IsEventWanted(domain, eventName, type)) {
+    if (!HasRecipient(domain, eventName, type)) {
         return encoder.Warning();
     }
     auto event = std::make_shared<HiSysEventRecord>(encoder.Json());
@@ -93,7 +93,7 @@ int WriteEvent(const EventCallSite &site, const std::string &domain, const std::
         return ERR_RAW_DATA_WROTE_EXCEPTION;
     }
     if (!Backlog::GetInstance().SendAll() || !SendEvent(event)) {
-        Backlog::GetInstance().Keep(std::move(event));
+        Backlog::GetInstance().Add(std::move(event));
         return ERR_SEND_FAIL;
     }
     return encoder.Warning();

@@ -12,13 +12,13 @@ namespace OHOS::HiviewDFX {
 namespace {
 
 constexpr int32_t NULL_LISTENER = -1;
-constexpr int32_t WRONG_STATE = -2;
-constexpr int32_t RULE_NOT_OFFERED = -3;
+constexpr int32_t INVALID_STATE = -2;
+constexpr int32_t UNSUPPORTED_RULE = -3;
 
 // An empty name in a rule matches every name.
-bool IsMatch(const std::string &wanted, const std::string &name)
+bool IsMatch(const std::string &pattern, const std::string &name)
 {
-    return wanted.empty() || wanted == name;
+    return pattern.empty() || pattern == name;
 }
 
 struct Entry {
@@ -60,12 +60,12 @@ int32_t HiSysEventManager::AddListener(std::shared_ptr<HiSysEventListener> liste
     }
     if (!std::all_of(rules.begin(), rules.end(),
                      [](const ListenerRule &rule) { return rule.GetRuleType() == RuleType::WHOLE_WORD; })) {
-        return RULE_NOT_OFFERED;
+        return UNSUPPORTED_RULE;
     }
     Registry &registry = ProcessRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
     if (registry.Find(listener) != registry.entries.end()) {
-        return WRONG_STATE;
+        return INVALID_STATE;
     }
     registry.entries.push_back({std::move(listener), rules});
     return 0;
@@ -80,7 +80,7 @@ int32_t HiSysEventManager::RemoveListener(std::shared_ptr<HiSysEventListener> li
     const std::lock_guard<std::mutex> lock(registry.mutex);
     const auto found = registry.Find(listener);
     if (found == registry.entries.end()) {
-        return WRONG_STATE;
+        return INVALID_STATE;
     }
     registry.entries.erase(found);
     return 0;

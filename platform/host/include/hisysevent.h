@@ -27,12 +27,14 @@
 
 /// A call site may write HISYSEVENT_THRESHOLD events in HISYSEVENT_PERIOD seconds. A source file may define its own
 /// values before it includes this header.
+/// \{
 #ifndef HISYSEVENT_PERIOD
 #define HISYSEVENT_PERIOD 5
 #endif
 #ifndef HISYSEVENT_THRESHOLD
 #define HISYSEVENT_THRESHOLD 100
 #endif
+/// \}
 
 /// Calls HiSysEvent::Write for this call site and returns its result. The domain is a constexpr character array.
 #define HiSysEventWrite(domain, ...) OHOS::HiviewDFX::HiSysEvent::Write<domain>(__FUNCTION__, __LINE__, __VA_ARGS__)

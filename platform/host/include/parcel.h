@@ -27,40 +27,22 @@
 
 namespace OHOS {
 
-/// Allocates the buffer of a parcel.
-class Allocator {
-public:
-    virtual ~Allocator() = default;
-    virtual void *Realloc(void *data, size_t newSize) = 0;
-    virtual void *Alloc(size_t size) = 0;
-    virtual void Dealloc(void *data) = 0;
-};
-
-/// Uses malloc, realloc and free.
-class DefaultAllocator : public Allocator {
-public:
-    void *Realloc(void *data, size_t newSize) override;
-    void *Alloc(size_t size) override;
-    void Dealloc(void *data) override;
-};
-
 /// A buffer of values with a write position and a read position.
 class Parcel {
 public:
     Parcel();
-    explicit Parcel(Allocator *allocator);  // owns the allocator; null selects the default one
     virtual ~Parcel();
     Parcel(const Parcel &) = delete;
     Parcel &operator=(const Parcel &) = delete;
 
-    /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4;
-    /// reading uses the low-order bytes. ReadBool returns true for any value but 0.
-    /// \{
     // NOLINTBEGIN(bugprone-macro-parentheses): types cannot be put in parentheses
 #define HOST_PARCEL_SCALAR(Name, Type) \
     bool Write##Name(Type value);      \
     Type Read##Name();                 \
     bool Read##Name(Type &value);
+    /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4;
+    /// reading uses the low-order bytes. ReadBool returns true for any value but 0.
+    /// \{
     HOST_PARCEL_SCALAR(Bool, bool)
     HOST_PARCEL_SCALAR(Int8, int8_t)
     HOST_PARCEL_SCALAR(Int16, int16_t)
@@ -72,9 +54,9 @@ public:
     HOST_PARCEL_SCALAR(Uint64, uint64_t)
     HOST_PARCEL_SCALAR(Float, float)
     HOST_PARCEL_SCALAR(Double, double)
+    /// \}
 #undef HOST_PARCEL_SCALAR
     // NOLINTEND(bugprone-macro-parentheses)
-    /// \}
 
     /// An address of this process, in 8 bytes.
     /// \{
@@ -130,14 +112,14 @@ public:
     const uint8_t *ReadUnpadBuffer(size_t length);
     /// \}
 
+#define HOST_PARCEL_VECTOR(Name, Type)                         \
+    bool Write##Name##Vector(const std::vector<Type> &values); \
+    bool Read##Name##Vector(std::vector<Type> *values);
     /// Vectors: the count as a signed 32-bit value, then the elements as above; 8-bit and UInt16 elements are packed
     /// and padded as a whole. Reading returns false, with the count consumed and the vector unchanged, if the
     /// count is negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read
     /// are empty.
     /// \{
-#define HOST_PARCEL_VECTOR(Name, Type)                         \
-    bool Write##Name##Vector(const std::vector<Type> &values); \
-    bool Read##Name##Vector(std::vector<Type> *values);
     HOST_PARCEL_VECTOR(Bool, bool)
     HOST_PARCEL_VECTOR(Int8, int8_t)
     HOST_PARCEL_VECTOR(Int16, int16_t)
@@ -151,8 +133,8 @@ public:
     HOST_PARCEL_VECTOR(Double, double)
     HOST_PARCEL_VECTOR(String, std::string)
     HOST_PARCEL_VECTOR(String16, std::u16string)
-#undef HOST_PARCEL_VECTOR
     /// \}
+#undef HOST_PARCEL_VECTOR
 
     /// Sizes in bytes: the data; the data after the read position; the free space before the buffer must grow; the
     /// buffer; the size to which writes may grow it (204800 by default). GetData returns the address of the data.
@@ -163,7 +145,6 @@ public:
     size_t GetWritableBytes() const;
     size_t GetDataCapacity() const;
     size_t GetMaxCapacity() const;
-    size_t GetOffsetsSize() const;  // of objects: always 0
     size_t GetReadPosition();
     size_t GetWritePosition();
     /// \}
@@ -189,13 +170,8 @@ public:
     /// Frees the buffer. After ParseFrom the parcel remains read-only.
     void FlushBuffer();
 
-    /// Replaces the allocator and takes ownership of the new one. Returns false for null and while the parcel has a
-    /// buffer.
-    bool SetAllocator(Allocator *allocator);
-
-    /// Takes ownership of a buffer of any size that the allocator of the parcel can free (by default one from malloc).
-    /// The parcel is read-only afterwards. Returns false, without taking ownership, if the parcel has a buffer already,
-    /// or for a null buffer with a size.
+    /// Takes ownership of a buffer of any size that was allocated with malloc. The parcel is read-only afterwards.
+    /// Returns false, without taking ownership, if the parcel has a buffer already, or for a null buffer with a size.
     bool ParseFrom(uintptr_t data, size_t size);
 
 private:
@@ -220,8 +196,7 @@ private:
     template <typename T>
     bool ReadPacked(std::vector<T> *values);
 
-    std::unique_ptr<Allocator> allocator_;
-    uint8_t *data_ = nullptr;
+    std::unique_ptr<uint8_t, void (*)(void *)> data_;
     size_t dataSize_ = 0;
     size_t dataCapacity_ = 0;
     size_t maxCapacity_;

@@ -38,7 +38,7 @@ enum class QosLevel {
 /// Set the level of the calling thread or another thread of this process.
 ///
 /// Return 0, or -1 without a change if the level is outside 0 to 6, the process has no such thread, or the kernel
-/// refuses.
+/// rejects the request.
 /// \{
 int SetThreadQos(enum QosLevel level);
 int SetQosForOtherThread(enum QosLevel level, int tid);
@@ -46,7 +46,7 @@ int SetQosForOtherThread(enum QosLevel level, int tid);
 
 /// Remove the level of a thread, if any: the thread is then scheduled as the process was at its start.
 ///
-/// Return 0, or -1 without a change if the process has no such thread or the kernel refuses.
+/// Return 0, or -1 without a change if the process has no such thread or the kernel rejects the request.
 /// \{
 int ResetThreadQos();
 int ResetQosForOtherThread(int tid);

@@ -1,23 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 /// \file
-/// The platform's reference-counted pointers. An object of a class that derives from RefBase holds its own count: an
-/// sptr keeps the object alive; a wptr does not, but can be promoted while the object lives.
+/// The platform's reference-counted pointer. An object of a class that derives from RefBase contains its own reference
+/// count, and is deleted when the last sptr that points to it is destroyed.
 ///
 ///     class Listener : public RefBase { ... };
-///     sptr<Listener> listener = new Listener();              // or sptr<Listener>::MakeSptr()
-///     sptr<Listener> same = listener.GetRefPtr();            // shares the count
-///     wptr<Listener> watched = listener;
-///     if (sptr<Listener> alive = watched.promote()) { ... }  // null once the last sptr is gone
+///     sptr<Listener> listener = new Listener();    // or sptr<Listener>::MakeSptr()
+///     sptr<Listener> same = listener.GetRefPtr();  // shares the count
 ///
-/// The counts are thread-safe. A pointer object is not: callers must synchronize access to it. It is undefined behavior
-/// to delete an object that an sptr owns, or to own it with a std::shared_ptr as well.
+/// The count is thread-safe. An sptr is not: callers must synchronize access to it. It is undefined behavior to delete
+/// an object that an sptr owns, or to own it with a std::shared_ptr as well.
 
 #ifndef HOST_REFBASE_H
 #define HOST_REFBASE_H
 
 #include <atomic>
-#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -35,20 +32,11 @@ public:
     void IncStrongRef(const void *owner);
     void DecStrongRef(const void *owner);
 
-    /// Returns the current strong count, 0 before the first sptr.
+    /// Returns the current count, 0 before the first sptr.
     int GetSptrRefCount();
 
 private:
-    template <typename T>
-    friend class wptr;
-
-    using Count = std::atomic<int>;
-
-    /// Increments the count. Returns false if it is null or its object is destroyed.
-    static bool Promote(Count *strong);
-
-    /// Shared with the weak pointers, and therefore outlives the object.
-    std::shared_ptr<Count> strong_ = std::make_shared<Count>(0);
+    std::atomic<int> count_{0};
 };
 
 /// A strong pointer, which keeps its object alive.
@@ -116,35 +104,6 @@ public:
 
 private:
     T *object_ = nullptr;
-};
-
-/// A weak pointer, which does not keep its object alive.
-template <typename T>
-class wptr {
-public:
-    wptr() = default;
-    wptr(T *object) : object_(object), strong_(object == nullptr ? nullptr : object->RefBase::strong_)
-    {
-    }
-    template <typename Derived>
-    wptr(const sptr<Derived> &object) : wptr(static_cast<T *>(object.GetRefPtr()))
-    {
-    }
-
-    /// Returns a strong pointer to the object, or null if there is none or it is destroyed.
-    sptr<T> promote() const
-    {
-        if (!RefBase::Promote(strong_.get())) {
-            return nullptr;
-        }
-        const sptr<T> object(object_);
-        object_->DecStrongRef(this);  // undoes Promote: `object` holds a reference now
-        return object;
-    }
-
-private:
-    T *object_ = nullptr;
-    std::shared_ptr<RefBase::Count> strong_;
 };
 
 }  // namespace OHOS

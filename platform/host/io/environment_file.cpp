@@ -13,7 +13,7 @@
 namespace ostra::host {
 namespace {
 
-const char *ReasonToRefuse(int descriptor)
+const char *RejectionReason(int descriptor)
 {
     struct stat status {};
     if (fstat(descriptor, &status) != 0) {
@@ -28,7 +28,7 @@ int OpenEnvironmentFile(const char *variable, const char *path, int flags)
 {
     constexpr mode_t mode = 0644;
     const int descriptor = open(path, flags | O_CLOEXEC | O_NONBLOCK, mode);
-    const char *reason = descriptor < 0 ? std::strerror(errno) : ReasonToRefuse(descriptor);
+    const char *reason = descriptor < 0 ? std::strerror(errno) : RejectionReason(descriptor);
     if (reason == nullptr) {
         return descriptor;
     }

@@ -7,7 +7,7 @@
 
 namespace ostra::host {
 
-/// Opens `path`, the value of `variable`, with the flags of open(). Never blocks: directories and FIFOs are refused.
+/// Opens `path`, the value of `variable`, with the flags of open(). Never blocks: directories and FIFOs are rejected.
 /// Returns the descriptor, or -1 after printing the reason to standard error.
 int OpenEnvironmentFile(const char *variable, const char *path, int flags);
 

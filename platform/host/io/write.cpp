@@ -11,8 +11,8 @@
 namespace ostra::host {
 namespace {
 
-// Blocks SIGPIPE in the calling thread, and on destruction discards one that arrived in the meantime. The disposition
-// of the signal belongs to the program and is unchanged.
+// Blocks SIGPIPE in the calling thread. The destructor discards a SIGPIPE that the write raised and restores the mask.
+// Leaves the disposition of the signal, which belongs to the program, unchanged.
 class BrokenPipeGuard {
 public:
     BrokenPipeGuard()
@@ -27,13 +27,13 @@ public:
 
     ~BrokenPipeGuard()
     {
-        const int errorOfWrite = errno;
-        constexpr timespec atOnce{};
-        if (errorOfWrite == EPIPE && !wasPending_) {
-            sigtimedwait(&brokenPipe_, nullptr, &atOnce);
+        const int savedErrno = errno;
+        constexpr timespec noWait{};
+        if (savedErrno == EPIPE && !wasPending_) {
+            sigtimedwait(&brokenPipe_, nullptr, &noWait);
         }
         pthread_sigmask(SIG_SETMASK, &mask_, nullptr);
-        errno = errorOfWrite;
+        errno = savedErrno;
     }
 
     BrokenPipeGuard(const BrokenPipeGuard &) = delete;

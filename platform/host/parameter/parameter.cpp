@@ -28,34 +28,34 @@ namespace {
 
 std::atomic<uint64_t> g_changes{0};
 
-constexpr int BAD_ARGUMENT = -9;
+constexpr int INVALID_ARGUMENT = -9;
 constexpr int FAILED = -1;
 constexpr size_t MAX_NAME_LENGTH = 96;
 constexpr size_t MAX_VALUE_LENGTH = 96;
 constexpr char LIST_VARIABLE[] = "OSTRA_HOST_PARAMETERS";
 constexpr char FILE_VARIABLE[] = "OSTRA_HOST_PARAMETER_FILE";
 constexpr char LIST_SEPARATOR = ';';
-constexpr char COMMENT_MARK = '#';
+constexpr char COMMENT_PREFIX = '#';
 
-bool IsNameCharacter(char character)
+bool IsValidInName(char character)
 {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
            (character >= '0' && character <= '9') || character == '_' || character == '.';
 }
 
-bool IsName(std::string_view name)
+bool IsValidName(std::string_view name)
 {
-    return !name.empty() && name.size() <= MAX_NAME_LENGTH && std::all_of(name.begin(), name.end(), IsNameCharacter);
+    return !name.empty() && name.size() <= MAX_NAME_LENGTH && std::all_of(name.begin(), name.end(), IsValidInName);
 }
 
-std::string_view Trim(std::string_view text)
+std::string_view Trim(std::string_view line)
 {
-    constexpr char blanks[] = " \t\r";
-    const size_t begin = text.find_first_not_of(blanks);
+    constexpr char whitespace[] = " \t\r";
+    const size_t begin = line.find_first_not_of(whitespace);
     if (begin == std::string_view::npos) {
         return {};
     }
-    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+    return line.substr(begin, line.find_last_not_of(whitespace) + 1 - begin);
 }
 
 // Reads the file that OSTRA_HOST_PARAMETER_FILE names. On error, reports it and returns what was read so far.
@@ -65,17 +65,17 @@ std::string ReadFile(const char *path)
     if (descriptor < 0) {
         return "";
     }
-    std::string text;
-    std::array<char, 4096> piece{};
+    std::string content;
+    std::array<char, 4096> buffer{};
     ssize_t count = 0;
-    while ((count = read(descriptor, piece.data(), piece.size())) > 0) {
-        text.append(piece.data(), static_cast<size_t>(count));
+    while ((count = read(descriptor, buffer.data(), buffer.size())) > 0) {
+        content.append(buffer.data(), static_cast<size_t>(count));
     }
     if (count < 0) {
         std::fprintf(stderr, "%s=%s cannot be read: %s\n", FILE_VARIABLE, path, std::strerror(errno));
     }
     close(descriptor);
-    return text;
+    return content;
 }
 
 class ParameterStore {
@@ -95,7 +95,7 @@ public:
 
     bool Set(std::string_view name, std::string_view value)
     {
-        if (!IsName(name) || value.size() > MAX_VALUE_LENGTH) {
+        if (!IsValidName(name) || value.size() > MAX_VALUE_LENGTH) {
             return false;
         }
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -108,20 +108,20 @@ private:
     ParameterStore()
     {
         if (const char *path = std::getenv(FILE_VARIABLE)) {
-            Fill(ReadFile(path), '\n', FILE_VARIABLE);
+            SetEntries(ReadFile(path), '\n', FILE_VARIABLE);
         }
         if (const char *list = std::getenv(LIST_VARIABLE)) {
-            Fill(list, LIST_SEPARATOR, LIST_VARIABLE);
+            SetEntries(list, LIST_SEPARATOR, LIST_VARIABLE);
         }
     }
 
-    void Fill(const std::string &text, char separator, const char *source)
+    void SetEntries(const std::string &content, char separator, const char *source)
     {
-        std::istringstream entries(text);
+        std::istringstream entries(content);
         std::string line;
         while (std::getline(entries, line, separator)) {
             const std::string_view entry = Trim(line);
-            if (entry.empty() || entry.front() == COMMENT_MARK) {
+            if (entry.empty() || entry.front() == COMMENT_PREFIX) {
                 continue;
             }
             const size_t equals = entry.find('=');
@@ -149,28 +149,28 @@ using namespace ostra::host;
 int GetParameter(const char *key, const char *def, char *value, uint32_t len)
 {
     if (key == nullptr || value == nullptr) {
-        return BAD_ARGUMENT;
+        return INVALID_ARGUMENT;
     }
-    if (!IsName(key)) {
+    if (!IsValidName(key)) {
         return FAILED;
     }
     const std::optional<std::string> stored = ParameterStore::GetInstance().Get(key);
     if (!stored.has_value() && def == nullptr) {
         return FAILED;
     }
-    const std::string_view text = stored.has_value() ? std::string_view(*stored) : std::string_view(def);
-    if (text.size() >= len) {
-        return BAD_ARGUMENT;
+    const std::string_view result = stored.has_value() ? std::string_view(*stored) : std::string_view(def);
+    if (result.size() >= len) {
+        return INVALID_ARGUMENT;
     }
-    std::memcpy(value, text.data(), text.size());
-    value[text.size()] = '\0';
-    return static_cast<int>(text.size());
+    std::memcpy(value, result.data(), result.size());
+    value[result.size()] = '\0';
+    return static_cast<int>(result.size());
 }
 
 int SetParameter(const char *key, const char *value)
 {
     if (key == nullptr || value == nullptr) {
-        return BAD_ARGUMENT;
+        return INVALID_ARGUMENT;
     }
-    return ParameterStore::GetInstance().Set(key, value) ? 0 : BAD_ARGUMENT;
+    return ParameterStore::GetInstance().Set(key, value) ? 0 : INVALID_ARGUMENT;
 }

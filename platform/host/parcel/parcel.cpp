@@ -16,7 +16,7 @@ namespace {
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values in a parcel have the byte order of memory");
 
 constexpr size_t DEFAULT_MAX_CAPACITY = 204800;
-constexpr size_t FIRST_CAPACITY = 64;
+constexpr size_t INITIAL_CAPACITY = 64;
 constexpr size_t CAPACITY_STEP = 4096;      // the capacity doubles up to this
 constexpr size_t MAX_BYTES = SIZE_MAX / 2;  // so that the sum of two sizes does not overflow
 
@@ -25,10 +25,10 @@ constexpr size_t MAX_BYTES = SIZE_MAX / 2;  // so that the sum of two sizes does
 size_t CapacityFor(size_t size, size_t max)
 {
     if (size > CAPACITY_STEP) {
-        const size_t whole = size / CAPACITY_STEP * CAPACITY_STEP;
-        return whole > max - CAPACITY_STEP ? max : whole + CAPACITY_STEP;
+        const size_t rounded = size / CAPACITY_STEP * CAPACITY_STEP;
+        return rounded > max - CAPACITY_STEP ? max : rounded + CAPACITY_STEP;
     }
-    size_t capacity = FIRST_CAPACITY;
+    size_t capacity = INITIAL_CAPACITY;
     while (capacity < size) {
         capacity *= 2;
     }
@@ -51,34 +51,11 @@ void Copy(void *to, const void *from, size_t size)
 
 }  // namespace
 
-void *DefaultAllocator::Realloc(void *data, size_t newSize)
-{
-    return std::realloc(data, newSize);
-}
-
-void *DefaultAllocator::Alloc(size_t size)
-{
-    return std::malloc(size);
-}
-
-void DefaultAllocator::Dealloc(void *data)
-{
-    std::free(data);
-}
-
-Parcel::Parcel() : Parcel(nullptr)
+Parcel::Parcel() : data_(nullptr, &std::free), maxCapacity_(DEFAULT_MAX_CAPACITY)
 {
 }
 
-Parcel::Parcel(Allocator *allocator)
-    : allocator_(allocator == nullptr ? new DefaultAllocator : allocator), maxCapacity_(DEFAULT_MAX_CAPACITY)
-{
-}
-
-Parcel::~Parcel()
-{
-    FlushBuffer();
-}
+Parcel::~Parcel() = default;
 
 size_t Parcel::GetDataSize() const
 {
@@ -87,7 +64,7 @@ size_t Parcel::GetDataSize() const
 
 uintptr_t Parcel::GetData() const
 {
-    return reinterpret_cast<uintptr_t>(data_);
+    return reinterpret_cast<uintptr_t>(data_.get());
 }
 
 size_t Parcel::GetReadableBytes() const
@@ -110,11 +87,6 @@ size_t Parcel::GetMaxCapacity() const
     return maxCapacity_;
 }
 
-size_t Parcel::GetOffsetsSize() const
-{
-    return 0;
-}
-
 // NOLINTBEGIN(readability-make-member-function-const): as the platform declares them
 size_t Parcel::GetReadPosition()
 {
@@ -132,11 +104,12 @@ bool Parcel::SetDataCapacity(size_t newCapacity)
     if (newCapacity <= dataSize_) {
         return false;
     }
-    void *data = data_ == nullptr ? allocator_->Alloc(newCapacity) : allocator_->Realloc(data_, newCapacity);
+    void *const data = std::realloc(data_.get(), newCapacity);
     if (data == nullptr) {
         return false;
     }
-    data_ = static_cast<uint8_t *>(data);
+    static_cast<void>(data_.release());  // realloc has freed it
+    data_.reset(static_cast<uint8_t *>(data));
     dataCapacity_ = newCapacity;
     return true;
 }
@@ -185,25 +158,11 @@ void Parcel::SkipBytes(size_t bytes)
 
 void Parcel::FlushBuffer()
 {
-    if (data_ != nullptr) {
-        allocator_->Dealloc(data_);
-    }
-    data_ = nullptr;
+    data_.reset();
     dataSize_ = 0;
     dataCapacity_ = 0;
     readPosition_ = 0;
     writePosition_ = 0;
-}
-
-bool Parcel::SetAllocator(Allocator *allocator)
-{
-    if (allocator == nullptr || data_ != nullptr) {
-        return false;
-    }
-    if (allocator != allocator_.get()) {
-        allocator_.reset(allocator);
-    }
-    return true;
 }
 
 bool Parcel::ParseFrom(uintptr_t data, size_t size)
@@ -211,7 +170,8 @@ bool Parcel::ParseFrom(uintptr_t data, size_t size)
     if (data_ != nullptr || (data == 0 && size > 0)) {
         return false;
     }
-    data_ = reinterpret_cast<uint8_t *>(data);  // NOLINT(performance-no-int-to-ptr): the platform passes an integer
+    auto *const buffer = reinterpret_cast<uint8_t *>(data);  // NOLINT(performance-no-int-to-ptr): the platform's type
+    data_.reset(buffer);
     dataSize_ = size;
     dataCapacity_ = size;
     isWritable_ = false;
@@ -256,7 +216,7 @@ const uint8_t *Parcel::ReadUnpadBuffer(size_t length)
     return bytes;
 }
 
-// Adds room for `size` bytes at the write position, padded with zeros. Returns null if they do not fit.
+// Makes space for `size` bytes at the write position, padded with zeros. Returns null if they do not fit.
 uint8_t *Parcel::Append(size_t size)
 {
     if (!isWritable_ || size > MAX_BYTES) {
@@ -266,7 +226,7 @@ uint8_t *Parcel::Append(size_t size)
     if (end > dataCapacity_ && (end > maxCapacity_ || !SetDataCapacity(CapacityFor(end, maxCapacity_)))) {
         return nullptr;
     }
-    uint8_t *bytes = data_ + writePosition_;
+    uint8_t *bytes = data_.get() + writePosition_;
     std::memset(bytes + size, 0, PaddedSize(size) - size);
     writePosition_ = end;
     dataSize_ = std::max(dataSize_, end);
@@ -279,7 +239,7 @@ const uint8_t *Parcel::Take(size_t size)
     if (size > GetReadableBytes()) {
         return nullptr;
     }
-    const uint8_t *bytes = data_ + readPosition_;
+    const uint8_t *bytes = data_.get() + readPosition_;
     readPosition_ += size;
     return bytes;
 }
@@ -333,15 +293,15 @@ bool Parcel::ReadChars(std::basic_string<Unit> &value, int32_t &length)
 {
     value.clear();
     const size_t begin = readPosition_;
-    int32_t announced = 0;
-    if (!ReadInt32(announced)) {
+    int32_t storedLength = 0;
+    if (!ReadInt32(storedLength)) {
         return false;
     }
-    if (announced < 0 || announced == INT32_MAX) {
-        length = announced;
+    if (storedLength < 0 || storedLength == INT32_MAX) {
+        length = storedLength;
         return false;
     }
-    const auto count = static_cast<size_t>(announced);
+    const auto count = static_cast<size_t>(storedLength);
     const size_t size = (count + 1) * sizeof(Unit);
     const Unit terminator = 0;
     const uint8_t *bytes = Take(size);
@@ -352,7 +312,7 @@ bool Parcel::ReadChars(std::basic_string<Unit> &value, int32_t &length)
     value.resize(count);
     Copy(value.data(), bytes, count * sizeof(Unit));
     SkipBytes(PaddedSize(size) - size);
-    length = announced;
+    length = storedLength;
     return true;
 }
 
@@ -364,9 +324,9 @@ bool Parcel::WriteCount(size_t count)
 // Returns false if the count is negative, or `count` elements of at least `storedSize` bytes each cannot follow.
 bool Parcel::ReadCount(size_t storedSize, size_t &count)
 {
-    const int32_t announced = ReadInt32();
-    count = static_cast<size_t>(announced);
-    return announced >= 0 && count <= GetReadableBytes() / storedSize;
+    const int32_t storedCount = ReadInt32();
+    count = static_cast<size_t>(storedCount);
+    return storedCount >= 0 && count <= GetReadableBytes() / storedSize;
 }
 
 template <typename T, typename Argument>
@@ -491,7 +451,7 @@ bool Parcel::WriteCString(const char *value)
 const char *Parcel::ReadCString()
 {
     const size_t readable = GetReadableBytes();
-    const auto *chars = reinterpret_cast<const char *>(data_ + readPosition_);
+    const auto *chars = reinterpret_cast<const char *>(data_.get() + readPosition_);
     const size_t length = readable == 0 ? 0 : strnlen(chars, readable);
     if (length == readable) {
         return nullptr;  // no null terminator

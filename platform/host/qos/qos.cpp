@@ -17,13 +17,13 @@ using namespace ostra::host;
 
 namespace {
 
-constexpr int BAD_LEVEL = -1;
-constexpr char SWITCH[] = "persist.qosmanager.setQos.on";
+constexpr int INVALID_LEVEL = -1;
+constexpr char ENABLED_PARAMETER[] = "persist.qosmanager.setQos.on";
 
-bool IsSwitchedOff()
+bool IsDisabled()
 {
     std::array<char, 128> value{};
-    GetParameter(SWITCH, "true", value.data(), value.size());
+    GetParameter(ENABLED_PARAMETER, "true", value.data(), value.size());
     return std::string_view(value.data()) == "false";
 }
 
@@ -41,27 +41,28 @@ int OwnThread()
 
 int SetQosForOtherThread(enum QosLevel level, int tid)
 {
-    if (IsSwitchedOff()) {
+    if (IsDisabled()) {
         return 0;
     }
-    const int number = static_cast<int>(level);
-    return IsLevel(number) ? ApplyQosLevel(number, tid) : BAD_LEVEL;
+    int number = static_cast<int>(level);
+    return IsLevel(number) ? SendQosRequest(QosRequest::SET, tid, number) : INVALID_LEVEL;
 }
 
 int ResetQosForOtherThread(int tid)
 {
-    return IsSwitchedOff() ? 0 : LeaveQosLevel(tid);
+    int ignored = 0;
+    return IsDisabled() ? 0 : SendQosRequest(QosRequest::RESET, tid, ignored);
 }
 
 int GetQosForOtherThread(enum QosLevel &level, int tid)
 {
-    int number = -1;
-    const int result = QueryQosLevel(tid, number);
+    int number = 0;
+    const int result = SendQosRequest(QosRequest::GET, tid, number);
     if (result != 0) {
         return result;
     }
     if (!IsLevel(number)) {
-        return BAD_LEVEL;
+        return INVALID_LEVEL;
     }
     level = static_cast<QosLevel>(number);
     return 0;

@@ -13,7 +13,7 @@
 namespace ostra::host {
 namespace {
 
-constexpr int REFUSED = -1;
+constexpr int REJECTED = -1;
 constexpr int NO_LEVEL = -1;
 
 struct Scheduling {
@@ -40,18 +40,19 @@ bool IsOwnThread(int tid)
     return syscall(SYS_tgkill, getpid(), tid, 0) == 0;
 }
 
-bool Schedule(const Scheduling &wanted, int tid)
+bool Schedule(const Scheduling &target, int tid)
 {
-    // Set the nice value first: if the kernel grants it, it also grants the policy, so that a refusal changes nothing.
+    // Set the nice value first: if the kernel grants it, it also grants the policy, so that a rejected request
+    // changes nothing.
     const sched_param noRealTimePriority{};
-    return setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + wanted.nice) == 0 &&
-           sched_setscheduler(tid, wanted.policy, &noRealTimePriority) == 0;
+    return setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + target.nice) == 0 &&
+           sched_setscheduler(tid, target.policy, &noRealTimePriority) == 0;
 }
 
-bool IsScheduled(const Scheduling &wanted, int tid)
+bool IsScheduled(const Scheduling &target, int tid)
 {
-    return sched_getscheduler(tid) == wanted.policy &&
-           getpriority(PRIO_PROCESS, static_cast<id_t>(tid)) == NICE_AT_START + wanted.nice;
+    return sched_getscheduler(tid) == target.policy &&
+           getpriority(PRIO_PROCESS, static_cast<id_t>(tid)) == NICE_AT_START + target.nice;
 }
 
 // The mutex also covers the scheduling calls, so that the map agrees with the kernel.
@@ -68,39 +69,29 @@ Levels &ProcessLevels()
 
 }  // namespace
 
-int ApplyQosLevel(int level, int tid)
-{
-    Levels &levels = ProcessLevels();
-    const std::lock_guard<std::mutex> lock(levels.mutex);
-    if (!IsOwnThread(tid) || !Schedule(SCHEDULING_OF_LEVEL[level], tid)) {
-        return REFUSED;
-    }
-    levels.levelOfThread[tid] = level;
-    return 0;
-}
-
-int LeaveQosLevel(int tid)
-{
-    Levels &levels = ProcessLevels();
-    const std::lock_guard<std::mutex> lock(levels.mutex);
-    if (!IsOwnThread(tid) || !Schedule(SCHEDULING_WITHOUT_LEVEL, tid)) {
-        return REFUSED;
-    }
-    levels.levelOfThread.erase(tid);
-    return 0;
-}
-
-// Linux may reuse the id of a thread that ended: the new thread has the level only if it is scheduled accordingly.
-int QueryQosLevel(int tid, int &level)
+int SendQosRequest(QosRequest request, int tid, int &level)
 {
     Levels &levels = ProcessLevels();
     const std::lock_guard<std::mutex> lock(levels.mutex);
     if (!IsOwnThread(tid)) {
-        return REFUSED;
+        return REJECTED;
     }
-    const auto found = levels.levelOfThread.find(tid);
-    const bool hasLevel = found != levels.levelOfThread.end() && IsScheduled(SCHEDULING_OF_LEVEL[found->second], tid);
-    level = hasLevel ? found->second : NO_LEVEL;
+    if (request == QosRequest::GET) {
+        // Linux may reuse the id of a thread that ended: the new thread has the level only if it is scheduled so.
+        const auto found = levels.levelOfThread.find(tid);
+        const bool hasLevel =
+            found != levels.levelOfThread.end() && IsScheduled(SCHEDULING_OF_LEVEL[found->second], tid);
+        level = hasLevel ? found->second : NO_LEVEL;
+        return 0;
+    }
+    const bool isSet = request == QosRequest::SET;
+    if (!Schedule(isSet ? SCHEDULING_OF_LEVEL[level] : SCHEDULING_WITHOUT_LEVEL, tid)) {
+        return REJECTED;
+    }
+    levels.levelOfThread.erase(tid);
+    if (isSet) {
+        levels.levelOfThread[tid] = level;
+    }
     return 0;
 }
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-bool IsBadSize(size_t destMax)
+bool IsInvalidSize(size_t destMax)
 {
     return destMax == 0 || destMax > SECUREC_MEM_MAX_LEN;
 }
@@ -29,7 +29,7 @@ bool Overlap(const void *dest, size_t destSize, const void *src, size_t srcSize)
 template <typename Clear>
 errno_t CheckPointers(const void *dest, size_t destMax, const void *src, const Clear &clear)
 {
-    if (IsBadSize(destMax)) {
+    if (IsInvalidSize(destMax)) {
         return ERANGE;
     }
     if (dest == nullptr) {
@@ -38,7 +38,7 @@ errno_t CheckPointers(const void *dest, size_t destMax, const void *src, const C
     return src == nullptr ? clear(EINVAL_AND_RESET) : EOK;
 }
 
-template <bool isOverlapFine>
+template <bool isOverlapAllowed>
 errno_t CopyBytes(void *dest, size_t destMax, const void *src, size_t count)
 {
     const auto clear = [=](errno_t code) {
@@ -51,7 +51,7 @@ errno_t CopyBytes(void *dest, size_t destMax, const void *src, size_t count)
     if (count > destMax) {
         return clear(ERANGE_AND_RESET);
     }
-    if (!isOverlapFine && Overlap(dest, count, src, count)) {
+    if (!isOverlapAllowed && Overlap(dest, count, src, count)) {
         return clear(EOVERLAP_AND_RESET);
     }
     std::memmove(dest, src, count);
@@ -94,9 +94,9 @@ errno_t AppendString(char *dest, size_t destMax, const char *src, std::optional<
         return clear(ERANGE_AND_RESET);
     }
     const size_t used = strnlen(dest, destMax);
-    const size_t room = destMax - used;
-    const size_t length = strnlen(src, limit.value_or(room));
-    if (room == 0 && Address(src) >= Address(dest) + destMax) {
+    const size_t available = destMax - used;
+    const size_t length = strnlen(src, limit.value_or(available));
+    if (available == 0 && Address(src) >= Address(dest) + destMax) {
         return clear(EINVAL_AND_RESET);
     }
     // The platform does not count the null terminators, and treats adjacent blocks as overlapping.
@@ -105,10 +105,10 @@ errno_t AppendString(char *dest, size_t destMax, const char *src, std::optional<
     if (isOverlap) {
         return clear(EOVERLAP_AND_RESET);
     }
-    if (room == 0) {
+    if (available == 0) {
         return clear(EINVAL_AND_RESET);
     }
-    if (dest == src || length >= room) {
+    if (dest == src || length >= available) {
         return clear(ERANGE_AND_RESET);
     }
     std::memcpy(dest + used, src, length);

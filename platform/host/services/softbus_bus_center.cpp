@@ -17,8 +17,8 @@
 
 namespace {
 
-constexpr int32_t NULL_ARGUMENT = -1;
-constexpr int32_t CANNOT_READ = -2;
+constexpr int32_t INVALID_ARGUMENT = -1;
+constexpr int32_t READ_FAILED = -2;
 
 // The functions below return nullopt if reading fails.
 std::optional<std::string> HostName()
@@ -77,12 +77,12 @@ std::string NetworkId(const std::string &identity)
 int32_t GetLocalNodeDeviceInfo(const char *pkgName, NodeBasicInfo *info)
 {
     if (pkgName == nullptr || info == nullptr) {
-        return NULL_ARGUMENT;
+        return INVALID_ARGUMENT;
     }
     const std::optional<std::string> identity = Identity();
     const std::optional<std::string> deviceName = HostName();
     if (!identity.has_value() || !deviceName.has_value()) {
-        return CANNOT_READ;
+        return READ_FAILED;
     }
     const std::string networkId = NetworkId(*identity);
     *info = NodeBasicInfo{};

@@ -6,10 +6,10 @@
 ///
 /// A message is delivered if its level is loggable (see HiLogIsLoggable), its domain is below 0xD0FFFFF and, except for
 /// LOG_APP, at least 0xD000000. A delivered message goes to the callback and to standard error. OSTRA_HOST_LOG_LEVEL
-/// sets the lowest level that is written to standard error: debug, info, warn, error, fatal or off; by default
-/// everything that is delivered. It does not affect delivery, except that `debug` also delivers DEBUG messages, which a
-/// device does not by default. A write that a signal interrupts is retried, and a closed pipe does not terminate the
-/// process.
+/// sets the minimum level that is written to standard error: debug, info, warn, error, fatal or off; by default,
+/// everything that is delivered is written. It does not affect delivery, except that `debug` also delivers DEBUG
+/// messages, which a device does not by default. A write that a signal interrupts is retried, and a closed pipe does
+/// not terminate the process.
 
 #ifndef HOST_HILOG_LOG_C_H
 #define HOST_HILOG_LOG_C_H
@@ -31,12 +31,14 @@ extern "C" {
 #endif
 
 /// The default domain and tag of the macros below.
+/// \{
 #ifndef LOG_DOMAIN
 #define LOG_DOMAIN 0
 #endif
 #ifndef LOG_TAG
 #define LOG_TAG NULL
 #endif
+/// \}
 
 typedef enum {
     LOG_TYPE_MIN = 0,
@@ -93,15 +95,18 @@ void HiLogSetAppLogLevel(LogLevel level, PreferStrategy prefer);
 void HiLogSetAppMinLogLevel(LogLevel level);
 /// \}
 
+/// A callback of LOG_SetCallback.
+typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsigned int domain, const char *tag,
+                            const char *msg);
+
 /// Sets a callback that receives every delivered message, formatted, with its full tag, in addition to the output. It
 /// is called in the logging thread, possibly by several threads concurrently, before the message is written; its
 /// strings are valid only during the call. A callback that logs is called recursively and must end the recursion
 /// itself. Null removes the callback; another thread may still be executing it.
-typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsigned int domain, const char *tag,
-                            const char *msg);
 void LOG_SetCallback(LogCallback callback);
 
 /// Macros that return the result of HiLogPrint. All others expand to HILOG_IMPL; HILOG_COMM_... log with LOG_CORE.
+/// \{
 #define HILOG_IMPL(type, level, domain, tag, ...) HiLogPrint(type, level, domain, tag, __VA_ARGS__)
 #define HILOG_DEBUG(type, ...) HILOG_IMPL((type), LOG_DEBUG, LOG_DOMAIN, LOG_TAG, __VA_ARGS__)
 #define HILOG_INFO(type, ...) HILOG_IMPL((type), LOG_INFO, LOG_DOMAIN, LOG_TAG, __VA_ARGS__)
@@ -112,6 +117,7 @@ void LOG_SetCallback(LogCallback callback);
 #define HILOG_COMM_WARN(...) HILOG_WARN(LOG_CORE, __VA_ARGS__)
 #define HILOG_COMM_ERROR(...) HILOG_ERROR(LOG_CORE, __VA_ARGS__)
 #define HILOG_COMM_FATAL(...) HILOG_FATAL(LOG_CORE, __VA_ARGS__)
+/// \}
 
 #ifdef __cplusplus
 }
