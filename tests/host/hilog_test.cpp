@@ -91,10 +91,15 @@ Fields Deliver(int type, int level, unsigned int domain, const char *tag)
     return {g_message == "none" ? "none" : "callback", result < 0 ? "-" : "+"};
 }
 
+bool IsLoggable(unsigned int domain, const char *tag, int level)
+{
+    return HiLogIsLoggable(domain, tag, LogLevel(level));
+}
+
 int MinLevel(unsigned int domain, const char *tag)
 {
     int level = LOG_LEVEL_MIN;
-    while (level < LOG_LEVEL_MAX && !HiLogIsLoggable(domain, tag, LogLevel(level))) {
+    while (level < LOG_LEVEL_MAX && !IsLoggable(domain, tag, level)) {
         ++level;
     }
     return level;
@@ -118,7 +123,7 @@ TEST(HiLog, MatchesRecording)
 {
     Operations operations = {
         {"format", Format}, {"set", Call(Set)}, {"app", Call(SetAppLevel)}, {"lowest", Call(MinLevel)}};
-    const Operations sections = {{"deliver", Call(Deliver)}, {"loggable", Call(HiLogIsLoggable)}, {"line", Call(Line)}};
+    const Operations sections = {{"deliver", Call(Deliver)}, {"loggable", Call(IsLoggable)}, {"line", Call(Line)}};
     for (const auto &[name, operation] : sections) {
         for (const auto &[suffix, level] : {std::pair("", "I"), {"-unset", ""}, {"-E", "E"}}) {
             operations[name + suffix] = [level = level, call = operation](const Fields &in) {
