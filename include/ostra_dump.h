@@ -38,7 +38,7 @@ inline const std::string DUMP_PATH_PREFIX = "/data/local/tmp/";
 /// if allocation of a string fails; no file is then opened.
 class OstraDump {
 public:
-    /// Returns the writer of the process, which the first call creates and which is never destroyed.
+    /// Returns the writer of the process. It is created by the first call and never destroyed.
     OSTRA_EXPORT static OstraDump &GetInstance();
 
     OstraDump(const OstraDump &) = delete;
@@ -64,9 +64,9 @@ public:
 
     /// Opens DUMP_PATH_PREFIX + fileName in the current mode, writes `size` bytes and closes the file.
     ///
-    /// **All users may write to the directory, and `fileName` is not checked:** ".." and symbolic links are followed
-    /// to any file, and a FIFO blocks the caller until a reader opens it, which then receives the bytes. A size of 0
-    /// only opens the file, which truncates it in mode "w".
+    /// **The directory is world-writable, and `fileName` is not validated:** ".." and symbolic links are followed to
+    /// any file, and a FIFO blocks the caller until a reader opens it, which then receives the bytes. A size of 0 only
+    /// opens the file, which truncates it in mode "w".
     ///
     /// Writes nothing if:
     /// - `data` is null or `size` is negative, even if dumps are disabled; logged as an error.
