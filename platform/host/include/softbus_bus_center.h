@@ -24,8 +24,8 @@ typedef struct {
 } NodeBasicInfo;
 
 /// Describes the local node. The network id has 64 hexadecimal digits and is a keyed hash (HMAC-SHA-256) of the machine
-/// id, so that it is stable and does not reveal that id; without a machine id (no such file, or an empty one) it is
-/// that of the host name. The device name is the host name, and the device type is 0.
+/// id, so that it is stable and does not reveal that id; if there is no machine id (no file, or an empty one), the host
+/// name is hashed instead. The device name is the host name, and the device type is 0.
 ///
 /// Returns 0, or one of these errors without changing `info`:
 ///   - -1: an argument is null
