@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Parsing of untrusted JSON from a peer, with a limit on nesting.
+// Parses untrusted JSON from a peer, with a nesting limit.
 
 #ifndef COMMON_JSON_READING_H
 #define COMMON_JSON_READING_H
@@ -13,8 +13,8 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 constexpr int MAX_JSON_NESTING = 100;
 
-// Returns true if the first value of `json`, the only one that cJSON parses, nests more than MAX_JSON_NESTING arrays
-// and objects. Brackets and braces inside strings do not count.
+// Returns true if the first value of `json`, the only one that cJSON parses, nests arrays and objects more than
+// MAX_JSON_NESTING levels deep. Brackets and braces inside strings do not count.
 bool IsNestedTooDeeply(const char *json);
 
 // Parses `json` up to its first NUL. Returns null if it is not valid JSON, is nested too deeply, or allocation fails.

@@ -17,8 +17,8 @@ namespace ostra::host {
 namespace {
 
 constexpr int MAX_PRECISION = 512;  // of integers
-constexpr std::string_view PRIVATE_TEXT = "<private>";
-constexpr auto NO_CHARACTER = static_cast<size_t>(-1);  // wcrtomb's error result
+constexpr std::string_view PRIVATE_PLACEHOLDER = "<private>";
+constexpr auto ENCODING_ERROR = static_cast<size_t>(-1);  // wcrtomb's error result
 
 // An integer as sign and magnitude.
 struct Number {
@@ -153,7 +153,7 @@ private:
     bool PutInteger(const Conversion &conversion, Number number)
     {
         if (!conversion.isVisible) {
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
         char buffer[sizeof("1777777777777777777777")];
@@ -167,8 +167,9 @@ private:
             *--begin = digits[rest % base];
         }
         const int count = static_cast<int>(end - begin);
-        const int needed = conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
-        int zeros = std::max(needed - count, 0);
+        const int minDigits =
+            conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
+        int zeros = std::max(minDigits - count, 0);
         if (conversion.Has('#') && conversion.type == 'o' && zeros == 0) {
             zeros = 1;
         }
@@ -180,17 +181,17 @@ private:
             prefix = isUpper ? "0X" : "0x";
         }
         const int padding = conversion.width - static_cast<int>(prefix.size()) - zeros - count;
-        const bool isPrecise = conversion.precision != UNSET_PRECISION && conversion.type != 'p';
-        if (conversion.Has('0') && !conversion.isLeft && !isPrecise) {
+        const bool hasPrecision = conversion.precision != UNSET_PRECISION && conversion.type != 'p';
+        if (conversion.Has('0') && !conversion.isLeftAligned && !hasPrecision) {
             Put(prefix);
             Fill('0', padding);
         } else {
-            Fill(' ', conversion.isLeft ? 0 : padding);
+            Fill(' ', conversion.isLeftAligned ? 0 : padding);
             Put(prefix);
         }
         Fill('0', zeros);
         Put({begin, static_cast<size_t>(count)});
-        Fill(' ', conversion.isLeft ? padding : 0);
+        Fill(' ', conversion.isLeftAligned ? padding : 0);
         return true;
     }
 
@@ -214,15 +215,15 @@ private:
     bool PutPadded(const Conversion &conversion, size_t length, const Putter &put)
     {
         if (!conversion.isVisible) {
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
-        const bool withZeros = conversion.Has('0') && dialect_ == FormatDialect::HILOG;
+        const bool padsWithZeros = conversion.Has('0') && dialect_ == FormatDialect::HILOG;
         const size_t width = static_cast<size_t>(conversion.width);
         const int padding = length < width ? static_cast<int>(width - length) : 0;
-        Fill(withZeros ? '0' : ' ', conversion.isLeft ? 0 : padding);
+        Fill(padsWithZeros ? '0' : ' ', conversion.isLeftAligned ? 0 : padding);
         put();
-        Fill(' ', conversion.isLeft ? padding : 0);
+        Fill(' ', conversion.isLeftAligned ? padding : 0);
         return true;
     }
 
@@ -231,7 +232,7 @@ private:
         return PutPadded(conversion, text.size(), [&] { Put(text); });
     }
 
-    // Encodes a wide character in the locale of the process. Returns the number of bytes, or NO_CHARACTER.
+    // Encodes a wide character in the locale of the process. Returns the number of bytes, or ENCODING_ERROR.
     static size_t Narrow(wchar_t character, char (&bytes)[MB_LEN_MAX])
     {
         std::mbstate_t state{};
@@ -253,7 +254,7 @@ private:
         }
         char bytes[MB_LEN_MAX];
         const size_t length = Narrow(static_cast<wchar_t>(character), bytes);
-        return length != NO_CHARACTER && PutText(conversion, {bytes, length});
+        return length != ENCODING_ERROR && PutText(conversion, {bytes, length});
     }
 
     bool PutString(const Conversion &conversion)
@@ -262,7 +263,7 @@ private:
             conversion.precision == UNSET_PRECISION ? SIZE_MAX : static_cast<size_t>(conversion.precision);
         const void *const text = arguments_.Next<const void *>();
         if (!conversion.isVisible) {  // not dereferenced: it may be invalid
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
         if (text == nullptr) {
@@ -282,7 +283,7 @@ private:
         const wchar_t *end = text;
         while (length < limit && *end != L'\0') {
             const size_t size = Narrow(*end, bytes);
-            if (size == NO_CHARACTER) {
+            if (size == ENCODING_ERROR) {
                 return false;
             }
             if (size > limit - length) {
@@ -302,11 +303,11 @@ private:
     bool PutFloat(const Conversion &conversion, const char *size, Value value)
     {
         if (!conversion.isVisible) {
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
         char format[sizeof("%-+ #0*.*Lf")];
-        std::snprintf(format, sizeof(format), "%%%s%s%s%s%s*.*%s%c", conversion.isLeft ? "-" : "",
+        std::snprintf(format, sizeof(format), "%%%s%s%s%s%s*.*%s%c", conversion.isLeftAligned ? "-" : "",
                       conversion.Has('+') ? "+" : "", conversion.Has(' ') ? " " : "", conversion.Has('#') ? "#" : "",
                       conversion.Has('0') ? "0" : "", size, conversion.type);
         const int needed = std::snprintf(nullptr, 0, format, conversion.width, conversion.precision, value);
