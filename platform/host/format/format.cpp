@@ -53,11 +53,11 @@ private:
         return capacity_ - length_;
     }
 
-    void Put(std::string_view text)
+    void Put(std::string_view string)
     {
-        const size_t length = text.copy(dest_ + length_, Room());
+        const size_t length = string.copy(dest_ + length_, Room());
         length_ += length;
-        isTruncated_ = isTruncated_ || length < text.size();
+        isTruncated_ = isTruncated_ || length < string.size();
     }
 
     void Fill(char character, int count)
@@ -203,7 +203,7 @@ private:
             return PutInteger(conversion, {false, address});
         }
         if (address == 0) {
-            return PutText(conversion, "(nil)");
+            return PutNarrowString(conversion, "(nil)");
         }
         conversion.type = 'x';
         conversion.flags = conversion.Has('0') ? "#0" : "#";
@@ -227,9 +227,9 @@ private:
         return true;
     }
 
-    bool PutText(const Conversion &conversion, std::string_view text)
+    bool PutNarrowString(const Conversion &conversion, std::string_view string)
     {
-        return PutPadded(conversion, text.size(), [&] { Put(text); });
+        return PutPadded(conversion, string.size(), [&] { Put(string); });
     }
 
     // Encodes a wide character in the locale of the process. Returns the number of bytes, or ENCODING_ERROR.
@@ -250,37 +250,37 @@ private:
         const auto character = arguments_.Next<int>();
         if (!IsWide(conversion)) {
             const char byte = static_cast<char>(character);
-            return PutText(conversion, {&byte, 1});
+            return PutNarrowString(conversion, {&byte, 1});
         }
         char bytes[MB_LEN_MAX];
         const size_t length = Narrow(static_cast<wchar_t>(character), bytes);
-        return length != ENCODING_ERROR && PutText(conversion, {bytes, length});
+        return length != ENCODING_ERROR && PutNarrowString(conversion, {bytes, length});
     }
 
     bool PutString(const Conversion &conversion)
     {
         const size_t limit =
             conversion.precision == UNSET_PRECISION ? SIZE_MAX : static_cast<size_t>(conversion.precision);
-        const void *const text = arguments_.Next<const void *>();
+        const void *const string = arguments_.Next<const void *>();
         if (!conversion.isVisible) {  // not dereferenced: it may be invalid
             Put(PRIVATE_PLACEHOLDER);
             return true;
         }
-        if (text == nullptr) {
-            return PutText(conversion, std::string_view("(null)").substr(0, limit));
+        if (string == nullptr) {
+            return PutNarrowString(conversion, std::string_view("(null)").substr(0, limit));
         }
         if (IsWide(conversion)) {
-            return PutWideString(conversion, static_cast<const wchar_t *>(text), limit);
+            return PutWideString(conversion, static_cast<const wchar_t *>(string), limit);
         }
-        const auto narrow = static_cast<const char *>(text);
-        return PutText(conversion, {narrow, limit == SIZE_MAX ? std::strlen(narrow) : strnlen(narrow, limit)});
+        const auto narrow = static_cast<const char *>(string);
+        return PutNarrowString(conversion, {narrow, limit == SIZE_MAX ? std::strlen(narrow) : strnlen(narrow, limit)});
     }
 
-    bool PutWideString(const Conversion &conversion, const wchar_t *text, size_t limit)
+    bool PutWideString(const Conversion &conversion, const wchar_t *string, size_t limit)
     {
         char bytes[MB_LEN_MAX];
         size_t length = 0;
-        const wchar_t *end = text;
+        const wchar_t *end = string;
         while (length < limit && *end != L'\0') {
             const size_t size = Narrow(*end, bytes);
             if (size == ENCODING_ERROR) {
@@ -293,8 +293,8 @@ private:
             ++end;
         }
         return PutPadded(conversion, length, [&] {
-            for (; text != end; ++text) {
-                Put({bytes, Narrow(*text, bytes)});
+            for (; string != end; ++string) {
+                Put({bytes, Narrow(*string, bytes)});
             }
         });
     }

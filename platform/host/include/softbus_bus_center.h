@@ -16,7 +16,7 @@ extern "C" {
 #define NETWORK_ID_BUF_LEN 65
 #define DEVICE_NAME_BUF_LEN 128
 
-/// Describes a node. The platform's structure has further fields after these.
+/// Describes a node. The platform's structure has additional fields after these.
 typedef struct {
     char networkId[NETWORK_ID_BUF_LEN];
     char deviceName[DEVICE_NAME_BUF_LEN];
