@@ -98,7 +98,7 @@ struct DHConnectInfo {
 
 /// A connection and its channel.
 struct DHConnectDevice {
-    /// Copies the arguments, without validation. `session` is the handle of the channel.
+    /// Copies the arguments, without validation. The first is the handle of the channel.
     OSTRA_EXPORT DHConnectDevice(int session, DHBusinessId business, DHChannelType channel, DHConnectInfo &connection);
     OSTRA_EXPORT ~DHConnectDevice();
     DHConnectDevice(const DHConnectDevice &) = default;
