@@ -32,7 +32,7 @@ extern "C" {
  */
 OSTRA_EXPORT int32_t SetQos(int32_t level, int32_t tid);
 
-/** Removes the QoS level of a thread.
+/** Removes the QoS level of the thread `tid` of this process.
  *
  * Returns the platform's result, 0 for success. On the host, throws std::bad_alloc if allocation fails.
  */
