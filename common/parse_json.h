@@ -11,9 +11,8 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// Parses `json` up to its first NUL. Returns null if it is not valid JSON, nests arrays and objects more than 100
-// levels deep, or allocation fails. cJSON recurses once per level and allows 1000 levels, which overflows a small
-// stack.
+// Parses `json` up to its first NUL. Returns null if it is not valid JSON, is nested more than 100 levels deep, or
+// allocation fails. cJSON recurses once per level and allows 1000 levels, which overflows a small stack.
 JsonTree ParseJson(const std::string &json);
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter
