@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "dh_device_json.h"
-#include "json_reading.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
+#include "parse_json.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {

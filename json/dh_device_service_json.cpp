@@ -2,9 +2,9 @@
 
 #include "dh_device_json.h"
 #include "dh_utils_tools.h"
-#include "json_reading.h"
 #include "ostra_adapter_log.h"
 #include "ostra_constants.h"
+#include "parse_json.h"
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {

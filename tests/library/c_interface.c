@@ -4,6 +4,7 @@
 
 #define _POSIX_C_SOURCE 200112L
 #include <stdio.h>
+#include <string.h>
 #include <unistd.h>
 
 #include "ostra_dump_adapter.h"
@@ -24,12 +25,8 @@ const char *CallFromC(void)
     RadarWrite("main", 0, "dsoftbus");
     UpdateRes("main", 1, "dsoftbus");
 
-    int major = 0;
-    int minor = 0;
-    int patch = 0;
-    if (sscanf(OSTRA_VERSION, "%d.%d.%d", &major, &minor, &patch) != 3 ||
-        OSTRA_VERSION_NUMBER != major * 10000 + minor * 100 + patch) {
-        return "OSTRA_VERSION and OSTRA_VERSION_NUMBER differ";
-    }
-    return NULL;
+    char version[16];
+    snprintf(version, sizeof(version), "%d.%d.%d", OSTRA_VERSION_NUMBER / 10000, OSTRA_VERSION_NUMBER / 100 % 100,
+             OSTRA_VERSION_NUMBER % 100);
+    return strcmp(version, OSTRA_VERSION) == 0 ? NULL : "OSTRA_VERSION and OSTRA_VERSION_NUMBER differ";
 }

@@ -12,18 +12,17 @@
 
 #include "dh_device_json_test.txt"
 
-namespace OHOS::DistributedHardware::OstraAdapter {
-namespace {
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 using DeviceJsonTest = GoldenTest;
 using AudioPropertiesTest = GoldenTest;
 using DeviceServiceJsonTest = GoldenTest;
 
-TEST_F(AudioPropertiesTest, LogsWhatItReadsAndDerives)
+TEST_F(AudioPropertiesTest, LogsReadAndDerivedValues)
 {
     CALL(DHOSTRAAudioProperties());
     DHOSTRAAudioProperties audio;
-    Note(audio.String());
+    RecordLine(audio.String());
     audio.serviceStatus_ = -2;
     audio.audioSampleRates_ = 4294967295;
     audio.audioFormat_ = 4294967294;
@@ -36,7 +35,7 @@ TEST_F(AudioPropertiesTest, LogsWhatItReadsAndDerives)
         {R"({"2102":"{"})", OSTRA_JSON_STEP_FAILED},
         {"{", OSTRA_JSON_INPUT_INVALID}};
     for (const auto &[properties, result] : cases) {
-        Note(properties);
+        RecordLine(properties);
         EXPECT_EQ(CALL(audio.Unmarshal(properties)), result);
     }
     EXPECT_EQ(CALL(audio.UnmarshalAudioCapablities("")), OSTRA_JSON_INPUT_INVALID);
@@ -46,7 +45,7 @@ TEST_F(AudioPropertiesTest, LogsWhatItReadsAndDerives)
     EXPECT_EQ(CALL(audio.UnmarshalAudioProfiles(nullptr)), OSTRA_JSON_ROOT_MISSING);
 }
 
-TEST_F(AudioPropertiesTest, ExtendsListsCompletelyOrNotAtAll)
+TEST_F(AudioPropertiesTest, ExtendsListsAtomically)
 {
     const std::string profile = R"({\"sampleRate\":44100,\"channel\":3,\"format\":1})";
     const std::string json = R"({"2102":"{\"codecs\":[0,1],\"profiles\":[)" + profile + "," + profile + "]}\"}";
@@ -70,33 +69,31 @@ TEST_F(DeviceJsonTest, WritesEveryMember)
     device.port_ = 8080;
     EXPECT_EQ(device.Unmarshal(R"({"port":7})"), OSTRA_JSON_SUCCESS);
     EXPECT_EQ(device.Marshal(out), OSTRA_JSON_SUCCESS);
-    Note(out);
+    RecordLine(out);
 }
 
-TEST_F(DeviceJsonTest, KeepsTheOutputIfAllocationFails)
+TEST_F(DeviceJsonTest, LeavesTheOutputUnchangedIfAllocationFails)
 {
-    std::optional<DHOSTRADeviceJson> device;
-    std::string out = "old";
+    std::string out;
     bool isWritten = false;
-    const auto renew = [&device] {
-        device.emplace();
-        device->properties_ = "old";
-    };
-    renew();
-    EachFault([&] { isWritten = CALL(device->Marshal(out)) == OSTRA_JSON_SUCCESS; },
-              [&] {
-                  Note("properties_ " + device->properties_);
-                  Note(out);
-                  EXPECT_EQ(std::exchange(out, "old") != "old", std::exchange(isWritten, false));
-                  renew();
-              });
+    EachFault(
+        [&] {
+            out = "old";
+            isWritten = false;
+            DHOSTRADeviceJson device;
+            device.properties_ = out;
+            isWritten = CALL(device.Marshal(out)) == OSTRA_JSON_SUCCESS;
+            RecordLine("properties_ " + device.properties_);
+            RecordLine(out);
+        },
+        [&] { EXPECT_EQ(out != "old", isWritten); });
 }
 
-TEST_F(DeviceServiceJsonTest, LogsMaskedWhatItReads)
+TEST_F(DeviceServiceJsonTest, LogsMaskedDocuments)
 {
     CALL(DHOSTRADeviceServiceJson());
     DHOSTRADeviceServiceJson service;
-    Note(service.String());
+    RecordLine(service.String());
     const std::string document =
         R"({"deviceId":"0123456789","deviceName":"pad","serviceId":"service","serviceType":3.9,)"
         R"("properties":{ "a" : [1, {"b": null}] },"status":{ "k":"v" },"2102":"{}"})";
@@ -104,19 +101,12 @@ TEST_F(DeviceServiceJsonTest, LogsMaskedWhatItReads)
     EXPECT_EQ(CALL(service.Unmarshal("")), OSTRA_JSON_INPUT_INVALID);
 }
 
-TEST_F(DeviceServiceJsonTest, ReportsEachFailedAllocation)
+TEST_F(DeviceServiceJsonTest, ReportsFailedAllocations)
 {
-    DHOSTRADeviceServiceJson before;
-    before.deviceId_ = before.properties_ = before.status_ = "before";
-    DHOSTRADeviceServiceJson service = before;
-    int32_t result = 0;
-    EachFault(
-        [&] { result = CALL(service.Unmarshal(R"({"status":{"b":"2"},"properties":{"a":"1"},"deviceId":"s"})")); },
-        [&] {
-            Note(std::to_string(result) + " " + service.deviceId_ + service.properties_ + service.status_);
-            service = before;
-        });
+    EachFault([] {
+        DHOSTRADeviceServiceJson service;
+        service.deviceId_ = service.properties_ = service.status_ = "before";
+        const int32_t result = CALL(service.Unmarshal(R"({"status":{"b":"2"},"properties":{"a":"1"},"deviceId":"s"})"));
+        RecordLine(std::to_string(result) + " " + service.deviceId_ + service.properties_ + service.status_);
+    });
 }
-
-}  // namespace
-}  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -5,21 +5,22 @@
 #include "ipc_utils.h"
 
 #include "message_parcel.h"
+#include "ostra_constants.h"
 #include "support/golden_test.h"
 
 #include "ipc_utils_test.txt"
 
-namespace OHOS::DistributedHardware::OstraAdapter {
-namespace {
+using OHOS::MessageParcel;
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 using IpcUtilsTest = GoldenTest;
 using Map = std::map<int32_t, std::string>;
 
 TEST_F(IpcUtilsTest, SkipsInvalidEntriesUntilOneCannotBeRead)
 {
-    const std::vector<std::string> entries = {
-        "abc",    "#v",      "x1#v",      "2147483648#v", "-99999999999#v", std::string(101, '0') + "#v",
-        "-5#a#b", "-0#zero", "+007#seven"};
+    const std::vector<std::string> entries = {"abc",          SEPARATOR + "v",  "x1#v",
+                                              "2147483648#v", "-99999999999#v", std::string(101, '0') + "#v",
+                                              "-5#a#b",       "-0#zero",        "+007#seven"};
     MessageParcel parcel;
     ASSERT_TRUE(parcel.WriteUint32(static_cast<uint32_t>(entries.size()) + 1));
     for (const std::string &entry : entries) {
@@ -64,6 +65,3 @@ TEST_F(IpcUtilsTest, KeepsEntriesWrittenBeforeTheParcelIsFull)
         EXPECT_EQ(map, expected);
     }
 }
-
-}  // namespace
-}  // namespace OHOS::DistributedHardware::OstraAdapter

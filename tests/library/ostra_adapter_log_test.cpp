@@ -2,17 +2,18 @@
 
 #include "ostra_adapter_log.h"
 
+#include "parameter.h"
 #include "support/golden_test.h"
 
 #include "ostra_adapter_log_test.txt"
 
-namespace OHOS::DistributedHardware::OstraAdapter {
-namespace {
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 using OstraAdapterLogTest = GoldenTest;
 
 TEST_F(OstraAdapterLogTest, ForwardsLevels)
 {
+    SetParameter("hilog.loggable.tag.OSTRA_ADAPTER", "D");
     for (int level = -1; level <= 4; ++level) {
         CALL(DHLog(static_cast<DHLogLevel>(level), "level %d of %s", level, "%{private}s"));
     }
@@ -26,23 +27,13 @@ TEST_F(OstraAdapterLogTest, ReplacesOverlongMessages)
     CALL(DHLog(DH_LOG_WARN, "%s", std::string(4096, 'x').c_str()));
 }
 
-struct Device {
-    Device()
-    {
-        OSTRA_LOGI("create ");
-    }
-
-    void Open(int port)
-    {
-        OSTRA_LOGW("open");
-        OSTRA_LOGE("100%% of port %d, %s", port, "%s");
-    }
-};
+void Open(int port)
+{
+    OSTRA_LOGW("open");
+    OSTRA_LOGE("100%% of port %d, %s", port, "%s");
+}
 
 TEST_F(OstraAdapterLogTest, NamesTheCallingFunction)
 {
-    CALL(Device().Open(5));
+    CALL(Open(5));
 }
-
-}  // namespace
-}  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -9,15 +9,15 @@
 
 #include "ostra_radar_test.txt"
 
-namespace OHOS::DistributedHardware::OstraAdapter {
-namespace {
+using namespace OHOS::HiviewDFX;
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 // Records an event without the fields that the platform adds, which differ from run to run.
 void RecordEvent(const EventListener::Event &event)
 {
     std::string json = event->AsJson();
     const size_t begin = json.find("\"time_\"");
-    GoldenTest::Record(json.erase(begin, json.find("\"ORG_PKG\"") - begin));
+    GoldenTest::RecordEffect(json.erase(begin, json.find("\"ORG_PKG\":\"" + ORG_PKG_NAME) - begin));
 }
 
 class OstraRadarTest : public GoldenTest {
@@ -25,15 +25,12 @@ protected:
     // Writes other events, so that the platform's rate limiter discards its counts of the library's events.
     void SetUp() override
     {
-        static const bool isListening = [] {
-            const auto listener = std::make_shared<EventListener>();
-            listener->act = RecordEvent;
-            std::vector<HiviewDFX::ListenerRule> rules = {{"OSTRAADAPTER", ""}};
-            return HiviewDFX::HiSysEventManager::AddListener(listener, rules) == 0;
-        }();
-        ASSERT_TRUE(isListening);
+        static const auto listener = std::make_shared<EventListener>();
+        listener->act = RecordEvent;
+        std::vector<ListenerRule> rules = {{OSTRA_DOMAIN, ADAPTER_BEHAVIOR_EVENT}};
+        HiSysEventManager::AddListener(listener, rules);  // fails from the second test on
         for (int line = 0; line < 30; ++line) {
-            HiviewDFX::HiSysEvent::Write("elsewhere", line, "OTHER", "OTHER", HiviewDFX::HiSysEvent::BEHAVIOR);
+            HiSysEvent::Write("elsewhere", line, "OTHER", "OTHER", HiSysEvent::BEHAVIOR);
         }
         radar_.SetProcessName("");
         radar_.SetCurBusinessId(-1);
@@ -87,13 +84,10 @@ TEST_F(OstraRadarTest, ProcessNameOverridesHostOfBusinessId)
 {
     for (int businessId = -1; businessId <= 11; ++businessId) {
         radar_.SetCurBusinessId(businessId);
-        Note(std::to_string(businessId) + ": " + radar_.GetProcessName());
+        RecordLine(std::to_string(businessId) + ": " + radar_.GetProcessName());
     }
     radar_.SetProcessName("N");
     radar_.SetCurBusinessId(1);
     EXPECT_EQ(radar_.GetProcessName(), "N");
     EXPECT_TRUE(CALL(radar_.AudioOpenRes("F", 0)));
 }
-
-}  // namespace
-}  // namespace OHOS::DistributedHardware::OstraAdapter

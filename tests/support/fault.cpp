@@ -22,12 +22,6 @@ void *Allocate(size_t size)
     return block;
 }
 
-void *AllocateOrThrow(size_t size)
-{
-    void *const block = Allocate(size);
-    return block != nullptr ? block : throw std::bad_alloc();
-}
-
 void Free(void *block)
 {
     g_liveBlocks -= block == nullptr ? 0 : 1;
@@ -49,12 +43,13 @@ int64_t LiveBlocks()
 
 void *operator new(size_t size)
 {
-    return AllocateOrThrow(size);
+    void *const block = Allocate(size);
+    return block != nullptr ? block : throw std::bad_alloc();
 }
 
 void *operator new[](size_t size)
 {
-    return AllocateOrThrow(size);
+    return operator new(size);
 }
 
 void *operator new[](size_t size, const std::nothrow_t &) noexcept

@@ -7,43 +7,19 @@
 #define TESTS_FAULT_H
 
 #include <cstdint>
-#include <utility>
 
-// A failure point fails if ShouldFail() returns true. Each thread counts its own calls.
-class Fault {
-public:
-    // Makes call number `ordinal` of ShouldFail(), counted from 0, return true.
-    static void Arm(int ordinal)
-    {
-        countdown_ = ordinal;
-    }
+namespace Fault {
 
-    // Stops counting, and returns true if that call was made.
-    static bool Disarm()
-    {
-        return std::exchange(countdown_, -1) < 0;
-    }
+// The number of calls of ShouldFail() on this thread that return false before one returns true; negative: no fault.
+inline thread_local int countdown = -1;
 
-    static bool ShouldFail()
-    {
-        return countdown_ >= 0 && countdown_-- == 0;
-    }
+// A failure point fails if this returns true.
+inline bool ShouldFail()
+{
+    return countdown >= 0 && countdown-- == 0;
+}
 
-    // Suspends faults and counting during its lifetime.
-    class Pause {
-    public:
-        ~Pause()
-        {
-            countdown_ = paused_;
-        }
-
-    private:
-        const int paused_ = std::exchange(countdown_, -1);
-    };
-
-private:
-    inline static thread_local int countdown_ = -1;
-};
+}  // namespace Fault
 
 // Returns the number of live allocations of C++ and cJSON in the program and its libraries.
 int64_t LiveBlocks();

@@ -2,71 +2,65 @@
 
 #include "support/golden_test.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <new>
 #include <set>
+#include <string_view>
+#include <utility>
 
 #include "hilog/log.h"
 #include "support/fault.h"
 
 namespace {
 
-bool g_isRecording = false;
+constexpr size_t MAX_MESSAGE_LENGTH = 2000;
+
+bool g_isInCall = false;
 std::string g_recorded;
 
-// Escapes non-printable bytes and a trailing space in the form <E9>, replaces a long message by its length, and starts
-// continuation lines with a bar.
-std::string Printable(const std::string &message)
+// Appends a line to the record: a prefix and a message. Writes non-printable bytes and a trailing space in the form
+// <E9>, starts continuation lines with a bar, and replaces a long message by its length.
+void Append(const std::string &prefix, std::string_view message)
 {
-    constexpr size_t maxLength = 2000;
-    if (message.size() > maxLength) {
-        return "<" + std::to_string(message.size()) + " bytes>";
+    const int countdown = std::exchange(Fault::countdown, -1);  // no faults here: recording allocates, too
+    const bool isLong = message.size() > MAX_MESSAGE_LENGTH;
+    const std::string output = isLong ? "<" + std::to_string(message.size()) + " bytes>" : std::string(message);
+    g_recorded += prefix;
+    for (const char &character : output) {
+        const bool isLastSpace = character == ' ' && &character == &output.back();
+        const auto byte = static_cast<unsigned char>(character);
+        char escaped[8];
+        std::snprintf(escaped, sizeof(escaped),
+                      (std::isprint(byte) != 0 && !isLastSpace) || byte == '\t' ? "%c" : "<%02X>", byte);
+        g_recorded += character == '\n' ? "\n    |" : escaped;
     }
-    std::string printable;
-    for (const char &character : message) {
-        const bool isLastSpace = character == ' ' && &character == &message.back();
-        const bool isPlain = (character >= ' ' && character <= '~' && !isLastSpace) || character == '\t';
-        char shown[8];
-        std::snprintf(shown, sizeof(shown), isPlain ? "%c" : "<%02X>", static_cast<unsigned char>(character));
-        printable += character == '\n' ? "\n    |" : shown;
-    }
-    return printable;
+    g_recorded += '\n';
+    Fault::countdown = countdown;
 }
 
 void RecordLog(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *message)
 {
-    const Fault::Pause pause;
-    if (type == LOG_CORE && domain == 0xD004160 && tag == std::string("OSTRA_ADAPTER") && level != LOG_DEBUG) {
-        GoldenTest::Record(std::string(1, "???DIWEF"[level]) + " " + message);
+    if (g_isInCall && type == LOG_CORE && domain == 0xD004160 && tag == std::string_view("OSTRA_ADAPTER")) {
+        Append(std::string("    ") + "???DIWEF"[level] + " ", message);
     }
-}
-
-// Returns the lines that follow a heading.
-std::string GoldenSection(const std::string &heading)
-{
-    const std::string file(GOLDEN_FILE);
-    const size_t begin = file.find(heading);
-    if (begin == std::string::npos) {
-        return "";
-    }
-    const size_t length = file.substr(begin + heading.size()).find("=== ");
-    return file.substr(begin + heading.size(), length);
 }
 
 }  // namespace
 
 GoldenTest::Recording::Recording(const char *source)
 {
-    const Fault::Pause pause;
-    g_recorded += source + std::string("\n");
-    g_isRecording = true;
+    Append("", source);
+    g_isInCall = true;
 }
 
 GoldenTest::Recording::~Recording()
 {
-    g_isRecording = false;
+    g_isInCall = false;
 }
 
 void GoldenTest::SetUp()
@@ -80,25 +74,26 @@ void GoldenTest::TearDown()
     LOG_SetCallback(nullptr);
     const ::testing::TestInfo &info = *::testing::UnitTest::GetInstance()->current_test_info();
     const std::string heading = std::string("=== ") + info.test_suite_name() + "." + info.name() + "\n";
-    const char *const output = std::getenv("OSTRA_UPDATE_GOLDEN");
-    if (output == nullptr) {
-        EXPECT_EQ(GoldenSection(heading), g_recorded) << "- is the golden file, + what was recorded";
-    } else if (!g_recorded.empty()) {
-        std::ofstream(output, std::ios::app) << heading << g_recorded;
+    const std::string section = g_recorded.empty() ? "" : heading + g_recorded;
+    if (const char *const output = std::getenv("OSTRA_UPDATE_GOLDEN")) {
+        std::ofstream(output, std::ios::app) << section;
+    } else {
+        const std::string file(GOLDEN_FILE);
+        const std::string rest = file.substr(std::min(file.find(heading), file.size()));
+        EXPECT_EQ(rest.substr(0, rest.find("=== ", 1)), section) << "- is the golden file, + what was recorded";
     }
 }
 
-void GoldenTest::Note(const std::string &line)
+void GoldenTest::RecordEffect(const std::string &message)
 {
-    const Fault::Pause pause;
-    g_recorded += "    " + Printable(line) + "\n";
+    if (g_isInCall) {
+        RecordLine(message);
+    }
 }
 
-void GoldenTest::Record(const std::string &message)
+void GoldenTest::RecordLine(const std::string &message)
 {
-    if (g_isRecording) {
-        Note(message);
-    }
+    Append("    ", message);
 }
 
 void GoldenTest::EachFault(const std::function<void()> &act, const std::function<void()> &check)
@@ -107,20 +102,25 @@ void GoldenTest::EachFault(const std::function<void()> &act, const std::function
     int ordinal = 0;
     for (bool hasFailed = true; hasFailed; ++ordinal) {
         const size_t begin = g_recorded.size();
-        bool hasThrown = false;
-        Fault::Arm(ordinal);
+        Fault::countdown = ordinal;
         try {
             act();
         } catch (const std::bad_alloc &) {
-            hasThrown = true;
+            g_recorded.resize(begin);
         }
-        hasFailed = Fault::Disarm();
-        check();
+        hasFailed = std::exchange(Fault::countdown, -1) < 0;
         const std::string outcome = g_recorded.substr(begin);
         g_recorded.resize(begin);
-        if (hasFailed && !hasThrown && outcomes.insert(outcome).second) {
+        if (hasFailed && outcomes.insert(outcome).second) {
             g_recorded += "-- one fails\n" + outcome;
         }
+        check();
     }
     EXPECT_GT(ordinal, 1) << "nothing can fail";
+}
+
+std::string GoldenTest::ReadFile(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "no file";
 }

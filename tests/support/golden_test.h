@@ -11,8 +11,7 @@
 //     }                                                //     E [ostraadapterutils][Create]:...
 //
 // A program includes its golden file after this header. scripts/update-golden rewrites the files. Only log lines of the
-// library's type, domain and tag are recorded, without debug lines, which a device does not deliver by default. Not
-// thread-safe.
+// library's type, domain and tag are recorded. Not thread-safe.
 
 #ifndef TESTS_GOLDEN_TEST_H
 #define TESTS_GOLDEN_TEST_H
@@ -30,11 +29,11 @@ extern const char *const GOLDEN_FILE;
 
 class GoldenTest : public ::testing::Test {
 public:
-    // Records a message if a CALL is in progress.
-    static void Record(const std::string &message);
+    // Records a message if a CALL is in progress. For functions that a test replaces.
+    static void RecordEffect(const std::string &message);
 
-    // Records a line, whether or not a CALL is in progress.
-    static void Note(const std::string &line);
+    // Records a message, whether or not a CALL is in progress.
+    static void RecordLine(const std::string &message);
 
 protected:
     struct Recording {
@@ -50,6 +49,9 @@ protected:
     // std::bad_alloc, which depend on how the C++ library allocates.
     static void EachFault(
         const std::function<void()> &act, const std::function<void()> &check = [] {});
+
+    // Returns the contents of a file, or "no file".
+    static std::string ReadFile(const std::string &path);
 };
 
 #endif  // TESTS_GOLDEN_TEST_H

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "json_reading.h"
+#include "parse_json.h"
 
 #include <cstring>
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
+
+constexpr int MAX_NESTING = 100;
 
 // Skips what cJSON skips before the first value: a byte order mark, control characters and spaces.
 const char *FirstValue(const char *json)
@@ -33,14 +35,14 @@ const char *EndOfString(const char *quote)
 int CountUpToLimit(const std::string &json, char character)
 {
     int count = 0;
-    for (size_t position = json.find(character); position != std::string::npos && count <= MAX_JSON_NESTING; ++count) {
+    for (size_t position = json.find(character); position != std::string::npos && count <= MAX_NESTING; ++count) {
         position = json.find(character, position + 1);
     }
     return count;
 }
 
-}  // namespace
-
+// Returns true if the first value of `json`, the only one that cJSON parses, nests more than MAX_NESTING arrays and
+// objects. Brackets and braces inside strings do not count.
 bool IsNestedTooDeeply(const char *json)
 {
     const char *position = FirstValue(json);
@@ -51,7 +53,7 @@ bool IsNestedTooDeeply(const char *json)
         switch (*position) {
             case '[':
             case '{':
-                if (++depth > MAX_JSON_NESTING) {
+                if (++depth > MAX_NESTING) {
                     return true;
                 }
                 break;
@@ -74,10 +76,12 @@ bool IsNestedTooDeeply(const char *json)
     return false;
 }
 
+}  // namespace
+
 JsonTree ParseJson(const std::string &json)
 {
     // Most documents contain too few arrays and objects to exceed the limit; counting is much faster than scanning.
-    const bool mayBeTooDeep = CountUpToLimit(json, '[') + CountUpToLimit(json, '{') > MAX_JSON_NESTING;
+    const bool mayBeTooDeep = CountUpToLimit(json, '[') + CountUpToLimit(json, '{') > MAX_NESTING;
     const bool isTooDeep = mayBeTooDeep && IsNestedTooDeeply(json.c_str());
     return JsonTree(isTooDeep ? nullptr : cJSON_Parse(json.c_str()));
 }

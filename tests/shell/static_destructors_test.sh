@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# Checks that threads can use the library while the process exits: neither the library nor the host platform may have
+# objects that are destroyed then. The constants of the public headers are such objects, so the library must not use
+# them: its sources are compiled without them.
+# Usage: static_destructors_test.sh NM HOST_PLATFORM SOURCE_DIRECTORY COMPILER [FLAG ...]
+set -euo pipefail
+
+nm=$1
+platform=$2
+top=$3
+shift 3
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+cp "$top"/include/*.h "$work"
+sed -i -E '/^inline const std::/d; /^inline const DHTypeNames .*\{$/,/^\};$/d' "$work"/*.h
+for source in "$top"/{common,protocol,json,bridge,dfx}/*.cpp; do
+    "$@" -std=c++17 -I"$work" -I"$top/common" -I"$top/platform/host/include" -S -o - "$source"
+done >"$work/library.s"
+"$nm" -u "$platform" >"$work/platform.symbols"
+if grep atexit "$work"/library.s "$work"/platform.symbols; then
+    echo "an object is destroyed at exit"
+    exit 1
+fi
+echo "no object is destroyed at exit"
