@@ -227,7 +227,8 @@ fi
 
 # Invalid arguments.
 invalid 'unknown option --nonsense' --nonsense
-expect_demo 2 "unknown option '--nonsense'" --nonsense
+expect_demo 2 'unknown option --nonsense' --nonsense
+invalid 'unknown option --verb' --verb
 invalid '--flip' --flip -1
 invalid '--faults' --faults some
 invalid '--faults' --faults 1000001 "$random"
