@@ -11,9 +11,15 @@ for script in scripts/* .ci/run; do
     for option in --help -h; do
         help=$(timeout 10 "$script" $option </dev/null) && [ -n "$help" ] || fail "$script $option prints no help"
     done
-    status=0
-    timeout 10 "$script" --no-such-option </dev/null >/dev/null 2>&1 || status=$?
-    [ $status = 2 ] || fail "$script: status $status for an unknown option"
+    for argument in --no-such-option ''; do
+        status=0
+        message=$(timeout 10 "$script" "$argument" </dev/null 2>&1) || status=$?
+        [ $status = 2 ] || fail "$script: status $status for the argument '$argument'"
+    done
+done
+for script in scripts/{fuzz,soak,test}; do
+    message=$("$script" --no-such-option 2>&1) || true
+    [[ $message == *'unknown option --no-such-option'* ]] || fail "$script does not name an unknown option: $message"
 done
 
 message=$(scripts/build nosuch 2>&1) && fail "scripts/build accepts an unknown preset"
