@@ -64,8 +64,6 @@ def print_table(paths, is_strict):
     for _, name in sorted(order.items()):
         baseline, limit = rows[name]
         both = times[name], times[name + BASELINE]
-        if not both[1]:
-            sys.exit(f"{name}: the filter excludes its baseline, {name + BASELINE}")
         ratios = [time / base for time, base in zip(*both)]
         results.append(rate(ratios, limit))
         medians = " / ".join(format_time(statistics.median(each)) for each in both)

@@ -24,12 +24,12 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
     if (!parcel.WriteUint32(static_cast<uint32_t>(params.size()))) {
         return false;
     }
-    char start[MAX_INT32_LENGTH + 1];  // key and separator
-    std::string entry;                 // reused for all entries, to save allocations
+    char prefix[MAX_INT32_LENGTH + 1];  // key and separator
+    std::string entry;                  // reused for all entries, to save allocations
     for (const auto &[key, value] : params) {
-        char *end = std::to_chars(std::begin(start), std::end(start) - 1, key).ptr;
+        char *end = std::to_chars(std::begin(prefix), std::end(prefix) - 1, key).ptr;
         *end++ = KEY_END;
-        entry.assign(start, end).append(value);
+        entry.assign(prefix, end).append(value);
         if (!parcel.WriteString(entry)) {
             return false;
         }
@@ -41,7 +41,7 @@ bool WriteEntries(MessageParcel &parcel, const std::map<int32_t, std::string> &p
 // std::from_chars: its inline code may rely on unsigned overflow (for "-0"), which aborts the process on a device.
 std::optional<int32_t> ToInt32(const std::string &number)
 {
-    const long long value = std::strtoll(number.c_str(), nullptr, 10);  // saturates far outside of the range
+    const long long value = std::strtoll(number.c_str(), nullptr, 10);  // saturates far outside the range
     if (value < INT32_MIN || value > INT32_MAX) {
         return std::nullopt;
     }

@@ -38,8 +38,8 @@ configure_file(cmake/ostra_adapter_utils.pc.in ostra_adapter_utils.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ostra_adapter_utils.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # The documentation and the files that it links to, in the layout of the repository.
-set(pages_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostra_adapter_utils)
-install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${pages_dir})
-install(DIRECTORY docs examples DESTINATION ${pages_dir}
+set(doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostra_adapter_utils)
+install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${doc_dir})
+install(DIRECTORY docs examples DESTINATION ${doc_dir}
         FILES_MATCHING PATTERN *.md PATTERN *.svg PATTERN *.png PATTERN *.cpp PATTERN *.h)
-install(FILES platform/host/README.md DESTINATION ${pages_dir}/platform/host)
+install(FILES platform/host/README.md DESTINATION ${doc_dir}/platform/host)

@@ -48,16 +48,16 @@ std::string GetRandomID()
     const auto draw = [] {
         return uint64_t{device()} << 32 | device();
     };
-    const uint64_t a = draw();
-    const uint64_t b = draw();
+    const uint64_t high = draw();
+    const uint64_t low = draw();
 
     std::string id;
-    AppendHex(id, a >> 32, 8);
-    AppendHex(id, a >> 16, 4);
-    AppendHex(id, (a & 0x0FFF) | 0x4000, 4);          // version 4
-    AppendHex(id, ((b >> 48) & 0x3FFF) | 0x8000, 4);  // variant
-    AppendHex(id, b >> 32, 4);
-    AppendHex(id, b, 8);
+    AppendHex(id, high >> 32, 8);
+    AppendHex(id, high >> 16, 4);
+    AppendHex(id, (high & 0x0FFF) | 0x4000, 4);         // version 4
+    AppendHex(id, ((low >> 48) & 0x3FFF) | 0x8000, 4);  // variant
+    AppendHex(id, low >> 32, 4);
+    AppendHex(id, low, 8);
     return id;
 }
 
@@ -121,7 +121,7 @@ void OSTRAIntToByte(uint32_t value, uint8_t *byteArray, uint32_t byteSize)
     byteArray[3] = static_cast<uint8_t>(value);
 }
 
-// Matches NUMBER_PATTERN without std::regex, which takes about ten thousand times as long to construct.
+// Matches NUMBER_PATTERN without std::regex, whose construction takes about ten thousand times as long.
 bool CheckIsNum(const std::string &value)
 {
     if (value.empty() || value.size() > MAX_NUMBER_LENGTH) {

@@ -41,8 +41,8 @@ int CountUpToLimit(const std::string &json, char character)
     return count;
 }
 
-// Returns true if the first value of `json`, the only one that cJSON parses, nests more than MAX_NESTING arrays and
-// objects. Brackets and braces inside strings do not count.
+// Returns true if the first value of `json`, the only one that cJSON parses, nests arrays and objects more than
+// MAX_NESTING levels deep. Brackets and braces inside strings do not count.
 bool IsNestedTooDeeply(const char *json)
 {
     const char *position = FirstValue(json);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Parsing of untrusted JSON from a peer, with a limit on nesting.
+// Parses untrusted JSON from a peer, with a nesting limit.
 
 #ifndef COMMON_PARSE_JSON_H
 #define COMMON_PARSE_JSON_H
@@ -11,7 +11,7 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-// Parses `json` up to its first NUL. Returns null if it is not valid JSON, nests more than 100 arrays and objects, or
+// Parses `json` up to its first NUL. Returns null if it is not valid JSON, is nested more than 100 levels deep, or
 // allocation fails. cJSON recurses once per level and allows 1000 levels, which overflows a small stack.
 JsonTree ParseJson(const std::string &json);
 

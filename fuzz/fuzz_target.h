@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
 namespace Fuzz {
 
-inline std::string currentInput;  // printed with a difference
+inline std::string currentInput;  // printed if values differ
 
 inline std::string Begin(const uint8_t *data, size_t size)
 {

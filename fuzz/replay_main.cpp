@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Runs a fuzzer on files and on mutations of them, the same in every run.
+// Runs a fuzzer on files and on mutations of them, which are the same in every run.
 // Usage: fuzz_replay_NAME FILE...
 
 #include <algorithm>

@@ -20,7 +20,7 @@
 
 namespace OHOS::DistributedHardware::OstraAdapter {
 
-/// A header value that ChannelProtocol::ReadEA decoded.
+/// The header value decoded by ChannelProtocol::ReadEA.
 struct UnPackagedEA {
     uint32_t value = 0;  ///< 0 to 0x0FFFFFFF.
     int32_t offset = 0;  ///< Position of the byte after the header value, where the content begins.
@@ -28,8 +28,8 @@ struct UnPackagedEA {
 
 /// One frame in a buffer that the object owns.
 ///
-/// Call Create or CreateFromBuffer once per object: a further call replaces the buffer without releasing it. Callers
-/// may read the members but must not change them.
+/// Call Create or CreateFromBuffer once per object: another call replaces the buffer without releasing it. Callers may
+/// read the members but must not change them.
 ///
 /// Operations that fail log an error unless documented otherwise. They throw nothing: if allocation fails, they return
 /// false.
@@ -49,8 +49,8 @@ public:
 
     /// Prepares a frame to send: writes the header value and reserves `contentSize` bytes for the content.
     ///
-    /// The content is undefined until WriteContent. Only the low 28 bits of a negative `eaValue` are encoded, as four
-    /// bytes without a stop bit: -1 becomes 7F 7F 7F 7F.
+    /// The content is undefined until WriteContent writes it. Only the low 28 bits of a negative `eaValue` are encoded,
+    /// as four bytes without a stop bit: -1 becomes 7F 7F 7F 7F.
     ///
     /// Returns false if:
     /// - `eaValue` is greater than 0x0FFFFFFF or `contentSize` is negative; the object is unchanged.

@@ -14,8 +14,8 @@
 ///     cJSON *root = cJSON_Parse(json.c_str());     // delete it with cJSON_Delete
 ///     const char *deviceId = cJSON_GetStringValue(cJSON_GetObjectItem(root, "deviceId"));
 ///
-/// Operations return the OSTRA_JSON_ codes of ostra_constants.h, and log an error if they fail.
-/// Not thread-safe: callers must synchronize access to an object.
+/// Operations that can fail return an OSTRA_JSON_ code from ostra_constants.h, and log an error on failure. Not
+/// thread-safe: callers must synchronize access to an object.
 
 #ifndef DH_DEVICE_JSON_H
 #define DH_DEVICE_JSON_H
@@ -93,11 +93,11 @@ struct AudioProfile {
 /// Results accumulate over the lifetime of an object: lists, codec bits and the profile string only grow, except that
 /// the codec bits are reset to 0 if there are no codecs.
 ///
-/// A document ends at its first NUL. Keys are case-insensitive. A document whose first value nests more than 100 arrays
-/// and objects is rejected as invalid JSON, so that documents of a peer can be read with 64 KiB of stack. If allocation
-/// fails inside cJSON, operations return an error code; if it fails for a string or list of this library, they throw
-/// std::bad_alloc, and that string or list is unchanged, while those written before keep their new values. The default
-/// constructor and the destructor log a line at info level; copying logs nothing.
+/// A document ends at its first NUL. Keys are case-insensitive. A document whose first value nests arrays and objects
+/// more than 100 levels deep is rejected as invalid JSON, so that a peer's documents can be read with 64 KiB of stack.
+/// If allocation fails inside cJSON, operations return an error code; if it fails for a string or list of this library,
+/// they throw std::bad_alloc, and that string or list is unchanged, while those written before keep their new values.
+/// The default constructor and the destructor log a line at info level; copying logs nothing.
 class DHOSTRAAudioProperties {
 public:
     OSTRA_EXPORT DHOSTRAAudioProperties();
@@ -192,8 +192,8 @@ public:
     /// - "properties" or "status" cannot be stored as JSON; members read before keep their new values.
     OSTRA_EXPORT int32_t Unmarshal(const std::string &in);
 
-    /// Returns a one-line description for logs: device id and name, service id and status are masked, properties_,
-    /// audioProperties_ and the service type are not.
+    /// Returns a one-line description for logs. Masks device id and name, service id and status, but not properties_,
+    /// audioProperties_ and the service type.
     OSTRA_EXPORT std::string String() const;
 
     std::string deviceId_;

@@ -26,7 +26,7 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 
 /// The business that a connection serves. The services that use the library define the values; the library only stores
-/// and passes them on.
+/// them and passes them on.
 enum class DHBusinessId : uint32_t;
 
 /// The kind of a connection's channel. The services that use the library define the values.
@@ -98,7 +98,7 @@ struct DHConnectInfo {
 
 /// A connection and its channel.
 struct DHConnectDevice {
-    /// Stores the handle of the channel, the business and the kind of channel unchanged, and copies the connection.
+    /// Copies the arguments, without validation. The first is the handle of the channel.
     OSTRA_EXPORT DHConnectDevice(int session, DHBusinessId business, DHChannelType channel, DHConnectInfo &connection);
     OSTRA_EXPORT ~DHConnectDevice();
     DHConnectDevice(const DHConnectDevice &) = default;
@@ -118,7 +118,7 @@ struct DHConnectDevice {
 /// Not thread-safe: callers must synchronize calls. The first call may be made from any thread.
 OSTRA_EXPORT std::string GetRandomID();
 
-/// Masks the middle of `value` with six asterisks.
+/// Returns `value` with its middle replaced by six asterisks.
 ///
 /// Keeps 4 bytes at each end of a string of 21 bytes or more, 1 byte at each end of a string of 3 to 20 bytes, and none
 /// of a shorter one. Counts bytes, not characters.
@@ -151,7 +151,7 @@ OSTRA_EXPORT void OSTRAIntToByte(uint32_t value, uint8_t *byteArray, uint32_t by
 /// Returns true if `value` consists of an optional sign and decimal digits (see NUMBER_PATTERN), and has at most 100
 /// characters.
 ///
-/// Logs an error if `value` is empty or longer. The magnitude of the number is not checked.
+/// Logs an error if `value` is empty or too long. The magnitude of the number is not checked.
 OSTRA_EXPORT bool CheckIsNum(const std::string &value);
 
 /// Appends `size` bytes of `data` to a file, which is created if it does not exist.

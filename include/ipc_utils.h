@@ -33,18 +33,17 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 /// before are kept.
 class IpcUtils {
 public:
-    /// Writes a map, in ascending order of keys.
+    /// Writes `params` to `parcel`, in ascending order of keys.
     ///
     /// Returns false, and logs an error, if:
     /// - The map has more than 10000 entries; the parcel is unchanged.
     /// - The parcel is full; the entries written before remain in it.
     OSTRA_EXPORT static bool Marshalling(MessageParcel &parcel, const std::map<int32_t, std::string> &params);
 
-    /// Reads a map and adds its entries to `params`, replacing the values of keys that are already there.
+    /// Reads a map from `parcel` and adds its entries to `params`, replacing the values of keys that are already there.
     ///
     /// The first "#" of an entry ends the key. An entry is logged as an error and skipped if it has no "#", if its key
-    /// is not an optional sign followed by digits (at most 100 characters), or if its key is out of the range of
-    /// int32_t.
+    /// is not an optional sign followed by digits (at most 100 characters), or if its key is out of range for int32_t.
     ///
     /// Returns true if every entry was read, including skipped ones. Returns false, and logs an error, if:
     /// - The number of entries is greater than 10000; `params` is unchanged.

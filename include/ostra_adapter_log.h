@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Logging to HiLog, with the name of the calling function before each message.
+/// Logs messages to HiLog, each prefixed with the name of the calling function.
 ///
 ///     void Connect(int port)
 ///     {
@@ -44,9 +44,9 @@ OSTRA_EXPORT void DHLog(DHLogLevel level, const char *format, ...) __attribute__
 
 /// Logs a message at debug level, after "[ostraadapterutils][FUNCTION]:".
 ///
-/// The first argument is a string literal in the format of printf; the compiler checks the other arguments against it.
-/// FUNCTION is the name of the enclosing function, without its class. Inside a lambda it would be "operator()": log
-/// outside of the lambda. Prefix and message together are the format of DHLog.
+/// The first argument is a printf format string, as a literal; the compiler checks the other arguments against it.
+/// FUNCTION is the name of the enclosing function, without its class. Inside a lambda it is "operator()": log outside
+/// the lambda. Prefix and message together form the format string of DHLog.
 #define OSTRA_LOGD(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_DEBUG, __VA_ARGS__)
 /// Logs a message at info level; see OSTRA_LOGD.
 #define OSTRA_LOGI(...) OSTRA_LOG(::OHOS::DistributedHardware::OstraAdapter::DH_LOG_INFO, __VA_ARGS__)

@@ -59,7 +59,7 @@ inline void LogComposed(DHLogLevel level, const char *format, const char * /* me
 
 #define OSTRA_LOG_FIRST(first, ...) first
 
-// The arguments after the level are those of printf: the message as the format, and its values.
+// The arguments after `level` are those of printf: the message as the format string, and its values.
 #define OSTRA_LOG(level, ...)                                                                                       \
     do {                                                                                                            \
         static constexpr auto ostraLogFormat_ =                                                                     \

@@ -88,7 +88,8 @@ inline const std::string PIXEL_FORMAT_YUVI420 = "yuvi420";
 /// Pixel format RGBA8888.
 inline const std::string PIXEL_FORMAT_RGBA8888 = "rgba8888";
 
-/// Names of device types. Keys are numbers, since not every release of the framework defines every enumerator.
+/// Names of device types. The keys are cast from numbers, since not every release of the framework defines every
+/// enumerator.
 using DHTypeNames = std::unordered_map<DHType, std::string>;
 /// Names in upper case.
 inline const DHTypeNames DHTYPE_NAME_MAP = {
@@ -112,13 +113,13 @@ inline const DHTypeNames DHTYPE_DISPLAY_NAME_MAP = {
 /// std::bad_alloc if allocation fails; the queue is then unchanged, and the context remains usable.
 class OstraContext {
 public:
-    /// Returns the context of the process, which the first call creates and which is never destroyed.
+    /// Returns the context of the process. It is created by the first call and never destroyed.
     OSTRA_EXPORT static OstraContext &GetInstance();
 
     OstraContext(const OstraContext &) = delete;
     OstraContext &operator=(const OstraContext &) = delete;
 
-    /// Queues `event` for the device `devId`. Replaces an earlier event of the device that is not published yet.
+    /// Queues `event` for the device `devId`. Replaces an earlier event of the device that has not been published yet.
     ///
     /// Does not validate its arguments: empty strings are queued as well. Strings are published up to their first NUL.
     OSTRA_EXPORT void AddWaitNotify(const std::string &devId, const std::string &event);
@@ -129,7 +130,7 @@ public:
     /// ascending byte order of device ids. The framework's results are ignored.
     ///
     /// If allocation fails inside cJSON, logs an error and leaves the queue unchanged: the next call publishes all of
-    /// it, including notifications that were published already. The same applies if a listener throws; the exception
+    /// it, including notifications that it has already published. The same applies if a listener throws; the exception
     /// propagates to the caller.
     OSTRA_EXPORT void PublishMessage();
 

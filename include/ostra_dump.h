@@ -10,7 +10,7 @@
 ///
 /// The value of the parameter is the write mode: with "w" a file contains the bytes of the last call, with "a" those of
 /// all calls. With any other value no file is opened. **If no file appears,** check the log at debug level (on the
-/// host, `OSTRA_HOST_LOG_LEVEL=debug`). File names of more than 34 characters are rejected without a log line.
+/// host, `OSTRA_HOST_LOG_LEVEL=debug`). File names of more than 34 bytes are rejected without a log line.
 
 #ifndef OSTRA_DUMP_H
 #define OSTRA_DUMP_H
@@ -38,7 +38,7 @@ inline const std::string DUMP_PATH_PREFIX = "/data/local/tmp/";
 /// if allocation of a string fails; no file is then opened.
 class OstraDump {
 public:
-    /// Returns the writer of the process, which the first call creates and which is never destroyed.
+    /// Returns the writer of the process. It is created by the first call and never destroyed.
     OSTRA_EXPORT static OstraDump &GetInstance();
 
     OstraDump(const OstraDump &) = delete;
@@ -64,14 +64,14 @@ public:
 
     /// Opens DUMP_PATH_PREFIX + fileName in the current mode, writes `size` bytes and closes the file.
     ///
-    /// **All users may write to the directory, and `fileName` is not checked:** ".." and symbolic links are followed
-    /// to any file, and a FIFO blocks the caller until a reader opens it, which then receives the bytes. A size of 0
-    /// only opens the file, which truncates it in mode "w".
+    /// **The directory is world-writable, and `fileName` is not validated:** ".." and symbolic links are followed to
+    /// any file, and a FIFO blocks the caller until a reader opens it, which then receives the bytes. A size of 0 only
+    /// opens the file, which truncates it in mode "w".
     ///
     /// Writes nothing if:
     /// - `data` is null or `size` is negative, even if dumps are disabled; logged as an error.
     /// - Dumps are disabled; logged at debug level.
-    /// - The path has more than 50 characters; not logged.
+    /// - The path has more than 50 bytes; not logged.
     /// - The mode is neither "w" nor "a", or the file cannot be opened; logged at debug level.
     ///
     /// Logs an error if some bytes could not be written, for instance because the disk is full.
@@ -80,7 +80,7 @@ public:
     /// Opens `path` in the mode that Init read. The caller must close the file, for instance with CloseDumpFile.
     ///
     /// Follows symbolic links and opens FIFOs like DumpStreamData. Returns null if:
-    /// - `path` has more than 50 characters; not logged.
+    /// - `path` has more than 50 bytes; not logged.
     /// - The mode is neither "w" nor "a", or the file cannot be opened; logged at debug level.
     OSTRA_EXPORT FILE *OpenDumpFile(const std::string &path);
 

@@ -26,18 +26,19 @@ extern "C" {
 
 /** Sets the QoS level of a thread of this process.
  *
- * `level` is the number of an OHOS::QOS::QosLevel, `tid` a thread id. Returns the platform's result, 0 for success. On
- * the host, throws std::bad_alloc if allocation fails; the thread may then already be scheduled at the level.
+ * `level` is the numeric value of an OHOS::QOS::QosLevel (0 to 6), `tid` the id of the thread. Returns the platform's
+ * result, 0 for success. On the host, throws std::bad_alloc if allocation fails; the thread may then already be
+ * scheduled at the level.
  */
 OSTRA_EXPORT int32_t SetQos(int32_t level, int32_t tid);
 
-/** Removes the QoS level of a thread.
+/** Removes the QoS level of the thread `tid` of this process.
  *
  * Returns the platform's result, 0 for success. On the host, throws std::bad_alloc if allocation fails.
  */
 OSTRA_EXPORT int32_t ResetQos(int32_t tid);
 
-/** Requests authorization of a process.
+/** Requests authorization of a process from the platform's concurrent task service.
  *
  * `pid` is the process id in decimal; it must not be null, and is passed on unchanged. Throws std::bad_alloc if
  * allocation fails.

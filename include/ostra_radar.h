@@ -46,13 +46,13 @@ inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 /// thread-safe. All throw std::bad_alloc if allocation of a string fails.
 class OstraRadar {
 public:
-    /// Returns the reporter of the process, which the first call creates and which is never destroyed.
+    /// Returns the reporter of the process. It is created by the first call and never destroyed.
     OSTRA_EXPORT static OstraRadar &GetInstance();
 
     OstraRadar(const OstraRadar &) = delete;
     OstraRadar &operator=(const OstraRadar &) = delete;
 
-    /// Sets the business id, the number of the business that later events belong to, which they contain as BIZ_SCENE.
+    /// Sets the business id: the number of the business that later events belong to (BIZ_SCENE).
     ///
     /// It is -1 until set; any number is accepted.
     OSTRA_EXPORT void SetCurBusinessId(int businessId);

@@ -118,12 +118,12 @@ bool ChannelProtocol::WriteContent(unsigned char *data, int length) const
         OSTRA_LOGE("ChannelProtocol::WriteContent: Invalid para.");
         return false;
     }
-    const int64_t room = static_cast<int64_t>(bufferSize_) - offset_;
-    if (length > room) {
+    const int64_t available = static_cast<int64_t>(bufferSize_) - offset_;
+    if (length > available) {
         OSTRA_LOGE("ChannelProtocol::WriteContent: datalen Invalid.");
         return false;
     }
-    if (memcpy_s(protocolBuffer_ + offset_, static_cast<size_t>(room), data, static_cast<size_t>(length)) != 0) {
+    if (memcpy_s(protocolBuffer_ + offset_, static_cast<size_t>(available), data, static_cast<size_t>(length)) != 0) {
         OSTRA_LOGE("ChannelProtocol::WriteContent: memcpy failed.");
         return false;
     }

@@ -13,7 +13,7 @@ namespace OHOS::DistributedHardware::OstraAdapter {
 
 namespace {
 
-// A block is 16 bytes of the message as a polynomial. Like a remainder it is reflected: the low half holds the higher
+// A block is 16 bytes of the message as a polynomial. Like a remainder, it is reflected: the low half holds the higher
 // powers of x.
 constexpr size_t BLOCK_BYTES = sizeof(Block);
 constexpr size_t LANES = 4;
@@ -24,7 +24,7 @@ constexpr size_t STEP_BYTES = LANES * BLOCK_BYTES;
 // n = 8 * bytes, it has the same remainder as
 //     low * (x^(n + 64) mod P) + high * (x^n mod P),
 // which again has fewer than 128 bits: folding costs two multiplications and an addition, regardless of the distance.
-// The product of two reflected 64-bit numbers has 127 bits; read as a reflected 128-bit number it has an additional
+// The product of two reflected 64-bit numbers has 127 bits; read as a reflected 128-bit number, it has an additional
 // factor x, so both exponents are reduced by one. The 16 bits of a remainder are the low powers of x: the top bits of a
 // reflected number.
 constexpr Block FoldConstants(size_t bytes)
@@ -77,8 +77,8 @@ CARRY_LESS_TARGET uint16_t ExtendCrc16ByFolding(uint16_t crc, const uint8_t *dat
 
 bool HasCarryLessMultiplication()
 {
-    static const bool has = DetectCarryLessMultiply();
-    return has;
+    static const bool isSupported = DetectCarryLessMultiply();
+    return isSupported;
 }
 
 #else

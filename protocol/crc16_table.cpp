@@ -11,7 +11,7 @@ namespace {
 constexpr size_t BLOCK_BYTES = 16;
 using Table = std::array<uint16_t, 256>;
 
-// Row k holds the CRC of each byte followed by k bytes 0x00; row 0 is the usual table of a byte-wise CRC.
+// Row k holds the CRC of each byte followed by k 0x00 bytes; row 0 is the usual table of a byte-wise CRC.
 constexpr std::array<Table, BLOCK_BYTES> MakeTables()
 {
     std::array<Table, BLOCK_BYTES> tables{};

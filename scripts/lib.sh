@@ -15,10 +15,14 @@ usage_error() {
     exit 2
 }
 
-# at_most COUNT ARGUMENT ...: rejects more than COUNT arguments, and options if COUNT is 0
+# at_most COUNT ARGUMENT ...: rejects options, and more than COUNT arguments
 at_most() {
-    [[ ${2-} != -?* || $1 != 0 ]] || usage_error "unknown option $2"
-    [ $# -le $(($1 + 1)) ] || usage_error "too many arguments: ${*:2}"
+    local count=$1 argument
+    shift
+    for argument in "$@"; do
+        [[ $argument != -?* ]] || usage_error "unknown option $argument"
+    done
+    [ $# -le "$count" ] || usage_error "too many arguments: $*"
 }
 
 # presets build|test: prints the names of the presets that can be built or tested
@@ -30,7 +34,7 @@ presets() {
 # need_preset build|test NAME: rejects a name that is not a preset of that kind
 need_preset() {
     [ "$(presets "$1" | grep -cxF -e "$2")" = 1 ] ||
-        usage_error "unknown $1 preset $2; $1 presets: $(presets "$1" | paste -sd ' ')"
+        usage_error "unknown $1 preset '$2'; $1 presets: $(presets "$1" | paste -sd ' ')"
 }
 
 case ${1-} in

@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "dh_device_json.h"
@@ -49,7 +50,7 @@ settings; frame 3 is the first chunk of the stream.
       --flip N       corrupt frame N, counted from 0, without announcing it to the sink as an injected fault: the pair
                      must fail and name the frame
       --timeout T    wait at most T seconds for a side that does not respond; 10 by default
-      --trace FILE   write every message of the source to FILE, one line of hexadecimal bytes each
+      --trace FILE   write each message of the source to FILE, in hexadecimal on a line; - is standard output
       --dump         dump the stream that the sink receives to /data/local/tmp/
   -v, --verbose      print every event and the connection
   -h, --help         print this help and exit
@@ -103,42 +104,50 @@ int PrintSystemError(const std::string &path)
     return PrintError(path + ": " + std::strerror(errno));
 }
 
-// Prints to standard output, or to standard error if the stream goes to standard output.
+// Prints to standard output, or to standard error if the stream or the trace goes to standard output.
 bool Print(const PairOptions &options, const std::string &lines)
 {
-    std::FILE *const file = options.outputPath == STANDARD_STREAM ? stderr : stdout;
+    const bool isUsed = options.outputPath == STANDARD_STREAM || options.tracePath == STANDARD_STREAM;
+    std::FILE *const file = isUsed ? stderr : stdout;
     return std::fputs(lines.c_str(), file) >= 0 && std::fflush(file) == 0;
 }
 
-// Opens the file that the sink writes and sets `output` to its descriptor, or to -1 if there is none. Prints an error
-// and returns false on failure.
-bool OpenOutput(const std::string &path, int input, int &output)
+bool IsSameFile(int left, int right)
 {
-    output = -1;
-    if (path.empty()) {
-        return true;
+    struct stat a {};
+    struct stat b {};
+    return fstat(left, &a) == 0 && fstat(right, &b) == 0 &&
+           (left == right || (S_ISREG(a.st_mode) && a.st_dev == b.st_dev && a.st_ino == b.st_ino));
+}
+
+// Opens the files that the sink and the source write, and sets `output` and `trace` to their descriptors, or to -1 if
+// there is none. Returns an error message, or an empty string on success.
+std::string OpenFiles(const PairOptions &options, int input, int &output, int &trace)
+{
+    const std::array<std::pair<const std::string &, int &>, 2> files = {
+        {{options.outputPath, output}, {options.tracePath, trace}}};
+    for (const auto &[path, fd] : files) {
+        constexpr int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY;
+        fd = path.empty() ? -1 : path == STANDARD_STREAM ? STDOUT_FILENO : open(path.c_str(), flags, 0666);
+        if (fd < 0 && !path.empty()) {
+            return path + ": " + std::strerror(errno);
+        }
     }
-    const bool isStandardOutput = path == STANDARD_STREAM;
-    output = isStandardOutput ? STDOUT_FILENO : open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666);
-    struct stat from {};
-    struct stat to {};
-    if (output < 0 || fstat(output, &to) != 0) {
-        PrintSystemError(path);
-        return false;
+    std::string conflict = IsSameFile(output, input)   ? options.outputPath + ": the output is the input file"
+                           : IsSameFile(trace, input)  ? options.tracePath + ": the trace is the input file"
+                           : IsSameFile(trace, output) ? options.tracePath + ": the trace is the output file"
+                                                       : "";
+    if (!conflict.empty()) {
+        return conflict;
     }
-    if (!S_ISREG(to.st_mode)) {
-        return true;
+    // Truncate only now: opening with O_TRUNC would already have truncated a file that is the input. A pipe or a device
+    // cannot be truncated (EINVAL).
+    for (const auto &[path, fd] : files) {
+        if (fd >= 0 && path != STANDARD_STREAM && ftruncate(fd, 0) != 0 && errno != EINVAL) {
+            return path + ": " + std::strerror(errno);
+        }
     }
-    if (fstat(input, &from) == 0 && from.st_dev == to.st_dev && from.st_ino == to.st_ino) {
-        PrintError(path + ": the output is the input file");
-        return false;
-    }
-    // Truncate only now: opening with O_TRUNC would already have truncated an output that is the input.
-    if (!isStandardOutput && ftruncate(output, 0) != 0) {
-        PrintSystemError(path);
-        return false;
-    }
-    return true;
+    return "";
 }
 
 // Creates a connected pair of sockets with a timeout in seconds: the source sends through the first, the sink
@@ -237,12 +246,13 @@ int main(int argc, char **argv)
     }
     const std::optional<uint64_t> chunks = input.Length().chunks;
     if (chunks && options.faults.count > MaxFaults(*chunks)) {
-        return PrintError("--faults: at most " + std::to_string(MaxFaults(*chunks)) + " fit into " + input.Name(),
+        return PrintError("--faults: the maximum for " + input.Name() + " is " + std::to_string(MaxFaults(*chunks)),
                           EXIT_USAGE);
     }
     int output = -1;
-    if (!OpenOutput(options.outputPath, input.Descriptor(), output)) {
-        return EXIT_FAILURE;
+    int trace = -1;
+    if (const std::string error = OpenFiles(options, input.Descriptor(), output, trace); !error.empty()) {
+        return PrintError(error);
     }
     if (!Print(options, "sending " + input.Name() + ", as fast as possible\n")) {
         return PrintSystemError("standard output");
@@ -257,7 +267,7 @@ int main(int argc, char **argv)
     const StreamDescription description = DescribeStream();
     ChildProcess source = Start("source", [&] {
         close(ends[1]);
-        return RunSource(ends[0], description, options, input);
+        return RunSource(ends[0], description, options, input, trace);
     });
     close(ends[0]);
     ChildProcess sink = Start("sink", [&] { return RunSink(ends[1], description, options, output); });

@@ -72,8 +72,10 @@ struct SideReport {
 
 class Input;
 
-// Sends the description, then `input` up to its end or SIGINT, then the frame that ends the stream.
-SideReport RunSource(int socket, const StreamDescription &description, const PairOptions &options, Input &input);
+// Sends the description, then `input` up to its end or SIGINT, then the frame that ends the stream. Writes all messages
+// to `trace` unless that is -1.
+SideReport RunSource(int socket, const StreamDescription &description, const PairOptions &options, Input &input,
+                     int trace);
 
 // Receives these frames, writes the stream to `output` unless that is -1, and checks that all of it arrived.
 SideReport RunSink(int socket, const StreamDescription &description, const PairOptions &options, int output);

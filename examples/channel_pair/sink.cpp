@@ -125,16 +125,13 @@ public:
 
     SideReport Report(const BusinessFlow &flow, const std::string &notified)
     {
-        const std::string lost = end_.empty()
-                                     ? "unknown: the end of the stream is missing"
-                                     : std::to_string(Lost()) + " of " + std::to_string(end_[SENT_CHUNKS]) + " chunks";
+        const std::string lost = end_.empty() ? "unknown: the end of the stream is missing" : LostChunks();
         report_.summary = "sink\n" + TotalRows(received_, start_) + Row("lost", lost) +
                           Row("detected", ToString(receiver_.Status().detected)) + Row("device", device_) +
                           Row("service", service_) + Row("settings", settings_) + Row("notified", notified) +
                           flow.Rows(options_.isVerbose);
         if (options_.isDumped && report_.failure.empty()) {
-            const std::string bytes = std::to_string(received_.bytes);
-            report_.summary += Row("dump", dumpPath_ + ", " + bytes + " bytes; delete it with: rm " + dumpPath_);
+            report_.summary += Row("dump", dumpPath_ + "; delete it with: rm " + dumpPath_);
         }
         report_.result = end_.empty() ? "" : Result();
         return report_;
@@ -198,9 +195,10 @@ private:
                     ": the dump is incomplete: " + (isWritten ? "not all was written" : std::strerror(errno)));
     }
 
-    uint64_t Lost() const
+    std::string LostChunks() const
     {
-        return end_[SENT_CHUNKS] - received_.chunks;
+        const uint64_t sent = end_[SENT_CHUNKS];
+        return std::to_string(sent - received_.chunks) + " of " + std::to_string(sent) + " chunks";
     }
 
     void CheckDescription()
@@ -222,7 +220,7 @@ private:
         const std::string detected = "faults detected: " + ToString(receiver_.Status().detected);
         const uint64_t intact = end_[INTACT_CHUNKS];
         if (received_.chunks < intact) {
-            Fail(std::to_string(intact - received_.chunks) + " of " + std::to_string(intact) + " chunks are missing; " +
+            Fail(std::to_string(intact - received_.chunks) + " of " + std::to_string(intact) + " chunks missing; " +
                  detected);
         } else if (receiver_.Status().detected != injected) {
             Fail(detected + "; faults injected: " + ToString(injected));
@@ -238,10 +236,10 @@ private:
         if (faults == 0) {
             return received_.chunks == 0 ? "nothing was sent: the input is empty" : "every byte arrived";
         }
-        const std::string all = std::to_string(faults);
-        return all + " faults injected, " + all + " detected. The sink drops every frame with a fault:\n  " +
-               std::to_string(Lost()) + " chunks were corrupted, truncated, delayed, emptied or oversized, and are " +
-               "lost; the other faults\n  only added frames. Every other chunk arrived";
+        const std::string count = std::to_string(faults);
+        return "faults injected: " + count + ", detected: " + count + ". The sink drops every frame with a fault:\n  " +
+               LostChunks() + " lost (corrupted, truncated, delayed, emptied or oversized); the other faults\n  " +
+               "only added frames. Every other chunk arrived";
     }
 
     bool FailWithoutEnd(int error)

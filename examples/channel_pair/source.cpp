@@ -30,23 +30,14 @@ ByteView AsBytes(const std::string &document)
 
 class Source {
 public:
-    Source(int socket, const StreamDescription &description, const PairOptions &options, Input &input)
+    Source(int socket, const StreamDescription &description, const PairOptions &options, Input &input, int trace)
         : socket_(socket),
           description_(description),
           options_(options),
           input_(input),
-          trace_(nullptr, std::fclose),
+          trace_(trace < 0 ? nullptr : fdopen(trace, "w"), std::fclose),
           injector_(options.faults, input.Length())
     {
-    }
-
-    bool OpenTrace()
-    {
-        if (options_.tracePath.empty()) {
-            return true;
-        }
-        trace_.reset(std::fopen(options_.tracePath.c_str(), "we"));
-        return trace_ != nullptr || Fail(options_.tracePath + ": " + std::strerror(errno));
     }
 
     bool SendDescription()
@@ -92,9 +83,10 @@ public:
             return false;
         }
         if (injector_.Remaining() > 0 && report_.result.empty()) {
-            return Fail("the stream is too short: " + std::to_string(injector_.Remaining()) + " faults not injected");
+            return Fail("the stream has only " + std::to_string(nextFrame_) +
+                        " frames; faults not injected: " + std::to_string(injector_.Remaining()));
         }
-        if (trace_ != nullptr && std::fflush(trace_.get()) != 0) {
+        if (!options_.tracePath.empty() && (trace_ == nullptr || std::fflush(trace_.get()) != 0)) {
             return Fail(options_.tracePath + ": " + std::strerror(errno));
         }
         return true;
@@ -191,11 +183,12 @@ private:
 
 }  // namespace
 
-SideReport RunSource(int socket, const StreamDescription &description, const PairOptions &options, Input &input)
+SideReport RunSource(int socket, const StreamDescription &description, const PairOptions &options, Input &input,
+                     int trace)
 {
     BusinessFlow flow("source");
-    Source source(socket, description, options, input);
-    const bool isDescribed = source.OpenTrace() && source.SendDescription();
+    Source source(socket, description, options, input, trace);
+    const bool isDescribed = source.SendDescription();
     flow.ReportStart(isDescribed);
 
     constexpr auto level = static_cast<int32_t>(OHOS::QOS::QosLevel::QOS_USER_INTERACTIVE);

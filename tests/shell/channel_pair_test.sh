@@ -152,20 +152,20 @@ for seed in 1 2 3; do
     expect 0 $'lost        40 of 322 chunks
 injected    56 (8 corrupted, 8 truncated, 8 duplicated, 8 delayed, 8 empty, 8 oversized, 8 unexpected)
 detected    56 (8 corrupted, 8 truncated, 8 duplicated, 8 delayed, 8 empty, 8 oversized, 8 unexpected)
-56 faults injected, 56 detected\n40 chunks were corrupted' --faults 56 --seed "$seed" "$random"
+faults injected: 56, detected: 56\n40 of 322 chunks lost (corrupted' --faults 56 --seed "$seed" "$random"
 done
-head -c 500000 "$random" | expect 0 '7 faults injected, 7 detected' --faults 7 -
-expect 0 '14 faults injected, 14 detected' --seconds 1 --faults 14
+head -c 500000 "$random" | expect 0 'faults injected: 7, detected: 7' --faults 7 -
+expect 0 'faults injected: 14, detected: 14' --seconds 1 --faults 14
 expect 1 $'lost        1 of 250 chunks\n6 business-flow stages reported, 3 failed
-1 of 250 chunks are missing; faults detected: 1 (1 corrupted); the first missing frame is frame 10' --flip 10
+1 of 250 chunks missing; faults detected: 1 (1 corrupted); the first missing frame is frame 10' --flip 10
 expect 1 'the device document is missing or not as expected' --flip 0
 expect 1 'the service document is missing or not as expected' --flip 1
 expect 1 $'the settings are missing or not as expected\nthe first missing frame is frame 2' --flip 2
 expect_error 1 'the end of the stream is missing, expected frame 253' --flip 253
-expect_error 1 'the stream is too short: 1 faults not injected' --flip 254
+expect_error 1 'the stream has only 254 frames; faults not injected: 1' --flip 254
 (sleep 1) | expect_error 1 'faults detected: 1 (1 corrupted); faults injected: 0; the first missing frame is frame 3' \
     --timeout 0.4 --flip 3 -
-head -c 5000 "$random" | expect_error 1 'faults not injected' --faults 7 -
+head -c 5000 "$random" | expect_error 1 ' frames; faults not injected: ' --faults 7 -
 
 # Sides that are killed, stopped or interrupted.
 send_signal 1 $'the source was killed by signal 9\nthe end of the stream is missing' KILL source
@@ -187,6 +187,14 @@ expect_error 1 "channel_pair: $work: Is a directory" "$work"
 expect_error 1 'channel_pair: /proc/self/mem: Input/output error' /proc/self/mem
 expect_error 1 'channel_pair: /dev/full: No space left on device' --output /dev/full /dev/zero
 expect_error 1 "channel_pair: $random: the output is the input file" --output "$random" "$random"
+expect_error 1 "channel_pair: $random: the trace is the input file" --trace "$random" "$random"
+cp "$random" "$work/copied"
+for trace in "$work/copied" -; do
+    expect_error 1 "channel_pair: $trace: the trace is the output file" --output "$trace" --trace "$trace" "$random"
+done
+expect_error 1 "channel_pair: $work: Is a directory" --output "$work/copied" --trace "$work" "$random"
+! grep -q sending "$work/out" || fail "the trace was not opened before sending"
+cmp "$work/copied" "$random" || fail "the output was truncated although the trace cannot be written"
 [ -s "$random" ] || fail "the input was truncated"
 if [ "$(id -u)" != 0 ]; then
     chmod 000 "$empty"
@@ -198,8 +206,8 @@ check 'full standard output' "$status" 1 'channel_pair: standard output: No spac
 if [ -d /data/local/tmp ]; then
     dumps=()
     for run in 1 2; do
-        expect 0 ', 1234567 bytes; delete it with: rm /data/local/tmp/channel_pair_' --dump "$random"
-        dump=$(sed -n 's/^  dump *\(.*\), .*/\1/p' "$work/out")
+        expect 0 '; delete it with: rm /data/local/tmp/channel_pair_' --dump "$random"
+        dump=$(sed -n 's/^  dump *\(.*\); .*/\1/p' "$work/out")
         cmp "$dump" "$random"
         rm "$dump"
         [[ $dump =~ /channel_pair_[0-9a-f]{16}\.pcm$ ]] || fail "$run: the dump has another name: $dump"
@@ -219,7 +227,8 @@ fi
 
 # Invalid arguments.
 invalid 'unknown option --nonsense' --nonsense
-expect_demo 2 "unknown option '--nonsense'" --nonsense
+expect_demo 2 'unknown option --nonsense' --nonsense
+invalid 'unknown option --verb' --verb
 invalid '--flip' --flip -1
 invalid '--faults' --faults some
 invalid '--faults' --faults 1000001 "$random"
@@ -232,7 +241,7 @@ invalid 'the name is empty' ''
 invalid 'the name is empty' --output ''
 invalid 'unexpected argument second' first second
 invalid 'FILE excludes --seconds' --seconds 1 "$random"
-expect 2 '--faults: at most 125 fit into 5 s of a generated tone' --faults 126
+expect 2 '--faults: the maximum for 5 s of a generated tone is 125' --faults 126
 expect 0 '--output' --help
 expect 0 '--output' -h
 expect_demo 1 "$work/missing: No such file" "$work/missing"
@@ -244,6 +253,9 @@ expect_demo 0 "$("${pair[@]}" --help)" --help
 # The worked examples of messages; a line that starts with a space continues the previous one.
 printf hi >"$work/hi"
 expect 0 '' --trace "$work/trace" "$work/hi"
+expect 0 'every byte arrived' --trace - "$work/hi"
+grep -qxF "$(tail -n 1 "$work/trace")" "$work/out" || fail "no trace on standard output"
+! grep -q 'every byte arrived' "$work/out" || fail "the report is not on standard error"
 (sleep 2) | expect 0 '' --trace "$work/idle" --timeout 0.4 -
 examples=0
 while read -r message; do

@@ -74,4 +74,4 @@ level error 4567 E6 F7
 level fatal 4567 F7
 level off 4567
 level none 4567 I4 W5 E6 F7
-expect 'an unknown level' 'OSTRA_HOST_LOG_LEVEL=none is none of debug, info, warn, error, fatal, off; ignored'
+expect 'an unknown level' 'OSTRA_HOST_LOG_LEVEL=none is ignored: expected debug, info, warn, error, fatal or off'

@@ -174,31 +174,54 @@ check_terminals() {
     ! grep -q $'\033' "$folder/out" || fail 'colored despite NO_COLOR'
 }
 
-# Memory is bounded, and every failed allocation is reported. Sanitizers need more address space.
+# run_limited KIB ARGUMENT...: runs the tool with an address space of so many KiB.
+run_limited() { (ulimit -v "$1" && shift && timeout 60 "$inspect" "$@") >"$folder/out" 2>&1; }
+
+# reject_large MIB ARGUMENT...: fails unless the input is rejected because it is larger than so many MiB.
+reject_large() {
+    local limit=$1
+    shift
+    ! run_limited 100000 "$@" || fail "$*: accepted"
+    grep -q "input too large: the limit is $limit MiB" "$folder/out" || fail "$*: unexpected error"
+}
+
+# A frame needs little more memory than its bytes, everything else is bounded by a constant, and every failed allocation
+# is reported. Sanitizers need more address space.
 check_memory() {
-    local limit status
-    (ulimit -v 200000 && "$inspect" --version >"$folder/out" 2>&1) || return 0
-    { printf '[' && head -c 30000000 <(yes 0, | tr '\n' ' '); } >line
-    (ulimit -v 200000 && "$inspect" events line >"$folder/out" 2>&1) && fail 'a line of 30 MB is accepted as an event'
-    grep -q '1 of 1 lines not recognized' "$folder/out" || fail 'unexpected error for a line of 30 MB'
-    (ulimit -v 200000 && "$inspect" --json frame line >"$folder/out" 2>&1) || fail 'the JSON of a frame of 30 MB needs too much memory'
-    grep -q '"content_omitted":.*29989997' "$folder/out" || fail 'the JSON contains the whole content'
-    printf '{"2102":"{\\"profiles\\":[{}%s]}"}' "$(yes ',{}' | head -1000000 | tr -d '\n')" >profiles
-    (ulimit -v 200000 && "$inspect" audio profiles >"$folder/out" 2>&1) || fail 'a million profiles need too much memory'
-    grep -q 'warnings omitted *2990003' "$folder/out" || fail 'the report contains all warnings'
-    { printf '{"properties":{"2102":"' && head -c 4000000 /dev/zero | tr '\0' a &&
-        printf '"},"deviceId":"d1"}'; } >large
-    for limit in {12000..80000..4000}; do
+    local limit status subcommand
+    run_limited 100000 --version || return 0
+    { printf '\205' && head -c 67108863 /dev/zero; } >frame
+    run_limited 100000 frame frame || fail 'a frame of 64 MiB needs too much memory'
+    grep -q 'content length  67108863' "$folder/out" || fail 'the content is not complete'
+    run_limited 100000 --json frame - <frame || fail 'the JSON of a frame of 64 MiB needs too much memory'
+    grep -q '"content_omitted":.*67098863' "$folder/out" || fail 'the JSON contains the whole content'
+    printf 'a' >>frame
+    head -c 1048577 frame >large
+    reject_large 64 frame frame
+    reject_large 64 frame <(yes)
+    for subcommand in service audio device parcel; do
+        reject_large 1 "$subcommand" large
+        reject_large 1 "$subcommand" <(yes)
+    done
+    run_limited 40000 events frame && fail 'a line of 64 MiB is accepted as an event'
+    grep -q '1 of 1 lines not recognized' "$folder/out" || fail 'unexpected error for a line of 64 MiB'
+    printf '{"2102":"{\\"profiles\\":[{}%s]}"}' "$(yes ',{}' | head -300000 | tr -d '\n')" >profiles
+    run_limited 100000 audio profiles || fail 'many profiles need too much memory'
+    grep -q 'warnings omitted *890003' "$folder/out" || fail 'the report contains all warnings'
+    # No document of 1 MiB is known to need more memory than this one.
+    { printf '{"properties":{"2102":"{}","x":[' && head -524260 <(yes 0,) | tr -d '\n' &&
+        printf '0]},"deviceId":"d1"}'; } >large
+    for limit in {8000..120000..8000}; do
         status=0
-        (ulimit -v "$limit" && "$inspect" --version >/dev/null 2>&1) || continue
-        (ulimit -v "$limit" && "$inspect" service large >"$folder/out" 2>&1) || status=$?
+        run_limited "$limit" --version || continue
+        run_limited "$limit" service large || status=$?
         if [ "$status" = 0 ]; then
             grep -q 'deviceId *d1' "$folder/out" || fail "a member is missing with $limit KiB"
         else
             grep -q 'out of memory' "$folder/out" || fail "unexpected error with $limit KiB"
         fi
     done
-    [ "$status" = 0 ] || fail 'not enough memory at the end'
+    [ "$status" = 0 ] || fail 'a document of 1 MiB needs too much memory'
 }
 
 check_transcripts

@@ -84,13 +84,7 @@ Document ParseDocument(const std::string &json, List &warnings)
         warnings.Add("a NUL at offset " + std::to_string(size) + " of " + std::to_string(json.size()) +
                      " bytes ends the document");
     }
-    for (size_t at = json.find('\\'); at < size; at = json.find('\\', at + 2)) {
-        if (json.compare(at, sizeof("\\u0000") - 1, "\\u0000") == 0) {
-            warnings.Add("a string contains NUL (\\u0000 at offset " + std::to_string(at) +
-                         "), which ends it for the reader");
-            break;
-        }
-    }
+    warnings.Add(NulWarning(json.c_str()));
     const char *end = nullptr;
     JsonTree root(cJSON_ParseWithOpts(json.c_str(), &end, 0));
     const auto length = static_cast<size_t>(end - json.c_str());
@@ -258,19 +252,26 @@ void AddVersions(cJSON *report, const cJSON *properties, List &warnings)
 
 }  // namespace
 
-std::string ResultName(int32_t code)
+std::string NulWarning(std::string_view json)
 {
-    constexpr std::pair<int32_t, const char *> names[] = {{OSTRA_JSON_SUCCESS, "OSTRA_JSON_SUCCESS"},
-                                                          {OSTRA_JSON_CREATE_FAILED, "OSTRA_JSON_CREATE_FAILED"},
-                                                          {OSTRA_JSON_ROOT_MISSING, "OSTRA_JSON_ROOT_MISSING"},
-                                                          {OSTRA_JSON_STEP_FAILED, "OSTRA_JSON_STEP_FAILED"},
-                                                          {OSTRA_JSON_INPUT_INVALID, "OSTRA_JSON_INPUT_INVALID"}};
-    for (const auto &[value, name] : names) {
-        if (value == code) {
-            return name;
+    constexpr std::string_view nul = "\\u0000";
+    for (size_t at = json.find('\\'); at < json.size(); at = json.find('\\', at + 2)) {
+        if (json.substr(at, nul.size()) == nul) {
+            return "a string contains NUL (\\u0000 at offset " + std::to_string(at) + "), which ends it for the reader";
         }
     }
     return "";
+}
+
+std::string ResultName(int32_t code)
+{
+    const std::map<int32_t, const char *> names = {{OSTRA_JSON_SUCCESS, "OSTRA_JSON_SUCCESS"},
+                                                   {OSTRA_JSON_CREATE_FAILED, "OSTRA_JSON_CREATE_FAILED"},
+                                                   {OSTRA_JSON_ROOT_MISSING, "OSTRA_JSON_ROOT_MISSING"},
+                                                   {OSTRA_JSON_STEP_FAILED, "OSTRA_JSON_STEP_FAILED"},
+                                                   {OSTRA_JSON_INPUT_INVALID, "OSTRA_JSON_INPUT_INVALID"}};
+    const auto name = names.find(code);
+    return name == names.end() ? "" : name->second;
 }
 
 Inspection InspectService(const std::string &document)

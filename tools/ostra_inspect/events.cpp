@@ -11,8 +11,7 @@
 #include "inspect.h"
 #include "ostra_radar.h"
 
-using OHOS::DistributedHardware::OstraAdapter::ADAPTER_BEHAVIOR_EVENT;
-using OHOS::DistributedHardware::OstraAdapter::OSTRA_DOMAIN;
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
@@ -22,8 +21,7 @@ constexpr std::array<const char *, 11> STAGES = {
     "AudioOpenRes",         "AudioCloseRes",    "DisconnectDeviceRes", "ServiceStopRes", "LoadSinkServiceRes",
     "UnLoadSinkServiceRes",
 };
-constexpr int SUCCESS = 1;                    // value of STAGE_RES
-constexpr size_t MAX_EVENT_BYTES = 1U << 20;  // more than the platform accepts; longer lines are not parsed
+constexpr int SUCCESS = 1;  // value of STAGE_RES
 constexpr std::array<size_t, 7> WIDTHS = {23, 7, 22, 8, 20, 16, 0};
 
 const cJSON *Member(const cJSON *object, const char *key)
@@ -36,11 +34,10 @@ bool IsFailure(const cJSON *event)
     return cJSON_IsTrue(Member(event, "success")) == 0;
 }
 
-std::string StageName(const cJSON *stage)
+std::string StageName(int stage)
 {
-    const bool isKnown =
-        cJSON_IsNumber(stage) != 0 && stage->valueint >= 1 && stage->valueint <= static_cast<int>(STAGES.size());
-    return isKnown ? STAGES[static_cast<size_t>(stage->valueint) - 1] : "unknown";
+    const bool isKnown = stage >= 1 && stage <= static_cast<int>(STAGES.size());
+    return isKnown ? STAGES[static_cast<size_t>(stage) - 1] : "unknown";
 }
 
 // Returns the local time with milliseconds.
@@ -99,11 +96,25 @@ void Print(const cJSON *event, const EventOptions &options, bool isFirst)
     std::fflush(stdout);  // so that a pipe receives the event immediately
 }
 
+// Reads a line without its newline; of a line that is too long for an event, only the beginning. Returns false at the
+// end of the file or if reading fails.
+bool ReadLine(FILE *file, std::string &line)
+{
+    line.clear();
+    int byte = std::getc(file);
+    for (; byte != EOF && byte != '\n'; byte = std::getc(file)) {
+        if (line.size() <= MAX_DOCUMENT_BYTES) {
+            line += static_cast<char>(byte);
+        }
+    }
+    return byte != EOF || !line.empty();
+}
+
 }  // namespace
 
 JsonTree ParseEvent(const std::string &line)
 {
-    const JsonTree fields(line.size() > MAX_EVENT_BYTES ? nullptr : cJSON_Parse(line.c_str()));
+    const JsonTree fields(line.size() > MAX_DOCUMENT_BYTES ? nullptr : cJSON_Parse(line.c_str()));
     const auto field = [&fields](const char *key) {
         return Member(fields.get(), key);
     };
@@ -117,7 +128,7 @@ JsonTree ParseEvent(const std::string &line)
     AddCopy(event.get(), "host", field("HOST_PKG"));
     AddCopy(event.get(), "scenario", field("BIZ_SCENE"));
     AddCopy(event.get(), "stage", field("BIZ_STAGE"));
-    AddString(event.get(), "operation", StageName(field("BIZ_STAGE")));
+    AddString(event.get(), "operation", StageName(field("BIZ_STAGE")->valueint));
     AddCopy(event.get(), "function", field("FUNC"));
     if (field("TO_CALL_PKG") != nullptr) {
         AddCopy(event.get(), "called", field("TO_CALL_PKG"));
@@ -129,16 +140,21 @@ JsonTree ParseEvent(const std::string &line)
     if (!isSuccess && cJSON_IsNumber(code) != 0 && !ResultName(code->valueint).empty()) {
         AddString(event.get(), "error_name", ResultName(code->valueint));
     }
+    if (!NulWarning(line).empty()) {
+        AddString(event.get(), "warning", NulWarning(line));
+    }
     return event;
 }
 
 std::string FormatEvent(const cJSON *event)
 {
     const cJSON *const called = Member(event, "called");
+    const cJSON *const warning = Member(event, "warning");
     return FormatRow(
         {FormatTime(Member(event, "time")), FormatValue(Member(event, "pid")), FormatValue(Member(event, "host")),
          FormatValue(Member(event, "scenario")), FormatValue(Member(event, "operation")), FormatResult(event),
-         FormatValue(Member(event, "function")) + (called == nullptr ? "" : " calls " + FormatValue(called))});
+         FormatValue(Member(event, "function")) + (called == nullptr ? "" : " calls " + FormatValue(called)) +
+             (warning == nullptr ? "" : "; warning: " + FormatValue(warning))});
 }
 
 void PrintEvents(const std::string &path, const EventOptions &options)
@@ -148,20 +164,17 @@ void PrintEvents(const std::string &path, const EventOptions &options)
     size_t invalid = 0;
     size_t firstInvalid = 0;
     size_t printed = 0;
-    char *buffer = nullptr;
-    size_t capacity = 0;
-    while (getline(&buffer, &capacity, file.get()) >= 0) {
+    std::string line;
+    while (ReadLine(file.get(), line)) {
         ++lines;
-        const std::string line = buffer;
         const JsonTree event = ParseEvent(line);
         if (event != nullptr && MatchesFilters(event.get(), options)) {
             Print(event.get(), options, printed++ == 0);
         }
-        if (event == nullptr && line.find_first_not_of("\r\n") != std::string::npos) {
+        if (event == nullptr && line.find_first_not_of('\r') != std::string::npos) {
             firstInvalid = invalid++ == 0 ? lines : firstInvalid;
         }
     }
-    std::free(buffer);
     if (std::feof(file.get()) == 0) {
         throw InputError(path + ": " + std::strerror(errno));
     }

@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <climits>
+#include <algorithm>
 #include <utility>
 
 #include "channel_protocol.h"
 #include "dh_utils_tools.h"
 #include "inspect.h"
 
-using OHOS::DistributedHardware::OstraAdapter::ChannelProtocol;
-using OHOS::DistributedHardware::OstraAdapter::OSTRAIntToByte;
-using OHOS::DistributedHardware::OstraAdapter::UnPackagedEA;
+using namespace OHOS::DistributedHardware::OstraAdapter;
 
 namespace {
 
-constexpr int MAX_HEADER = 4;  // bytes
+constexpr size_t MAX_HEADER_BYTES = 4;
 constexpr uint32_t HEADER_VALUE_BITS = 28;
-constexpr int HEX = 16;
 constexpr int CRC_DIGITS = 4;
 constexpr size_t PREFIX_BYTES = 8;  // size and CRC, which channel_pair sends before each frame
 constexpr size_t SIZE_BYTES = 4;
@@ -50,7 +47,7 @@ void AddWarnings(cJSON *report, const std::string &bytes, const UnPackagedEA &he
     const bool hasStopBit = ChannelProtocol::HasEA(static_cast<unsigned char>(bytes[size - 1]));
     ChannelProtocol minimal;
     minimal.Create(static_cast<int>(header.value), 0);
-    if (!hasStopBit && header.offset == MAX_HEADER) {
+    if (!hasStopBit && size == MAX_HEADER_BYTES) {
         const int64_t negative = static_cast<int64_t>(header.value) - (int64_t{1} << HEADER_VALUE_BITS);
         warnings.Add("the header value has no stop bit; this is how a negative value is encoded, for example " +
                      std::to_string(negative));
@@ -82,8 +79,8 @@ std::string HexDump(const std::string &bytes)
             return dump + "  ... " + std::to_string(bytes.size() - begin) + " more bytes\n";
         }
         const std::string row = bytes.substr(begin, rowBytes);
-        const std::string offset = ToHex(static_cast<uint32_t>(begin), offsetDigits);
-        dump += "  " + offset + "  " + PadRight(ToHex(row), rowBytes * 3) + " |";
+        dump +=
+            "  " + ToHex(static_cast<uint32_t>(begin), offsetDigits) + "  " + PadRight(ToHex(row), rowBytes * 3) + " |";
         for (const char byte : row) {
             dump += byte >= ' ' && byte <= '~' ? byte : '.';
         }
@@ -99,16 +96,12 @@ Inspection InspectFrame(std::string bytes, const FrameOptions &options)
                                        : "truncated: the input ends within the bytes that --skip omits");
     }
     bytes.erase(0, options.skip);
-    if (bytes.size() > INT_MAX) {
-        throw InputError("a frame has at most " + std::to_string(INT_MAX) + " bytes");
-    }
     Inspection inspection;
-    ChannelProtocol frame;
+    ChannelProtocol beginning;  // which contains the header; a copy of the whole frame would need twice the memory
     UnPackagedEA header;
-    if (!frame.CreateFromBuffer(reinterpret_cast<unsigned char *>(bytes.data()), static_cast<int>(bytes.size())) ||
-        !frame.ReadEA(header, 0)) {
-        throw InputError("not a frame: " + TakeLogMessages());
-    }
+    beginning.CreateFromBuffer(reinterpret_cast<unsigned char *>(bytes.data()),
+                               static_cast<int>(std::min(bytes.size(), MAX_HEADER_BYTES)));
+    beginning.ReadEA(header, 0);
     const auto offset = static_cast<size_t>(header.offset);
     const uint32_t crc = Crc(bytes, 0);
     cJSON *const report = inspection.report.get();
@@ -119,7 +112,7 @@ Inspection InspectFrame(std::string bytes, const FrameOptions &options)
     AddString(report, "crc", ToHex(crc, CRC_DIGITS));
     AddString(report, "content_crc", ToHex(Crc(bytes, offset), CRC_DIGITS));
     AddWarnings(report, bytes, header);
-    if (!options.crc.empty() && std::stoul(options.crc, nullptr, HEX) != crc) {
+    if (!options.crc.empty() && std::stoul(options.crc, nullptr, 16) != crc) {
         inspection.error = "corrupted: the CRC is " + ToHex(crc, CRC_DIGITS) + ", expected " + options.crc;
     }
     inspection.content = std::move(bytes.erase(0, offset));

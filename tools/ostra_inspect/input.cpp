@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,21 +10,21 @@
 
 namespace {
 
-std::string ReadAll(const std::string &path)
+std::string ReadAll(const std::string &path, size_t limit)
 {
     const InputFile file = OpenInput(path);
-    struct stat status {};
-    std::string bytes;
-    if (fstat(fileno(file.get()), &status) == 0 && S_ISREG(status.st_mode)) {
-        bytes.reserve(static_cast<size_t>(status.st_size));
-    }
     char block[65536];
-    for (size_t count = 1; count > 0;) {
+    std::string bytes;
+    bytes.reserve(limit + sizeof(block));  // growing would copy; the system provides only the pages that are written
+    for (size_t count = 1; count > 0 && bytes.size() <= limit;) {
         count = std::fread(block, 1, sizeof(block), file.get());
         bytes.append(block, count);
     }
     if (std::ferror(file.get()) != 0) {
         throw InputError(path + ": " + std::strerror(errno));
+    }
+    if (bytes.size() > limit) {
+        throw InputError("input too large: the limit is " + std::to_string(limit >> 20) + " MiB");
     }
     return bytes;
 }
@@ -66,13 +65,11 @@ std::string ParseHex(const std::string &digits)
     return bytes;
 }
 
-std::string ReadBytes(const std::vector<std::string> &arguments)
+std::string ReadBytes(const std::vector<std::string> &arguments, size_t limit)
 {
-    if (arguments.empty()) {
-        return ReadAll("");
-    }
-    if (arguments.size() == 1 && (arguments.front() == "-" || access(arguments.front().c_str(), F_OK) == 0)) {
-        return ReadAll(arguments.front());
+    const std::string path = arguments.empty() ? "" : arguments.front();
+    if (arguments.size() <= 1 && (path.empty() || path == "-" || access(path.c_str(), F_OK) == 0)) {
+        return ReadAll(path, limit);
     }
     std::string digits;
     for (const std::string &argument : arguments) {
@@ -84,5 +81,5 @@ std::string ReadBytes(const std::vector<std::string> &arguments)
 std::string ReadDocument(const std::string &argument)
 {
     const bool isDocument = !argument.empty() && argument.front() == '{' && access(argument.c_str(), F_OK) != 0;
-    return isDocument ? argument : ReadAll(argument);
+    return isDocument ? argument : ReadAll(argument, MAX_DOCUMENT_BYTES);
 }

@@ -23,16 +23,21 @@ struct InputError : std::runtime_error {
 
 // Input (input.cpp). All functions throw InputError if the input cannot be read.
 
+// Limits, which bound the memory: real inputs are far smaller.
+constexpr size_t MAX_FRAME_BYTES = size_t{64} << 20;
+constexpr size_t MAX_DOCUMENT_BYTES = size_t{1} << 20;  // also of a parcel and of an event
+
 using InputFile = std::unique_ptr<FILE, int (*)(FILE *)>;
 
 /// Opens a file. "-" is standard input; so is "", but then throws InputError if standard input is a terminal.
 InputFile OpenInput(const std::string &path);
 
-/// Returns the bytes of hexadecimal arguments, of the file that a single argument names, or of standard input.
-std::string ReadBytes(const std::vector<std::string> &arguments);
+/// Returns the bytes of hexadecimal arguments, of the file that a single argument names, or of standard input. Throws
+/// InputError if a file or standard input has more than `limit` bytes.
+std::string ReadBytes(const std::vector<std::string> &arguments, size_t limit);
 
 /// Returns the document of a file or of standard input, or the argument itself if it begins with "{" and no such file
-/// exists.
+/// exists. Throws InputError if a file or standard input has more than MAX_DOCUMENT_BYTES.
 std::string ReadDocument(const std::string &argument);
 
 /// Parses pairs of hexadecimal digits, which spaces, commas and "0x" may separate.
@@ -60,6 +65,7 @@ struct FrameOptions {
     std::string crc;  // expected CRC in hexadecimal; empty: not checked
 };
 
+/// `bytes` has at most MAX_FRAME_BYTES and becomes the content without a copy.
 Inspection InspectFrame(std::string bytes, const FrameOptions &options);
 Inspection InspectService(const std::string &document);
 Inspection InspectAudio(const std::string &document);
@@ -68,6 +74,9 @@ Inspection InspectParcel(const std::string &bytes);
 
 /// Returns a hex dump of the first 512 bytes: offset, bytes and characters, 16 bytes per line.
 std::string HexDump(const std::string &bytes);
+
+/// Returns a warning if the JSON contains an escaped NUL (\u0000), otherwise "".
+std::string NulWarning(std::string_view json);
 
 /// Returns the name of an OSTRA_JSON_ code, or "" for any other number.
 std::string ResultName(int32_t code);

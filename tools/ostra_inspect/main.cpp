@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -23,7 +24,8 @@ constexpr char FOOTER[] =
     "HEX consists of pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68.\n"
     "A file or standard input contains the bytes themselves: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
     "Control characters, and bytes that are not valid UTF-8, are printed as \\x and two digits. With --json, events\n"
-    "are printed as one object per line, and the content of a frame is limited to its first 10,000 bytes. The exit\n"
+    "are printed as one object per line, and the content of a frame is limited to its first 10,000 bytes. To bound\n"
+    "memory use, a frame is limited to 64 MiB, and a document, a parcel or the line of an event to 1 MiB. The exit\n"
     "status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for an invalid command line.\n\n"
     "Examples:\n"
     "  $ ostra-inspect frame 85 68 65 6C 6C 6F\n"
@@ -35,7 +37,6 @@ constexpr char FOOTER[] =
     "  $ tail -f events.txt | ostra-inspect events -";
 constexpr int EXIT_USAGE = 2;
 constexpr size_t MAX_JSON_CONTENT = 10000;  // bytes, to bound memory use
-constexpr size_t MAX_CRC_DIGITS = 8;        // channel_pair sends a CRC as 4 bytes
 
 struct Options {
     std::vector<std::string> arguments;
@@ -96,31 +97,32 @@ void AddOptions(CLI::App &app, Options &options)
     app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION, "print the version and exit");
     app.set_help_all_flag("--help-all", "print the help of all subcommands and exit");
     app.add_flag("--json", options.events.isJson, "print JSON");
+    const CLI::Range numbers(0, std::numeric_limits<int>::max());
     CLI::App *const frame = app.get_subcommand("frame");
     frame->add_option("--skip", options.frame.skip, "skip the first N bytes; 8 for a message of channel_pair")
         ->option_text("N")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()));
+        ->check(numbers);
     frame->add_option("--crc", options.frame.crc, "fail unless the CRC-16 of the frame is HEX")
         ->option_text("HEX")
         ->check([](const std::string &digits) {
-            const size_t begin = digits.rfind("0x", 0) == 0 ? 2 : 0;
-            const size_t count = digits.size() - begin;
-            const bool isHex = digits.find_first_not_of("0123456789abcdefABCDEF", begin) == std::string::npos;
-            return isHex && count > 0 && count <= MAX_CRC_DIGITS ? "" : "not a hexadecimal CRC: " + digits;
+            char *end = nullptr;
+            const bool is16Bit = std::strtoul(digits.c_str(), &end, 16) <= UINT16_MAX;
+            const bool isHex = std::isxdigit(static_cast<unsigned char>(digits[0])) != 0 && *end == '\0';
+            return isHex && is16Bit ? "" : "not a 16-bit number in hexadecimal: " + digits;
         });
     frame->add_flag("--content", options.isContentOnly, "write only the content, as raw bytes, to a pipe or file");
     CLI::App *const events = app.get_subcommand("events");
     events->add_flag("--failed", options.events.isFailedOnly, "show only failures");
-    events->add_option("--pid", options.events.pid, "show only events of this process")->option_text("PID");
+    events->add_option("--pid", options.events.pid, "show only this process")->option_text("PID")->check(numbers);
 }
 
 Inspection Inspect(const std::string &subcommand, Options &options)
 {
     if (subcommand == "frame") {
-        return InspectFrame(ReadBytes(options.arguments), options.frame);
+        return InspectFrame(ReadBytes(options.arguments, MAX_FRAME_BYTES), options.frame);
     }
     if (subcommand == "parcel") {
-        return InspectParcel(ReadBytes(options.arguments));
+        return InspectParcel(ReadBytes(options.arguments, MAX_DOCUMENT_BYTES));
     }
     if (subcommand == "events") {
         PrintEvents(options.path, options.events);

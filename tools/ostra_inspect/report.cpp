@@ -104,27 +104,6 @@ std::string FormatElement(const cJSON *element)
     return row;
 }
 
-void AppendRows(std::string &text, const cJSON *parent, const std::string &indent)
-{
-    size_t width = 0;
-    const cJSON *member = nullptr;
-    cJSON_ArrayForEach(member, parent)
-    {
-        width = std::max(width, member->string == nullptr ? 0 : std::strlen(member->string));
-    }
-    cJSON_ArrayForEach(member, parent)
-    {
-        if (member->string == nullptr) {
-            text += indent + FormatElement(member) + "\n";
-        } else if (cJSON_IsArray(member) == 0 && cJSON_IsObject(member) == 0) {
-            text += indent + PadRight(FormatLabel(member), width) + COLUMN_SEPARATOR + FormatValue(member) + "\n";
-        } else if (member->child != nullptr) {
-            text += indent + FormatLabel(member) + "\n";
-            AppendRows(text, member, indent + COLUMN_SEPARATOR);
-        }
-    }
-}
-
 }  // namespace
 
 void AddString(cJSON *object, const char *key, std::string_view value)
@@ -162,7 +141,7 @@ List::~List()
 
 void List::Add(const std::string &value)
 {
-    if (++size_ <= MAX_LISTED) {
+    if (!value.empty() && ++size_ <= MAX_LISTED) {
         cJSON_AddItemToArray(list_.get(), cJSON_CreateString(EscapeForJson(value).c_str()));
     }
 }
@@ -177,10 +156,26 @@ cJSON *List::AddObject()
     return element;
 }
 
-std::string ToText(const cJSON *report)
+std::string ToText(const cJSON *report, const std::string &indent)
 {
     std::string text;
-    AppendRows(text, report, "");
+    size_t width = 0;
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, report)
+    {
+        width = std::max(width, member->string == nullptr ? 0 : std::strlen(member->string));
+    }
+    cJSON_ArrayForEach(member, report)
+    {
+        if (member->string == nullptr) {
+            text += indent + FormatElement(member) + "\n";
+        } else if (cJSON_IsArray(member) == 0 && cJSON_IsObject(member) == 0) {
+            text += indent + PadRight(FormatLabel(member), width) + COLUMN_SEPARATOR + FormatValue(member) + "\n";
+        } else if (member->child != nullptr) {
+            text += indent + FormatLabel(member) + "\n";
+            text += ToText(member, indent + COLUMN_SEPARATOR);
+        }
+    }
     return text;
 }
 

@@ -37,6 +37,7 @@ public:
     List(const List &) = delete;
     List &operator=(const List &) = delete;
 
+    /// Appends a string, unless it is empty.
     void Add(const std::string &value);
 
     /// Appends an empty object and returns it, or null if the list is full; cJSON ignores members added to null.
@@ -51,8 +52,8 @@ private:
     size_t size_ = 0;
 };
 
-/// Returns a row for each value and for each element of a list; no row for an empty list.
-std::string ToText(const cJSON *report);
+/// Returns a row for each value and for each element of a list, each after `indent`; no row for an empty list.
+std::string ToText(const cJSON *report, const std::string &indent = {});
 
 /// Formats one value of a row.
 std::string FormatValue(const cJSON *value);

@@ -34,13 +34,13 @@ bool ParseNumber(const char *&cursor, Arguments &arguments, int &number)
     return true;
 }
 
-bool ParseWidths(const char *&cursor, Arguments &arguments, Conversion &conversion)
+bool ParseWidthAndPrecision(const char *&cursor, Arguments &arguments, Conversion &conversion)
 {
     if (!ParseNumber(cursor, arguments, conversion.width)) {
         return false;
     }
     if (conversion.width < 0) {
-        conversion.isLeft = true;
+        conversion.isLeftAligned = true;
         conversion.width = -conversion.width;
     }
     if (*cursor != '.') {
@@ -100,9 +100,9 @@ bool ParseConversion(const char *&cursor, FormatDialect dialect, Arguments &argu
     }
     if (*cursor != '%') {
         conversion.flags = {cursor, std::strspn(cursor, "-+ #0")};
-        conversion.isLeft = conversion.Has('-');
+        conversion.isLeftAligned = conversion.Has('-');
         cursor += conversion.flags.size();
-        if (!ParseWidths(cursor, arguments, conversion)) {
+        if (!ParseWidthAndPrecision(cursor, arguments, conversion)) {
             return false;
         }
         conversion.size = ParseSize(cursor);

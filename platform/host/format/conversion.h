@@ -51,7 +51,7 @@ struct Conversion {
     }
 
     bool isVisible = true;
-    bool isLeft = false;  // by a flag or a negative width
+    bool isLeftAligned = false;  // by a flag or a negative width
     std::string_view flags;
     int width = 0;
     int precision = UNSET_PRECISION;

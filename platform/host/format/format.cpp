@@ -17,8 +17,8 @@ namespace ostra::host {
 namespace {
 
 constexpr int MAX_PRECISION = 512;  // of integers
-constexpr std::string_view PRIVATE_TEXT = "<private>";
-constexpr auto NO_CHARACTER = static_cast<size_t>(-1);  // wcrtomb's error result
+constexpr std::string_view PRIVATE_PLACEHOLDER = "<private>";
+constexpr auto ENCODING_ERROR = static_cast<size_t>(-1);  // wcrtomb's error result
 
 // An integer as sign and magnitude.
 struct Number {
@@ -53,11 +53,11 @@ private:
         return capacity_ - length_;
     }
 
-    void Put(std::string_view text)
+    void Put(std::string_view string)
     {
-        const size_t length = text.copy(dest_ + length_, Room());
+        const size_t length = string.copy(dest_ + length_, Room());
         length_ += length;
-        isTruncated_ = isTruncated_ || length < text.size();
+        isTruncated_ = isTruncated_ || length < string.size();
     }
 
     void Fill(char character, int count)
@@ -153,7 +153,7 @@ private:
     bool PutInteger(const Conversion &conversion, Number number)
     {
         if (!conversion.isVisible) {
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
         char buffer[sizeof("1777777777777777777777")];
@@ -167,8 +167,9 @@ private:
             *--begin = digits[rest % base];
         }
         const int count = static_cast<int>(end - begin);
-        const int needed = conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
-        int zeros = std::max(needed - count, 0);
+        const int minDigits =
+            conversion.precision == UNSET_PRECISION ? 1 : std::min(conversion.precision, MAX_PRECISION);
+        int zeros = std::max(minDigits - count, 0);
         if (conversion.Has('#') && conversion.type == 'o' && zeros == 0) {
             zeros = 1;
         }
@@ -180,17 +181,17 @@ private:
             prefix = isUpper ? "0X" : "0x";
         }
         const int padding = conversion.width - static_cast<int>(prefix.size()) - zeros - count;
-        const bool isPrecise = conversion.precision != UNSET_PRECISION && conversion.type != 'p';
-        if (conversion.Has('0') && !conversion.isLeft && !isPrecise) {
+        const bool hasPrecision = conversion.precision != UNSET_PRECISION && conversion.type != 'p';
+        if (conversion.Has('0') && !conversion.isLeftAligned && !hasPrecision) {
             Put(prefix);
             Fill('0', padding);
         } else {
-            Fill(' ', conversion.isLeft ? 0 : padding);
+            Fill(' ', conversion.isLeftAligned ? 0 : padding);
             Put(prefix);
         }
         Fill('0', zeros);
         Put({begin, static_cast<size_t>(count)});
-        Fill(' ', conversion.isLeft ? padding : 0);
+        Fill(' ', conversion.isLeftAligned ? padding : 0);
         return true;
     }
 
@@ -202,7 +203,7 @@ private:
             return PutInteger(conversion, {false, address});
         }
         if (address == 0) {
-            return PutText(conversion, "(nil)");
+            return PutNarrowString(conversion, "(nil)");
         }
         conversion.type = 'x';
         conversion.flags = conversion.Has('0') ? "#0" : "#";
@@ -214,24 +215,24 @@ private:
     bool PutPadded(const Conversion &conversion, size_t length, const Putter &put)
     {
         if (!conversion.isVisible) {
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
-        const bool withZeros = conversion.Has('0') && dialect_ == FormatDialect::HILOG;
+        const bool padsWithZeros = conversion.Has('0') && dialect_ == FormatDialect::HILOG;
         const size_t width = static_cast<size_t>(conversion.width);
         const int padding = length < width ? static_cast<int>(width - length) : 0;
-        Fill(withZeros ? '0' : ' ', conversion.isLeft ? 0 : padding);
+        Fill(padsWithZeros ? '0' : ' ', conversion.isLeftAligned ? 0 : padding);
         put();
-        Fill(' ', conversion.isLeft ? padding : 0);
+        Fill(' ', conversion.isLeftAligned ? padding : 0);
         return true;
     }
 
-    bool PutText(const Conversion &conversion, std::string_view text)
+    bool PutNarrowString(const Conversion &conversion, std::string_view string)
     {
-        return PutPadded(conversion, text.size(), [&] { Put(text); });
+        return PutPadded(conversion, string.size(), [&] { Put(string); });
     }
 
-    // Encodes a wide character in the locale of the process. Returns the number of bytes, or NO_CHARACTER.
+    // Encodes a wide character in the locale of the process. Returns the number of bytes, or ENCODING_ERROR.
     static size_t Narrow(wchar_t character, char (&bytes)[MB_LEN_MAX])
     {
         std::mbstate_t state{};
@@ -249,40 +250,40 @@ private:
         const auto character = arguments_.Next<int>();
         if (!IsWide(conversion)) {
             const char byte = static_cast<char>(character);
-            return PutText(conversion, {&byte, 1});
+            return PutNarrowString(conversion, {&byte, 1});
         }
         char bytes[MB_LEN_MAX];
         const size_t length = Narrow(static_cast<wchar_t>(character), bytes);
-        return length != NO_CHARACTER && PutText(conversion, {bytes, length});
+        return length != ENCODING_ERROR && PutNarrowString(conversion, {bytes, length});
     }
 
     bool PutString(const Conversion &conversion)
     {
         const size_t limit =
             conversion.precision == UNSET_PRECISION ? SIZE_MAX : static_cast<size_t>(conversion.precision);
-        const void *const text = arguments_.Next<const void *>();
+        const void *const string = arguments_.Next<const void *>();
         if (!conversion.isVisible) {  // not dereferenced: it may be invalid
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
-        if (text == nullptr) {
-            return PutText(conversion, std::string_view("(null)").substr(0, limit));
+        if (string == nullptr) {
+            return PutNarrowString(conversion, std::string_view("(null)").substr(0, limit));
         }
         if (IsWide(conversion)) {
-            return PutWideString(conversion, static_cast<const wchar_t *>(text), limit);
+            return PutWideString(conversion, static_cast<const wchar_t *>(string), limit);
         }
-        const auto narrow = static_cast<const char *>(text);
-        return PutText(conversion, {narrow, limit == SIZE_MAX ? std::strlen(narrow) : strnlen(narrow, limit)});
+        const auto narrow = static_cast<const char *>(string);
+        return PutNarrowString(conversion, {narrow, limit == SIZE_MAX ? std::strlen(narrow) : strnlen(narrow, limit)});
     }
 
-    bool PutWideString(const Conversion &conversion, const wchar_t *text, size_t limit)
+    bool PutWideString(const Conversion &conversion, const wchar_t *string, size_t limit)
     {
         char bytes[MB_LEN_MAX];
         size_t length = 0;
-        const wchar_t *end = text;
+        const wchar_t *end = string;
         while (length < limit && *end != L'\0') {
             const size_t size = Narrow(*end, bytes);
-            if (size == NO_CHARACTER) {
+            if (size == ENCODING_ERROR) {
                 return false;
             }
             if (size > limit - length) {
@@ -292,8 +293,8 @@ private:
             ++end;
         }
         return PutPadded(conversion, length, [&] {
-            for (; text != end; ++text) {
-                Put({bytes, Narrow(*text, bytes)});
+            for (; string != end; ++string) {
+                Put({bytes, Narrow(*string, bytes)});
             }
         });
     }
@@ -302,11 +303,11 @@ private:
     bool PutFloat(const Conversion &conversion, const char *size, Value value)
     {
         if (!conversion.isVisible) {
-            Put(PRIVATE_TEXT);
+            Put(PRIVATE_PLACEHOLDER);
             return true;
         }
         char format[sizeof("%-+ #0*.*Lf")];
-        std::snprintf(format, sizeof(format), "%%%s%s%s%s%s*.*%s%c", conversion.isLeft ? "-" : "",
+        std::snprintf(format, sizeof(format), "%%%s%s%s%s%s*.*%s%c", conversion.isLeftAligned ? "-" : "",
                       conversion.Has('+') ? "+" : "", conversion.Has(' ') ? " " : "", conversion.Has('#') ? "#" : "",
                       conversion.Has('0') ? "0" : "", size, conversion.type);
         const int needed = std::snprintf(nullptr, 0, format, conversion.width, conversion.precision, value);

@@ -39,7 +39,7 @@ int ParseLevelVariable()
             return level;
         }
     }
-    std::fprintf(stderr, "%s=%s is none of debug, info, warn, error, fatal, off; ignored\n", LEVEL_VARIABLE, value);
+    std::fprintf(stderr, "%s=%s is ignored: expected debug, info, warn, error, fatal or off\n", LEVEL_VARIABLE, value);
     return LEVEL_UNSET;
 }
 

@@ -89,10 +89,10 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char *tag, co
     if (const LogCallback callback = g_callback.load()) {
         callback(type, level, domain, tag, message);
     }
-    const std::string_view text(message);
-    const bool isWritten = !IsLevelWritten(level) || WriteLines(type, level, domain, tag, text);
+    const std::string_view formatted(message);
+    const bool isWritten = !IsLevelWritten(level) || WriteLines(type, level, domain, tag, formatted);
     errno = savedErrno;
-    return isWritten ? static_cast<int>(std::min(std::strlen(tag), MAX_TAG_LENGTH) + 1 + text.size() + 1) : -1;
+    return isWritten ? static_cast<int>(std::min(std::strlen(tag), MAX_TAG_LENGTH) + 1 + formatted.size() + 1) : -1;
 }
 
 }  // namespace

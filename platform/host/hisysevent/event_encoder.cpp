@@ -53,32 +53,32 @@ bool IsControl(char character)
     return static_cast<unsigned char>(character) < ' ' || character == deleteCharacter;
 }
 
-// Formats a float with nine significant digits, and a double with the fewest that identify it (no exponent up to 15
-// digits). Independent of the locale.
+// Formats a float with nine significant digits, and a double with the fewest that survive a round trip (no exponent up
+// to 15 digits). Independent of the locale.
 std::string FormatNumber(const EventScalar &scalar)
 {
     if (!std::isfinite(scalar.floating)) {
         return "0";
     }
-    char text[32];
-    char *const end = text + sizeof(text);
+    char buffer[32];
+    char *const end = buffer + sizeof(buffer);
     int digits = std::numeric_limits<float>::max_digits10;
     if (scalar.kind == EventScalar::Kind::DOUBLE) {
-        const char *shortest = std::to_chars(text, end, scalar.floating, std::chars_format::scientific).ptr;
-        const char *exponent = std::find(static_cast<const char *>(text), shortest, 'e');
-        const auto significant = std::count_if(static_cast<const char *>(text), exponent, IsNameCharacter);
+        const char *shortest = std::to_chars(buffer, end, scalar.floating, std::chars_format::scientific).ptr;
+        const char *exponent = std::find(static_cast<const char *>(buffer), shortest, 'e');
+        const auto significant = std::count_if(static_cast<const char *>(buffer), exponent, IsNameCharacter);
         digits = std::max(static_cast<int>(significant), std::numeric_limits<double>::digits10);
     }
-    return {text, std::to_chars(text, end, scalar.floating, std::chars_format::general, digits).ptr};
+    return {buffer, std::to_chars(buffer, end, scalar.floating, std::chars_format::general, digits).ptr};
 }
 
 std::string TimeZone(time_t seconds)
 {
     tm local{};
     localtime_r(&seconds, &local);
-    char text[8] = "";
-    static_cast<void>(std::strftime(text, sizeof(text), "%z", &local));
-    return text;
+    char buffer[8] = "";
+    static_cast<void>(std::strftime(buffer, sizeof(buffer), "%z", &local));
+    return buffer;
 }
 
 }  // namespace

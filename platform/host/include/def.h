@@ -10,7 +10,7 @@
 
 namespace OHOS::HiviewDFX {
 
-/// The event was sent as it is.
+/// The event was sent unchanged.
 constexpr int SUCCESS = 0;
 
 /// Error: the event was not sent.
@@ -35,12 +35,12 @@ constexpr int ERR_ARRAY_TOO_MUCH = 4;         ///< With the first MAX_ARRAY_SIZE
 constexpr int ERR_VALUE_INVALID = 5;          ///< Not returned on the host.
 /// \}
 
-/// Limit of an event.
+/// Limit of an event. Lengths and sizes are in bytes.
 /// \{
 constexpr size_t MAX_DOMAIN_LENGTH = 16;
 constexpr size_t MAX_EVENT_NAME_LENGTH = 32;
 constexpr size_t MAX_PARAM_NAME_LENGTH = 48;
-constexpr size_t MAX_ARRAY_SIZE = 100;
+constexpr size_t MAX_ARRAY_SIZE = 100;  ///< In elements.
 constexpr size_t MAX_PARAM_NUMBER = 128;
 constexpr size_t MAX_STRING_LENGTH = size_t{256} * 1024;
 constexpr size_t MAX_DATA_SIZE = size_t{384} * 1024;  ///< Of the encoded event.

@@ -56,8 +56,8 @@ struct EventScalar {
     static EventScalar Of(const Value &value)
     {
         static_assert(IS_EVENT_VALUE<Value>,
-                      "HiSysEvent::Write: a value is bool, an integer or floating type, an unscoped enumeration, "
-                      "std::string, a C string, or a std::vector of one of these");
+                      "HiSysEvent::Write: a value must be a bool, an integer, a floating-point number, an unscoped "
+                      "enumeration, a std::string, a C string, or a std::vector of one of these");
         EventScalar scalar;
         if constexpr (std::is_enum_v<Value>) {
             static_assert(std::is_convertible_v<Value, std::underlying_type_t<Value>>,
@@ -136,7 +136,7 @@ class HiSysEvent {
 public:
     enum EventType { FAULT = 1, STATISTIC = 2, SECURITY = 3, BEHAVIOR = 4 };
 
-    /// Domains of platform components that host processes name.
+    /// Domains of some platform components.
     class Domain {
     public:
         static constexpr char DISTRIBUTED_HARDWARE_FWK[] = "DISTHWFWK";
@@ -145,11 +145,10 @@ public:
 
     /// Writes one event.
     ///
-    /// `func` and `line` name the call site. `keyValues` are pairs of a key, which is a string, and its value: bool
-    /// (written as 1 or 0), an integer or floating type, an unscoped enumeration, std::string, a C string, or a
-    /// std::vector of one of these. Control characters are dropped from strings, except tab, line feed, carriage
-    /// return, backspace and form feed; a number that is not finite is written as 0. A null C string aborts the
-    /// process.
+    /// `func` and `line` name the call site. `keyValues` are pairs of a key, which is a string, and its value: a bool
+    /// (written as 1 or 0), an integer, a floating-point number, an unscoped enumeration, a std::string, a C string, or
+    /// a std::vector of one of these. Control characters are dropped from strings, except tab, line feed, carriage
+    /// return, backspace and form feed; infinities and NaN are written as 0. A null C string aborts the process.
     ///
     /// Returns the first of these errors that applies, and the event is not sent:
     ///   - -6: rate limit exceeded. A call site may write HISYSEVENT_THRESHOLD events in a period, including those that
@@ -160,14 +159,14 @@ public:
     ///   - -1: invalid domain name (at most 16 characters)
     ///   - -2: invalid event name (at most 32 characters)
     ///   - -4: the encoded event exceeds 384 KiB
-    ///   - -9: out of memory in cJSON
+    ///   - -9: allocation fails in cJSON
     ///   - -5: the configured output cannot be written. The next successful write sends the last 100 such events first.
     ///
     /// Otherwise the event is sent, and the result is 0 or the last of these warnings in the order of the keys:
     ///   - 1: invalid key (at most 48 characters), dropped with its value
     ///   - 2: a string exceeds 262144 bytes; it is written in full
-    ///   - 3: more than 128 keys; the rest is dropped
-    ///   - 4: a vector has more than 100 elements; the rest is dropped
+    ///   - 3: more than 128 keys; the rest are dropped
+    ///   - 4: a vector has more than 100 elements; the rest are dropped
     ///
     /// Names consist of letters, digits and `_` and begin with a letter.
     template <typename... Types, int64_t Period = HISYSEVENT_PERIOD, uint32_t Threshold = HISYSEVENT_THRESHOLD>
@@ -190,8 +189,9 @@ private:
     static int WriteAt(const ostra::host::EventCallSite &site, const std::string &domain, const std::string &eventName,
                        EventType type, const Types &...keyValues)
     {
-        static_assert(AreKeyValues<Types...>(),
-                      "HiSysEvent::Write: after the event type come pairs of a string as key and its value");
+        static_assert(
+            AreKeyValues<Types...>(),
+            "HiSysEvent::Write: the arguments after the event type must be pairs of a string key and a value");
         std::array<ostra::host::EventKeyValue, sizeof...(Types) / 2> params{};
         // An initializer list instead of a fold expression: compilers limit the nesting depth of expressions.
         size_t at = 0;
@@ -204,11 +204,11 @@ private:
     static constexpr bool AreKeyValues()
     {
         constexpr bool isString[] = {ostra::host::IS_EVENT_STRING<Types>..., true};
-        bool areAll = sizeof...(Types) % 2 == 0;
+        bool isValid = sizeof...(Types) % 2 == 0;
         for (size_t key = 0; key < sizeof...(Types); key += 2) {
-            areAll = areAll && isString[key];
+            isValid = isValid && isString[key];
         }
-        return areAll;
+        return isValid;
     }
 
     template <typename Type>

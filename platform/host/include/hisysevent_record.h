@@ -49,8 +49,8 @@ public:
     void GetParamNames(std::vector<std::string> &params) const;
 
     /// Reads the value of a key: the event's own, or one that the platform adds. If a key occurs more than once, the
-    /// first is used. A number without fraction and exponent can be read as int64_t or uint64_t if it fits, every
-    /// number as double, and an empty list as a vector of any type.
+    /// first is used. A number without a fraction or exponent can be read as int64_t or uint64_t if it fits, any number
+    /// as double, and an empty list as a vector of any type.
     ///
     /// Returns 0, or one of these errors without changing `value`:
     ///   - -1: the record was not created from a JSON object

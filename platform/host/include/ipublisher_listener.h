@@ -13,8 +13,8 @@
 
 namespace OHOS::DistributedHardware {
 
-/// Every value above TOPIC_MIN is a topic. The names above 1 differ between releases of the platform: sources that also
-/// build for a device use the values.
+/// Every value above TOPIC_MIN is a topic. The names above 1 differ between releases of the platform: code that is also
+/// built for a device should use the values.
 enum class DHTopic : uint32_t {
     TOPIC_MIN = 0,
     TOPIC_START_DSCREEN = 1,

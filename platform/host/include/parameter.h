@@ -3,9 +3,9 @@
 /// \file
 /// System parameters on the host, private to the process. The first use reads the file that OSTRA_HOST_PARAMETER_FILE
 /// names, with one name=value per line ('#' starts a comment line), then OSTRA_HOST_PARAMETERS, name=value entries
-/// separated by ';', which take precedence. Whitespace around an entry is ignored. An entry that SetParameter would
-/// reject is reported on standard error and skipped, and so is a file that cannot be read, a directory or a FIFO. All
-/// functions are thread-safe. A C compiler accepts this header.
+/// separated by ';', which take precedence. Whitespace around an entry is ignored. Entries that SetParameter would
+/// reject, files that cannot be read, directories and FIFOs are reported on standard error and skipped. All functions
+/// are thread-safe. A C compiler accepts this header.
 
 #ifndef HOST_PARAMETER_H
 #define HOST_PARAMETER_H

@@ -116,9 +116,9 @@ public:
     bool Write##Name##Vector(const std::vector<Type> &values); \
     bool Read##Name##Vector(std::vector<Type> *values);
     /// Vectors: the count as a signed 32-bit value, then the elements as above; 8-bit and UInt16 elements are packed
-    /// and padded as a whole. Reading returns false, with the count consumed and the vector unchanged, if the
-    /// count is negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read
-    /// are empty.
+    /// and padded as a whole. Reading returns false, with the count consumed and the vector unchanged, if the count is
+    /// negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read are empty.
+    /// A null vector is rejected, and nothing is read.
     /// \{
     HOST_PARCEL_VECTOR(Bool, bool)
     HOST_PARCEL_VECTOR(Int8, int8_t)
@@ -149,16 +149,19 @@ public:
     size_t GetWritePosition();
     /// \}
 
-    /// Resizes the buffer, even beyond the maximum capacity. Returns false unless it is larger than the data.
+    /// Resizes the buffer, even beyond the maximum capacity. Returns false, without a change, if the buffer would not
+    /// be larger than the data, or allocation fails.
     bool SetDataCapacity(size_t newCapacity);
 
-    /// Sets the size of the data; the write position is unchanged. Returns false if it exceeds the buffer.
+    /// Sets the size of the data; the write position is unchanged. Returns false, without a change, if it exceeds the
+    /// buffer.
     bool SetDataSize(size_t dataSize);
 
-    /// Increases the maximum capacity. Returns false for a smaller or equal one.
+    /// Increases the maximum capacity. Returns false, without a change, if the new one is not larger.
     bool SetMaxCapacity(size_t maxCapacity);
 
-    /// Set a position, in bytes from the start; RewindWrite also ends the data there. Return false beyond the data.
+    /// Set a position, in bytes from the start; RewindWrite also ends the data there. Return false, without a change,
+    /// for a position beyond the data.
     /// \{
     bool RewindRead(size_t newPosition);
     bool RewindWrite(size_t newPosition);

@@ -44,7 +44,7 @@ template <typename T>
 class sptr {
 public:
     sptr() = default;
-    sptr(T *object) : object_(object)  // NOLINT(google-explicit-constructor): the platform's converts
+    sptr(T *object) : object_(object)  // NOLINT(google-explicit-constructor): implicit, as on the platform
     {
         static_assert(std::is_base_of_v<RefBase, T>, "sptr: the class must derive from RefBase");
         if (object_ != nullptr) {

@@ -48,14 +48,15 @@ typedef int errno_t;
 /// a destMax of 0 if count is 0.
 errno_t memset_s(void *dest, size_t destMax, int c, size_t count);
 
-/// Copy `count` bytes. memmove_s accepts overlapping blocks; memcpy_s accepts no overlap but a copy onto itself.
+/// Copy `count` bytes. memmove_s accepts overlapping blocks; memcpy_s rejects them, except for copying a block onto
+/// itself.
 /// \{
 errno_t memcpy_s(void *dest, size_t destMax, const void *src, size_t count);
 errno_t memmove_s(void *dest, size_t destMax, const void *src, size_t count);
 /// \}
 
-/// Copy a string, or at most its first `count` characters, and add a null terminator. Accept a copy onto itself. Return
-/// ERANGE_AND_RESET if count exceeds SECUREC_STRING_MAX_LEN.
+/// Copy a string, or at most its first `count` characters, and add a null terminator. A string may be copied onto
+/// itself. Return ERANGE_AND_RESET if count exceeds SECUREC_STRING_MAX_LEN.
 /// \{
 errno_t strcpy_s(char *strDest, size_t destMax, const char *strSrc);
 errno_t strncpy_s(char *strDest, size_t destMax, const char *strSrc, size_t count);
@@ -84,8 +85,9 @@ int vsprintf_s(char *strDest, size_t destMax, const char *format, va_list argLis
     __attribute__((format(printf, 3, 0)));
 /// \}
 
-/// The same for at most `count` characters. For a longer result return -1; the destination then holds its first `count`
-/// characters if count is less than destMax. If count exceeds SECUREC_STRING_MAX_LEN, the destination is empty.
+/// The same for at most `count` characters. For a longer result, return -1; the destination then holds the first
+/// `count` characters of the result if count is less than destMax, and is empty otherwise. If count exceeds
+/// SECUREC_STRING_MAX_LEN, the destination is empty.
 /// \{
 int snprintf_s(char *strDest, size_t destMax, size_t count, const char *format, ...)
     __attribute__((format(printf, 4, 5)));

@@ -16,7 +16,7 @@ extern "C" {
 #define NETWORK_ID_BUF_LEN 65
 #define DEVICE_NAME_BUF_LEN 128
 
-/// Describes a node. The platform's structure has further fields after these.
+/// Describes a node. The platform's structure has additional fields after these.
 typedef struct {
     char networkId[NETWORK_ID_BUF_LEN];
     char deviceName[DEVICE_NAME_BUF_LEN];
@@ -24,8 +24,8 @@ typedef struct {
 } NodeBasicInfo;
 
 /// Describes the local node. The network id has 64 hexadecimal digits and is a keyed hash (HMAC-SHA-256) of the machine
-/// id, so that it is stable and does not reveal that id; without a machine id (no such file, or an empty one) it is
-/// that of the host name. The device name is the host name, and the device type is 0.
+/// id, so that it is stable and does not reveal that id; if there is no machine id (no file, or an empty one), the host
+/// name is hashed instead. The device name is the host name, and the device type is 0.
 ///
 /// Returns 0, or one of these errors without changing `info`:
 ///   - -1: an argument is null

@@ -32,7 +32,7 @@ bool IsLevel(int level)
     return level >= 0 && level < static_cast<int>(QosLevel::QOS_MAX);
 }
 
-int OwnThread()
+int CurrentThread()
 {
     return static_cast<int>(syscall(SYS_gettid));
 }
@@ -70,17 +70,17 @@ int GetQosForOtherThread(enum QosLevel &level, int tid)
 
 int SetThreadQos(enum QosLevel level)
 {
-    return SetQosForOtherThread(level, OwnThread());
+    return SetQosForOtherThread(level, CurrentThread());
 }
 
 int ResetThreadQos()
 {
-    return ResetQosForOtherThread(OwnThread());
+    return ResetQosForOtherThread(CurrentThread());
 }
 
 int GetThreadQos(enum QosLevel &level)
 {
-    return GetQosForOtherThread(level, OwnThread());
+    return GetQosForOtherThread(level, CurrentThread());
 }
 
 }  // namespace OHOS::QOS

@@ -35,7 +35,7 @@ constexpr Scheduling SCHEDULING_WITHOUT_LEVEL = {SCHED_OTHER, 0};
 // Read when the library is loaded, before any thread has a level.
 const int NICE_AT_START = getpriority(PRIO_PROCESS, 0);
 
-bool IsOwnThread(int tid)
+bool IsThreadOfProcess(int tid)
 {
     return syscall(SYS_tgkill, getpid(), tid, 0) == 0;
 }
@@ -73,11 +73,11 @@ int SendQosRequest(QosRequest request, int tid, int &level)
 {
     Levels &levels = ProcessLevels();
     const std::lock_guard<std::mutex> lock(levels.mutex);
-    if (!IsOwnThread(tid)) {
+    if (!IsThreadOfProcess(tid)) {
         return REJECTED;
     }
     if (request == QosRequest::GET) {
-        // Linux may reuse the id of a thread that ended: the new thread has the level only if it is scheduled so.
+        // Linux may reuse the id of a finished thread: the level belongs to this thread only if it is scheduled so.
         const auto found = levels.levelOfThread.find(tid);
         const bool hasLevel =
             found != levels.levelOfThread.end() && IsScheduled(SCHEDULING_OF_LEVEL[found->second], tid);

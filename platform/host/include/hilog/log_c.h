@@ -95,7 +95,7 @@ void HiLogSetAppLogLevel(LogLevel level, PreferStrategy prefer);
 void HiLogSetAppMinLogLevel(LogLevel level);
 /// \}
 
-/// A callback of LOG_SetCallback.
+/// The type of the callback that LOG_SetCallback sets.
 typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsigned int domain, const char *tag,
                             const char *msg);
 
