@@ -6,8 +6,6 @@
 #include <unistd.h>
 
 #include <iostream>
-#include <memory>
-#include <vector>
 
 #include "hilog/log.h"
 #include "parameter.h"

@@ -30,8 +30,8 @@ const int g_isUnset = unsetenv("OSTRA_HOST_LOG_LEVEL");
 int g_writes = 0;  // counts the writes; a write fails with EINTR while it is not positive
 
 // Of the last call of Log.
-std::optional<std::string> g_message;  // as passed to the callback
-std::string g_output;                  // with T for the time and P for the process and thread ids
+std::string g_message;  // as passed to the callback, in quotes, or "none"
+std::string g_output;   // with T for the time and P for the process and thread ids
 
 }  // namespace
 
@@ -52,9 +52,9 @@ template <typename Function>
 int Log(const Function &log)
 {
     static const std::regex changing(R"(\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{4}\d [ \d]{4}\d)");
-    g_message.reset();
+    g_message = "none";
     LOG_SetCallback([](LogType, LogLevel, unsigned int, const char *, const char *message) {
-        g_message = message;
+        g_message = Quote(message);
         errno = EBADF;
     });
     testing::internal::CaptureStderr();
@@ -72,30 +72,31 @@ int Print(int type, int level, unsigned int domain, const char *tag, Values... v
     return Log([=] { return HiLogPrint(LogType(type), LogLevel(level), domain, tag, values...); });
 }
 
+// format, arguments => the message
 Fields Format(const Fields &in)
 {
-    PrintfCall(in, 0).Pass([](auto... values) { return Print(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", values...); });
-    return {g_message.has_value() ? Quote(*g_message) : "none"};
+    Log([&] { return CallPrint(HiLogPrint, in, 0, LOG_CORE, LOG_INFO, DOMAIN_ID, "T"); });
+    return {g_message};
 }
 
-std::string Line(int type, int level, unsigned int domain, const std::string &tag, const std::string &message)
+Fields Line(int type, int level, unsigned int domain, const char *tag, const char *message)
 {
-    Print(type, level, domain, tag.c_str(), "%{public}s", message.c_str());
-    return g_output;
+    Print(type, level, domain, tag, "%{public}s", message);
+    return {Quote(g_output)};
 }
 
-Fields Deliver(int type, int level, unsigned int domain, const std::optional<std::string> &tag)
+Fields Deliver(int type, int level, unsigned int domain, const char *tag)
 {
-    const int result = Print(type, level, domain, Pointer(tag), "%{public}s", "text");
-    return {g_message.has_value() ? "callback" : "none", result < 0 ? "-" : "+"};
+    const int result = Print(type, level, domain, tag, "%{public}s", "text");
+    return {g_message == "none" ? "none" : "callback", result < 0 ? "-" : "+"};
 }
 
-bool IsLoggable(unsigned int domain, const std::optional<std::string> &tag, int level)
+bool IsLoggable(unsigned int domain, const char *tag, int level)
 {
-    return HiLogIsLoggable(domain, Pointer(tag), LogLevel(level));
+    return HiLogIsLoggable(domain, tag, LogLevel(level));
 }
 
-int MinLevel(unsigned int domain, const std::optional<std::string> &tag)
+int MinLevel(unsigned int domain, const char *tag)
 {
     int level = LOG_LEVEL_MIN;
     while (level < LOG_LEVEL_MAX && !IsLoggable(domain, tag, level)) {
@@ -104,9 +105,9 @@ int MinLevel(unsigned int domain, const std::optional<std::string> &tag)
     return level;
 }
 
-Fields Set(const std::string &parameter, const std::string &value)
+Fields Set(const char *parameter, const char *value)
 {
-    const int result = SetParameter(parameter.c_str(), value.c_str());
+    const int result = SetParameter(parameter, value);
     return {Show(result), Show(MinLevel(0x1AF, "Replay"))};
 }
 
@@ -120,16 +121,14 @@ int SetAppLevel(int level, int preference)
 
 TEST(HiLog, MatchesRecording)
 {
-    Operations operations = {{"format", Format},        {"deliver", Call(Deliver)}, {"loggable", Call(IsLoggable)},
-                             {"line", Call(Line)},      {"set", Call(Set)},         {"app", Call(SetAppLevel)},
-                             {"lowest", Call(MinLevel)}};
-    for (const std::string name : {"deliver", "loggable"}) {
-        for (const auto &[section, level] : {std::pair("-unset", ""), {"-E", "E"}}) {
-            operations[name + section] = [level = level, operation = operations[name]](const Fields &in) {
+    Operations operations = {
+        {"format", Format}, {"set", Call(Set)}, {"app", Call(SetAppLevel)}, {"lowest", Call(MinLevel)}};
+    const Operations sections = {{"deliver", Call(Deliver)}, {"loggable", Call(IsLoggable)}, {"line", Call(Line)}};
+    for (const auto &[name, operation] : sections) {
+        for (const auto &[suffix, level] : {std::pair("", "I"), {"-unset", ""}, {"-E", "E"}}) {
+            operations[name + suffix] = [level = level, call = operation](const Fields &in) {
                 Set("persist.sys.hilog.loggable.global", level);
-                const Fields results = operation(in);
-                Set("persist.sys.hilog.loggable.global", "I");
-                return results;
+                return call(in);
             };
         }
     }
@@ -140,7 +139,7 @@ TEST(HiLog, MatchesRecording)
 TEST(HiLog, FormatsWideStrings)
 {
     Print(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", "%{public}S|%{public}hS|%{public}C", L"wide", "narrow", L'c');
-    EXPECT_EQ(g_message, "wide|narrow|c");
+    EXPECT_EQ(g_message, Quote("wide|narrow|c"));
 }
 
 TEST(HiLog, FunctionsLogAtTheirLevel)

@@ -11,11 +11,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <climits>
 #include <optional>
-#include <string>
 #include <thread>
-#include <utility>
 
 #include "concurrent_task_client.h"
 #include "hilog/log.h"
@@ -122,7 +119,7 @@ TEST(Qos, SchedulesAndResetsThreads)
         EXPECT_EQ(current(), initial);
         ++level;
     }
-    for (const pid_t other : {-1, 0, INT_MAX, getppid()}) {  // not threads of this process
+    for (const pid_t other : {-1, 0, INT32_MAX, getppid()}) {  // not threads of this process
         EXPECT_EQ(SetQosForOtherThread(QosLevel::QOS_BACKGROUND, other), -1) << other;
         EXPECT_EQ(ResetQosForOtherThread(other), -1) << other;
     }

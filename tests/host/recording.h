@@ -10,21 +10,18 @@
 #define TESTS_HOST_RECORDING_H
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <iomanip>
 #include <limits>
 #include <map>
-#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <tuple>
 #include <type_traits>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace replay {
@@ -35,11 +32,8 @@ using Fields = std::vector<std::string>;
 using Operation = std::function<Fields(const Fields &arguments)>;
 using Operations = std::map<std::string, Operation>;
 
-// Thrown by an operation to skip its case.
-struct Skip {};
-
 // Replays a file of `count` cases. If there is an operation "case", each of its lines begins a case; otherwise, each
-// line is a case. Returns the number of skipped cases.
+// line is a case. Returns the number of skipped cases, which this machine or the host platform does not support.
 size_t Replay(const std::string &name, size_t count, const Operations &operations);
 
 // Splits at separators outside quotes; "-" and "" have no elements.
@@ -74,35 +68,37 @@ std::string ToHex(const std::basic_string<Unit> &units)
     return units.empty() ? "-" : digits.str();
 }
 
-template <typename T>
-constexpr bool IS_VECTOR = false;
-template <typename T>
-constexpr bool IS_VECTOR<std::vector<T>> = true;
-
-template <typename T>
-constexpr bool IS_OPTIONAL = false;
-template <typename T>
-constexpr bool IS_OPTIONAL<std::optional<T>> = true;
-
 inline std::string g_memory;  // Recorded pointers are offsets into it.
 
-// Parses a field.
+// Returns a copy of the value that exists until the program ends.
+template <typename T>
+T &Store(T value)
+{
+    static std::deque<T> values;
+    return values.emplace_back(std::move(value));
+}
+
+// Parses a field. A pointer is null, or points to a stored value or into g_memory.
 template <typename T>
 T Value(const std::string &field)
 {
-    if constexpr (std::is_same_v<T, std::string>) {
+    if constexpr (std::is_pointer_v<T>) {
+        using Target = std::remove_const_t<std::remove_pointer_t<T>>;
+        if (field == "null") {
+            return nullptr;
+        }
+        if constexpr (std::is_class_v<Target>) {
+            return &Store(Value<Target>(field));
+        } else {
+            return field[0] == '"' ? Store(Unquote(field)).data() : g_memory.data() + Value<size_t>(field);
+        }
+    } else if constexpr (std::is_same_v<T, std::string>) {
         return Unquote(field);
-    } else if constexpr (IS_OPTIONAL<T>) {
-        return field == "null" ? std::nullopt : T(Value<typename T::value_type>(field));
-    } else if constexpr (std::is_pointer_v<T>) {
-        return field == "null" ? nullptr : g_memory.data() + Value<size_t>(field);
-    } else if constexpr (std::is_same_v<T, std::u16string>) {
-        return FromHex<char16_t>(field);
-    } else if constexpr (std::is_same_v<T, Bytes>) {
-        return {FromHex<char>(field)};
+    } else if constexpr (std::is_same_v<T, std::u16string> || std::is_same_v<T, Bytes>) {
+        return {FromHex<typename T::value_type>(field)};
     } else if constexpr (std::is_same_v<T, bool>) {
         return field == "true" || field == "1";
-    } else if constexpr (IS_VECTOR<T>) {
+    } else if constexpr (std::is_class_v<T>) {
         T values;
         for (const std::string &element : Split(field)) {
             values.push_back(Value<typename T::value_type>(element));
@@ -117,24 +113,19 @@ T Value(const std::string &field)
     }
 }
 
-inline const char *Pointer(const std::optional<std::string> &target)
-{
-    return target.has_value() ? target->c_str() : nullptr;
-}
-
 // Formats a result.
 template <typename T>
 std::string Show(const T &value)
 {
-    if constexpr (std::is_same_v<T, std::string>) {
+    if constexpr (std::is_pointer_v<T>) {
+        return value == nullptr ? "null" : Quote(value);
+    } else if constexpr (std::is_same_v<T, std::string>) {
         return Quote(value);
-    } else if constexpr (std::is_same_v<T, Bytes> || std::is_same_v<T, std::u16string>) {
+    } else if constexpr (std::is_same_v<T, std::u16string>) {
         return ToHex(value);
-    } else if constexpr (IS_OPTIONAL<T>) {
-        return value.has_value() ? Show(*value) : "null";
     } else if constexpr (std::is_same_v<T, bool>) {
         return value ? "true" : "false";
-    } else if constexpr (IS_VECTOR<T>) {
+    } else if constexpr (std::is_class_v<T>) {
         std::string list;
         for (const typename T::value_type &element : value) {
             list += (list.empty() ? "" : ",") + Show(element);
@@ -147,22 +138,14 @@ std::string Show(const T &value)
     }
 }
 
-// The result of a function and a variable that it sets.
-template <typename First, typename Second>
-std::string Show(const std::pair<First, Second> &values)
-{
-    return Show(values.first) + " " + Show(values.second);
-}
-
 // Returns an operation that passes its arguments to a function and shows the result. A missing argument is null.
 template <typename Result, typename... Parameters>
 Operation Call(Result (*function)(Parameters...))
 {
-    return [function](const Fields &in) -> Fields {
-        [[maybe_unused]] auto next = [&in, at = size_t{0}]() mutable {
-            return at < in.size() ? in[at++] : "null";
-        };
-        std::tuple<std::decay_t<Parameters>...> arguments{Value<std::decay_t<Parameters>>(next())...};
+    return [function](Fields in) -> Fields {
+        in.resize(sizeof...(Parameters), "null");
+        [[maybe_unused]] auto next = in.begin();
+        std::tuple<std::decay_t<Parameters>...> arguments{Value<std::decay_t<Parameters>>(*next++)...};
         if constexpr (std::is_same_v<Result, Fields>) {
             return std::apply(function, std::move(arguments));
         } else {
@@ -171,26 +154,28 @@ Operation Call(Result (*function)(Parameters...))
     };
 }
 
-// The format and the arguments of a recorded call of a function such as printf.
-struct PrintfCall {
-    // The format is fields[at], and its arguments follow. Skips a case that depends on the size of `long` if it has
-    // another size on this machine than on the recorded one.
-    PrintfCall(const Fields &fields, size_t at);
-
-    // Passes the format and the arguments to `print`, with zeros for missing arguments.
-    template <typename Print>
-    int Pass(const Print &print) const
-    {
-        const auto passValues = [&](auto... values) {
-            return print(Pointer(format), values...);
-        };
-        return std::apply([&](auto... each) { return std::visit(passValues, each...); }, arguments);
+// Calls a function such as printf: passes `values`, and then the fields from in[at] on. Passes zeros for missing
+// arguments.
+template <typename... Parameters, typename... Values>
+int CallPrint(int (*print)(Parameters..., ...), const Fields &in, size_t at, Values... values)
+{
+    constexpr size_t passed = sizeof...(values);
+    if constexpr (passed < sizeof...(Parameters)) {
+        using Next = std::tuple_element_t<passed, std::tuple<Parameters...>>;
+        return CallPrint(print, in, at + 1, values..., Value<Next>(in.at(at)));
+    } else if constexpr (passed == sizeof...(Parameters) + 5) {
+        return print(values...);
+    } else {
+        const std::string field = at < in.size() && in[at] != "null" ? in[at] : "i:0";
+        const std::string value = field.substr(2);
+        if (field[0] == 'd') {
+            return CallPrint(print, in, at + 1, values..., Value<double>(value));
+        }
+        const bool isString = field[0] == 's';
+        const auto number = isString ? reinterpret_cast<intptr_t>(Value<char *>(value)) : Value<intptr_t>(value);
+        return CallPrint(print, in, at + 1, values..., number);
     }
-
-    std::optional<std::string> format;
-    std::array<std::variant<intptr_t, double>, 5> arguments{};
-    std::deque<std::string> strings;
-};
+}
 
 }  // namespace replay
 

@@ -21,7 +21,7 @@ template <typename... Parameters>
 Operation Copies(errno_t (*function)(Parameters...))
 {
     return [call = Call(function)](const Fields &in) -> Fields {
-        g_memory = Value<Bytes>(in.at(0));
+        g_memory = FromHex<char>(in.at(0));
         g_memory.resize(48, UNSET);
         const std::string result = call({in.begin() + 1, in.end()}).front();
         return {result, ToHex(g_memory)};
@@ -30,15 +30,13 @@ Operation Copies(errno_t (*function)(Parameters...))
 
 // dest, destMax, count or -, format, arguments => result, the bytes up to the end of the string, at least 16
 template <typename Function>
-Operation Prints(const Function &function)
+Operation Prints(Function *function)
 {
-    return [function](const Fields &in) -> Fields {
+    return [function](Fields in) -> Fields {
         constexpr size_t minShown = 16;
         g_memory.assign(1024, UNSET);
-        const int result = PrintfCall(in, 3).Pass([&](auto... arguments) {
-            const size_t count = in[2] == "-" ? 0 : Value<size_t>(in[2]);
-            return function(Value<char *>(in[0]), Value<size_t>(in[1]), count, arguments...);
-        });
+        in.erase(std::remove(in.begin(), in.begin() + 3, "-"), in.begin() + 3);
+        const int result = CallPrint(function, in, 0);
         const size_t shown = std::max(g_memory.find('\0') + 1, minShown);  // npos + 1 is 0
         return {Show(result), ToHex(g_memory.substr(0, shown))};
     };
@@ -47,13 +45,11 @@ Operation Prints(const Function &function)
 // string, the delimiters of each call => the token that each call returns
 Fields Tokens(const Fields &in)
 {
-    auto input = Value<std::optional<std::string>>(in.at(0));
-    char *next = input.has_value() ? input->data() : nullptr;
+    char *next = Value<char *>(in.at(0));
     char *rest = nullptr;
     Fields tokens;
     for (size_t i = 1; i < in.size(); ++i) {
-        const char *const token = strtok_s(next, Pointer(Value<std::optional<std::string>>(in[i])), &rest);
-        tokens.push_back(token == nullptr ? "null" : Quote(token));
+        tokens.push_back(Show(strtok_s(next, Value<char *>(in[i]), &rest)));
         next = nullptr;
     }
     return tokens;
@@ -71,12 +67,9 @@ TEST(Securec, MatchesRecording)
         {"strncpy_s", Copies(strncpy_s)},
         {"strcat_s", Copies(strcat_s)},
         {"strncat_s", Copies(strncat_s)},
-        {"sprintf_s",
-         Prints([](char *dest, size_t destMax, size_t, auto... call) { return sprintf_s(dest, destMax, call...); })},
-        {"snprintf_s", Prints([](auto... call) { return snprintf_s(call...); })},
-        {"snprintf_truncated_s", Prints([](char *dest, size_t destMax, size_t, auto... call) {
-             return snprintf_truncated_s(dest, destMax, call...);
-         })},
+        {"sprintf_s", Prints(sprintf_s)},
+        {"snprintf_s", Prints(snprintf_s)},
+        {"snprintf_truncated_s", Prints(snprintf_truncated_s)},
         {"strtok_s", Tokens},
     };
     Replay("recorded/securec.txt", 359, operations);
