@@ -84,7 +84,7 @@ TEST(RefBase, CountIsThreadSafe)
 {
     const sptr<Object> object = new Object();
     const auto copyRepeatedly = [&object] {
-        for (int i = 0; i < 100000; ++i) {
+        for (int i = 0; i < 1000000; ++i) {
             const sptr<Object> copy = object;
         }
     };
