@@ -26,24 +26,24 @@ constexpr int32_t NO_STATE = 0;
 constexpr int32_t STATE_START = 1;
 constexpr int32_t STATE_STOP = 2;
 
-struct Step {
+struct Stage {
     const char *method;
-    const char *nameInLog;  // differs from `method` for some steps
-    int32_t stage;
+    const char *nameInLog;  // differs from `method` for some stages
+    int32_t number;
     int32_t state;
 };
 
-constexpr Step SERVICE_START = {"ServiceStartRes", "ServiceStartRes", 1, STATE_START};
-constexpr Step CONNECT_DEVICE = {"ConnectDeviceRes", "ConnectDeviceRes", 2, NO_STATE};
-constexpr Step UPDATE = {"UpdateRes", "UpdateRes", 3, NO_STATE};
-constexpr Step UPDATE_PORT = {"UpdatePortRes", "UpdatePortRes", 4, NO_STATE};
-constexpr Step ENABLE_VIRTUAL = {"EnableVirtualRes", "UpdatePortRes", 5, NO_STATE};
-constexpr Step AUDIO_OPEN = {"AudioOpenRes", "UpdatePortRes", 6, NO_STATE};
-constexpr Step AUDIO_CLOSE = {"AudioCloseRes", "UpdatePortRes", 7, NO_STATE};
-constexpr Step DISCONNECT_DEVICE = {"DisconnectDeviceRes", "UpdatePortRes", 8, NO_STATE};
-constexpr Step SERVICE_STOP = {"ServiceStopRes", "ServiceStopRes", 9, STATE_STOP};
-constexpr Step LOAD_SINK_SERVICE = {"LoadSinkServiceRes", "LoadSinkServiceRes", 10, NO_STATE};
-constexpr Step UNLOAD_SINK_SERVICE = {"UnLoadSinkServiceRes", "UnLoadSinkServiceRes", 11, NO_STATE};
+constexpr Stage SERVICE_START = {"ServiceStartRes", "ServiceStartRes", 1, STATE_START};
+constexpr Stage CONNECT_DEVICE = {"ConnectDeviceRes", "ConnectDeviceRes", 2, NO_STATE};
+constexpr Stage UPDATE = {"UpdateRes", "UpdateRes", 3, NO_STATE};
+constexpr Stage UPDATE_PORT = {"UpdatePortRes", "UpdatePortRes", 4, NO_STATE};
+constexpr Stage ENABLE_VIRTUAL = {"EnableVirtualRes", "UpdatePortRes", 5, NO_STATE};
+constexpr Stage AUDIO_OPEN = {"AudioOpenRes", "UpdatePortRes", 6, NO_STATE};
+constexpr Stage AUDIO_CLOSE = {"AudioCloseRes", "UpdatePortRes", 7, NO_STATE};
+constexpr Stage DISCONNECT_DEVICE = {"DisconnectDeviceRes", "UpdatePortRes", 8, NO_STATE};
+constexpr Stage SERVICE_STOP = {"ServiceStopRes", "ServiceStopRes", 9, STATE_STOP};
+constexpr Stage LOAD_SINK_SERVICE = {"LoadSinkServiceRes", "LoadSinkServiceRes", 10, NO_STATE};
+constexpr Stage UNLOAD_SINK_SERVICE = {"UnLoadSinkServiceRes", "UnLoadSinkServiceRes", 11, NO_STATE};
 
 struct HostPackage {
     int32_t businessId;
@@ -65,42 +65,42 @@ struct Report {
 
 // Returns the line number under which the platform's rate limiter counts the event. Failures are counted separately, so
 // that successes never suppress them.
-int32_t LineOf(const Step &step, bool isSuccess)
+int32_t LineOf(const Stage &stage, bool isSuccess)
 {
-    return isSuccess ? step.stage : FAILURE_LINE_OFFSET + step.stage;
+    return isSuccess ? stage.number : FAILURE_LINE_OFFSET + stage.number;
 }
 
 // HiSysEvent::Write takes the keys and values of an event as variadic arguments, so each lambda appends its own to the
 // arguments of its caller.
-int WriteEvent(const Step &step, const Report &report)
+int WriteEvent(const Stage &stage, const Report &report)
 {
     const bool isSuccess = report.errorCode == 0;
     const std::string reportingPackage = REPORTING_PACKAGE;
     const auto write = [&](const auto &...keyValues) {
-        return HiSysEvent::Write(step.method, LineOf(step, isSuccess), DOMAIN, EVENT_NAME, HiSysEvent::BEHAVIOR,
+        return HiSysEvent::Write(stage.method, LineOf(stage, isSuccess), DOMAIN, EVENT_NAME, HiSysEvent::BEHAVIOR,
                                  keyValues...);
     };
     const auto writeWithError = [&](const auto &...keyValues) {
         return isSuccess ? write(keyValues...) : write(keyValues..., "ERROR_CODE", report.errorCode);
     };
     const auto writeWithState = [&](const auto &...keyValues) {
-        return step.state == NO_STATE ? writeWithError(keyValues...)
-                                      : writeWithError(keyValues..., "BIZ_STATE", step.state);
+        return stage.state == NO_STATE ? writeWithError(keyValues...)
+                                       : writeWithError(keyValues..., "BIZ_STATE", stage.state);
     };
     const auto writeWithRest = [&](const auto &...keyValues) {
-        return writeWithState(keyValues..., "HOST_PKG", report.host, "BIZ_SCENE", report.scene, "BIZ_STAGE", step.stage,
-                              "STAGE_RES", isSuccess ? RESULT_SUCCESS : RESULT_FAILURE);
+        return writeWithState(keyValues..., "HOST_PKG", report.host, "BIZ_SCENE", report.scene, "BIZ_STAGE",
+                              stage.number, "STAGE_RES", isSuccess ? RESULT_SUCCESS : RESULT_FAILURE);
     };
     return report.calledPackage == nullptr ? writeWithRest("ORG_PKG", reportingPackage, "FUNC", report.function)
                                            : writeWithRest("ORG_PKG", reportingPackage, "FUNC", report.function,
                                                            "TO_CALL_PKG", *report.calledPackage);
 }
 
-bool Write(const Step &step, const Report &report)
+bool Write(const Stage &stage, const Report &report)
 {
-    const int ret = WriteEvent(step, report);
+    const int ret = WriteEvent(stage, report);
     if (ret != 0) {
-        DHLog(DH_LOG_ERROR, "[%s][%s]:%s error, res:%d", LOG_PREFIX_TAG, step.method, step.nameInLog, ret);
+        DHLog(DH_LOG_ERROR, "[%s][%s]:%s error, res:%d", LOG_PREFIX_TAG, stage.method, stage.nameInLog, ret);
     }
     return ret == 0;
 }

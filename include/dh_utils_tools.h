@@ -130,9 +130,9 @@ OSTRA_EXPORT std::string GetAnonyString(const std::string &value);
 /// formatting fails.
 OSTRA_EXPORT std::string GetAnonyInt32(int32_t value);
 
-/// Fetches the local device's network id from the soft bus.
+/// Fetches the local device's network id from SoftBus.
 ///
-/// Returns 0 and sets `networkId`. If the soft bus returns an error code, logs and returns it; `networkId` is then
+/// Returns 0 and sets `networkId`. If SoftBus returns an error code, logs and returns it; `networkId` is then
 /// unchanged.
 OSTRA_EXPORT int32_t GetLocalDeviceNetworkId(std::string &networkId);
 

@@ -130,8 +130,8 @@ public:
     /// ascending byte order of device ids. The framework's results are ignored.
     ///
     /// If allocation fails inside cJSON, logs an error and leaves the queue unchanged: the next call publishes all of
-    /// it, including notifications that it has already published. The same applies if a listener throws; the exception
-    /// propagates to the caller.
+    /// it, including notifications that this call has already published. The same applies if a listener throws; the
+    /// exception propagates to the caller.
     OSTRA_EXPORT void PublishMessage();
 
     /// Returns the framework's SDK object, shared with the context; never null. Takes no lock.

@@ -26,7 +26,7 @@ inline const std::string OSTRA_DOMAIN = "OSTRAADAPTER";
 inline const std::string ADAPTER_BEHAVIOR_EVENT = "OSTRA_ADAPTER_BEHAVIOR";
 /// The reporting package, in every event.
 inline const std::string ORG_PKG_NAME = "ostra_adapter";
-/// Package name of the platform's soft bus, for callers that report it as the called package.
+/// Package name of the platform's SoftBus, for callers that report it as the called package.
 inline const std::string SOFTBUS_PKG_NAME = "dsoftbus";
 
 /// The process-wide reporter, which writes one event per stage, with the current business id and process name.

@@ -55,11 +55,12 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return InspectFrame(bytes, {});
     };
     for (const auto inspect : {+inspectFrame, InspectService, InspectAudio, InspectDevice, InspectParcel}) {
-        try {
-            CheckInspection(inspect(input));
-            CheckInspection(inspect(ParseHex(input)));
-        } catch (const InputError &error) {
-            CheckPrintable(Escape(error.what()), L"");
+        for (const bool isHex : {false, true}) {
+            try {
+                CheckInspection(inspect(isHex ? ParseHex(input) : input));
+            } catch (const InputError &error) {
+                CheckPrintable(Escape(error.what()), L"");
+            }
         }
     }
     ExpectEqual("hexadecimal round trip", input, ParseHex(ToHex(input)));

@@ -150,14 +150,14 @@ def check_bundle(bundle, targets, reached, top):
     deps = {d.split(":")[0] for m in metadata for d in m.get("external_deps", []) + m.get("public_external_deps", [])}
     parts = [part for m in metadata for part in m.get("part", [])]
     version = re.search(r'#define OSTRA_VERSION "(.*)"', read("include/ostra_version.h"))[1]
-    header = build["inner_kits"][0]["header"]
+    kits = [kit["header"] for kit in build["inner_kits"]]
     installed = {name for name, target in targets.items() if target["type"] in ("copy", "shared_library")}
     expect_equal("bundle.json", [bundle["version"], f"{component['subsystem']}/{component['name']}",
                                  *component["hisysevent_config"]],
                  "the project", [version, *parts, f"{top}hisysevent.yaml"])
     expect_equal("deps of bundle.json", component["deps"]["components"], "BUILD.gn", deps | {"googletest"})
     expect_equal("sub_component of bundle.json", list(map(name_of, build["sub_component"])), "BUILD.gn", installed)
-    expect_equal("inner_kits of bundle.json", [f"{header['header_base']}/{file}" for file in header["header_files"]],
+    expect_equal("inner_kits, bundle.json", [f"{h['header_base']}/{name}" for h in kits for name in h["header_files"]],
                  "include", [f"{top}include/{name}" for name in PUBLIC_HEADERS])
     failures.extend(f"{name}: unreachable from bundle.json" for name in sorted(targets.keys() - reached - {"bundle"}))
 
@@ -171,7 +171,7 @@ def check_files(cmake):
     prefix = re.search(r"^([^# ]+) = ", read("etc/ostra_adapter_utils.para.dac"), re.M)
     expect(prefix and key.startswith(prefix[1]), "etc/ostra_adapter_utils.para.dac names another parameter")
     expect("OstraAdapter::*" not in read("libostra_adapter_utils.map"), "the version script exports a whole namespace")
-    failures.extend(f"{d}/corpus is empty" for d in (TOP / "fuzz").glob("*_fuzzer") if not any(d.glob("corpus/*")))
+    failures.extend(f"{d.name}/corpus is empty" for d in (TOP / "fuzz").glob("*_fuzzer") if not any(d.glob("corpus/*")))
     tree = {str(path.relative_to(TOP)) for directory in ("bridge", "common", "dfx", "fuzz", "json", "protocol", "tests")
             for path in (TOP / directory).rglob("*.c*") if path.suffix in (".c", ".cpp")}
     expect_equal("sources", tree - NOT_COMPILED, "CMake", tree & set().union(*map(compiled_sources, cmake.values())))

@@ -139,8 +139,8 @@ TEST(Parcel, IsUsableAfterRejectedCalls)
     EXPECT_FALSE(parcel.ReadInt32Vector(nullptr));
     EXPECT_FALSE(parcel.ReadInt8Vector(nullptr));
     EXPECT_TRUE(parcel.SetMaxCapacity(SIZE_MAX));
-    EXPECT_FALSE(parcel.WriteBuffer("", SIZE_MAX / 2)) << "allocation fails";
     EXPECT_TRUE(parcel.WriteUint32(1));
+    EXPECT_FALSE(parcel.WriteBuffer("", SIZE_MAX / 2)) << "allocation fails";
     EXPECT_EQ(parcel.ReadUint32(), 1u);
     parcel.FlushBuffer();
     EXPECT_EQ(parcel.GetReadPosition(), 0u);

@@ -30,7 +30,7 @@ namespace {
 const auto token = std::make_shared<int>();  // referenced by every live object
 
 struct Object : virtual RefBase {
-    std::shared_ptr<int> held = token;
+    std::shared_ptr<int> reference = token;
 };
 
 std::string g_received;
@@ -38,6 +38,10 @@ std::string g_received;
 struct Listener : Object, IPublisherListener {
     explicit Listener(const char *name) : prefix(name)
     {
+    }
+    ~Listener() override
+    {
+        Kit().UnregisterPublisherListener(DHTopic{8}, this);  // does not destroy the object again
     }
     DISALLOW_COPY_AND_MOVE(Listener);
     void OnMessage(const DHTopic topic, const std::string &message) override
@@ -80,7 +84,7 @@ TEST(RefBase, CountIsThreadSafe)
 {
     const sptr<Object> object = new Object();
     const auto copyRepeatedly = [&object] {
-        for (int i = 0; i < 100000; ++i) {
+        for (int i = 0; i < 1000000; ++i) {
             const sptr<Object> copy = object;
         }
     };

@@ -13,7 +13,7 @@ using OstraAdapterLogTest = GoldenTest;
 
 TEST_F(OstraAdapterLogTest, ForwardsLevels)
 {
-    SetParameter("hilog.loggable.tag.OSTRA_ADAPTER", "D");
+    EXPECT_EQ(SetParameter("hilog.loggable.tag.OSTRA_ADAPTER", "D"), 0);
     for (int level = -1; level <= 4; ++level) {
         CALL(DHLog(static_cast<DHLogLevel>(level), "level %d of %s", level, "%{private}s"));
     }

@@ -83,9 +83,9 @@ TEST_F(OstraDumpTest, RejectsInvalidArguments)
     CALL(dump_.DumpStreamData(name_, nullptr, 1));
     InitWith("w");
     CALL(dump_.DumpStreamData(name_, Bytes("x"), -1));
-    dump_.DumpStreamData(name_ + "x", Bytes("x"), 1);
-    EXPECT_EQ(access((path_ + "x").c_str(), F_OK), -1) << "more than 50 characters";
-    SetParameter("hilog.loggable.tag.OSTRA_ADAPTER", "D");
+    CALL(dump_.DumpStreamData(name_ + "x", Bytes("x"), 1));
+    EXPECT_EQ(access((path_ + "x").c_str(), F_OK), -1) << "more than 50 bytes";
+    EXPECT_EQ(SetParameter("hilog.loggable.tag.OSTRA_ADAPTER", "D"), 0);
     CALL(dump_.UnInit());
     CALL(Write("x"));
     EXPECT_EQ(CALL(dump_.OpenDumpFile("never opened")), nullptr);

@@ -37,7 +37,7 @@ protected:
         GoldenTest::SetUp();
     }
 
-    // Reports each step as successful.
+    // Reports each stage as successful.
     void ReportAll(bool isAccepted)
     {
         EXPECT_EQ(radar_.ServiceStartRes("F", 7, "ignored", 0), isAccepted);
@@ -56,7 +56,7 @@ protected:
     OstraRadar &radar_ = OstraRadar::GetInstance();
 };
 
-TEST_F(OstraRadarTest, ReportsEachStepWithItsKeysInOrder)
+TEST_F(OstraRadarTest, ReportsEachStageWithItsKeysInOrder)
 {
     radar_.SetCurBusinessId(2);
     CALL(ReportAll(true));

@@ -55,7 +55,7 @@ TEST(RobustnessTest, LogsAndParsesDeepDocumentsOnASmallStack)
 }
 
 // In a process of its own, since the random device is opened once.
-TEST(RobustnessTest, RetriesToOpenTheRandomDevice)
+TEST(RobustnessTest, RetriesOpeningTheRandomDevice)
 {
     const auto run = [] {
         rlimit files = {};

@@ -2,26 +2,18 @@
 # SPDX-License-Identifier: Apache-2.0
 # Runs the commands of inspect_test.txt and of README.md and compares their output, runs ostra-inspect on the worked
 # examples of the page on wire formats, and checks what a transcript cannot show: terminals, pipes, and memory.
-# Usage: inspect_test.sh OSTRA_INSPECT CHANNEL_PAIR SOURCE_FOLDER; with UPDATE=1 it rewrites inspect_test.txt instead.
-set -euo pipefail
+# Usage: inspect_test.sh OSTRA_INSPECT CHANNEL_PAIR SOURCE_DIRECTORY; with UPDATE=1 it rewrites inspect_test.txt instead.
+. "$(dirname "$0")/lib.sh"
 
 inspect=$(realpath "$1")
 pair=$(realpath "$2")
 source=$(realpath "$3")
 page=$source/docs/wire-formats.md
 golden=$source/tests/shell/inspect_test.txt
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-mkdir "$folder/bin" "$folder/files"
-ln -s "$inspect" "$folder/bin/ostra-inspect"
-export PATH=$folder/bin:$PATH TZ=UTC
-cd "$folder/files"
-
-fail() {
-    [ ! -e "$folder/out" ] || cat "$folder/out"
-    echo "FAILED: $*"
-    exit 1
-}
+mkdir "$work/bin" "$work/files"
+ln -s "$inspect" "$work/bin/ostra-inspect"
+export PATH=$work/bin:$PATH TZ=UTC
+cd "$work/files"
 
 # transcript FILE: runs the lines that start with "$ " and prints them with their output and failure status.
 transcript() {
@@ -38,32 +30,32 @@ transcript() {
 expect() {
     local status=0 expected=$1 strings=$2 string
     shift 2
-    timeout 60 "$inspect" "$@" >"$folder/out" 2>&1 </dev/null || status=$?
+    timeout 60 "$inspect" "$@" >"$work/out" 2>&1 </dev/null || status=$?
     [ "$status" = "$expected" ] || fail "$*: exit status $status, not $expected"
     while read -r string; do
-        tr -s ' ' <"$folder/out" | grep -F -- "$string" >/dev/null || fail "$*: not printed: $string"
+        tr -s ' ' <"$work/out" | grep -F -- "$string" >/dev/null || fail "$*: not printed: $string"
     done <<<"$strings"
 }
 
 # examples KIND COUNT: writes the worked examples of one kind to a file, one per line, without comments.
 examples() {
     sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/d;s|  // .*||;p}" "$page" |
-        sed -e ':a' -e '$!N;s/\n / /;ta' -e 'P;D' >"$folder/$1"
-    [ "$(wc -l <"$folder/$1")" = "$2" ] || fail "$(wc -l <"$folder/$1") examples of the kind $1, not $2"
+        sed -e ':a' -e '$!N;s/\n / /;ta' -e 'P;D' >"$work/$1"
+    [ "$(wc -l <"$work/$1")" = "$2" ] || fail "$(wc -l <"$work/$1") examples of the kind $1, not $2"
 }
 
 check_transcripts() {
     sed -n '/^```device$/,/^```$/{/^```/d;p}' "$page" >device.json
     if [ "${UPDATE:-}" = 1 ]; then
-        transcript "$golden" >"$folder/new"
-        cp "$folder/new" "$golden"
+        transcript "$golden" >"$work/new"
+        cp "$work/new" "$golden"
         exit
     fi
     transcript "$golden" | diff -u "$golden" - || fail 'inspect_test.txt: unexpected output'
     # The last example prints the current time.
     sed -n '/^## Inspecting/,/OSTRA_HOST_EVENT_OUTPUT=/s/^    //p' "$source/README.md" |
-        sed '/OSTRA_HOST/d' >"$folder/readme"
-    transcript "$folder/readme" | diff -uB "$folder/readme" - || fail 'README.md: unexpected output'
+        sed '/OSTRA_HOST/d' >"$work/readme"
+    transcript "$work/readme" | diff -uB "$work/readme" - || fail 'README.md: unexpected output'
 }
 
 check_frames() {
@@ -75,27 +67,27 @@ check_frames() {
         # The bytes of the frame must be split into arguments.
         # shellcheck disable=SC2086
         expect 0 "value $((${line%%:*} & 0xFFFFFFF))"$'\n'"content length $((${#content} / 2))" frame ${line#*=> }
-        ! grep -q overlong "$folder/out" || fail "overlong header value: $line"
+        ! grep -q overlong "$work/out" || fail "overlong header value: $line"
         [ "$("$inspect" frame --content "${line#*=> }" | xxd -p -u)" = "$content" ] || fail "unexpected content: $line"
-    done <"$folder/frame"
+    done <"$work/frame"
     examples header 4
     while IFS= read -r line; do
         expect 0 "value $(sed 's/.*value \([0-9]*\),.*/\1/' <<<"$line")
             offset ${line#*next }" frame "${line%% =>*}"
-    done <"$folder/header"
+    done <"$work/header"
     examples crc 3
     while IFS= read -r line; do
         expect 0 '' frame --crc "$(tr -d ' ' <<<"${line#*=> }")" "${line%% =>*}"
-    done <"$folder/crc"
+    done <"$work/crc"
 }
 
 check_documents() {
     local line output result profiles bits
     examples service 1
     expect 0 $'deviceName desk tablet\nserviceType 4\nstatus {"state":"idle"}\ncode 0 bit 1' \
-        service "$(<"$folder/service")"
+        service "$(<"$work/service")"
     examples unset-service 1
-    expect 0 $'deviceId (empty)\nprofile string 48000,2,16;' service "$(<"$folder/unset-service")"
+    expect 0 $'deviceId (empty)\nprofile string 48000,2,16;' service "$(<"$work/unset-service")"
     examples audio 6
     while IFS= read -r line; do
         output=${line##*=> }
@@ -104,7 +96,7 @@ check_documents() {
         bits=$(sed 's/.*bits \([0-9]*\),.*/\1/' <<<"$output")
         expect "$((result != 0))" "result $result"$'\n'"codec bits $bits"$'\n'"profile string ${profiles:-(empty)}" \
             audio "${line% =>*}"
-    done <"$folder/audio"
+    done <"$work/audio"
 }
 
 # words NUMBER...: prints 32-bit little-endian words in hexadecimal.
@@ -133,7 +125,7 @@ check_parcels() {
             awk -F'#' '{ map[$1] = $0 } END { for (key in map) print map[key] }' | sort -n)
         [ "$(compose "${accepted[@]}")" = "$(tr -d ' ' <<<"${line##*=> }" | tr A-F a-f)" ] ||
             fail "unexpected parcel: $line"
-    done <"$folder/parcel"
+    done <"$work/parcel"
 }
 
 check_events() {
@@ -142,18 +134,18 @@ check_events() {
         printf '{"domain_":"OSTRAADAPTER","name_":"OSTRA_ADAPTER_BEHAVIOR",%s,"BIZ_STAGE":%s,"STAGE_RES":1}\n' \
             '"HOST_PKG":"h","BIZ_SCENE":2' "$number" >event
         expect 0 "h 2 $operation ok" events event
-    done < <(sed -n 's/^| `\([A-Za-z]*Res\)` | \([0-9]*\) |.*/\1 \2/p' "$page" | tee "$folder/stages")
-    [ "$(wc -l <"$folder/stages")" = 11 ] || fail "$(wc -l <"$folder/stages") stages, not 11"
-    OSTRA_HOST_LOG_LEVEL=off OSTRA_HOST_EVENT_OUTPUT=$PWD/written "$pair" --seconds 0.2 >"$folder/out" 2>&1
+    done < <(sed -n 's/^| `\([A-Za-z]*Res\)` | \([0-9]*\) |.*/\1 \2/p' "$page" | tee "$work/stages")
+    [ "$(wc -l <"$work/stages")" = 11 ] || fail "$(wc -l <"$work/stages") stages, not 11"
+    OSTRA_HOST_LOG_LEVEL=off OSTRA_HOST_EVENT_OUTPUT=$PWD/written "$pair" --seconds 0.2 >"$work/out" 2>&1
     expect 0 $'ServiceStartRes ok source\nDisconnectDeviceRes ok sink calls dsoftbus' events written
-    [ "$(wc -l <"$folder/out")" = "$(($(wc -l <written) + 1))" ] || fail 'the number of rows is not the number of events'
+    [ "$(wc -l <"$work/out")" = "$(($(wc -l <written) + 1))" ] || fail 'the number of rows is not the number of events'
     # Each event must be printed before the next one arrives.
     mkfifo pipe
-    "$inspect" events - <pipe >"$folder/out" &
+    "$inspect" events - <pipe >"$work/out" &
     exec 3>pipe
     cat event >&3
     for tries in {250..0}; do
-        [ "$(wc -l <"$folder/out")" != 2 ] || break
+        [ "$(wc -l <"$work/out")" != 2 ] || break
         sleep 0.02
     done
     exec 3>&-
@@ -162,27 +154,27 @@ check_events() {
 }
 
 check_terminals() {
-    on_terminal() { script -qec "$*" /dev/null </dev/null >"$folder/out" || true; }
+    on_terminal() { script -qec "$*" /dev/null </dev/null >"$work/out" || true; }
     on_terminal "'$inspect' frame"
-    grep -q 'no input: standard input is a terminal' "$folder/out" || fail 'waits for input on a terminal'
+    grep -q 'no input: standard input is a terminal' "$work/out" || fail 'waits for input on a terminal'
     on_terminal "'$inspect' frame --content 85 1B"
-    ! grep -q $'\x1b' "$folder/out" || fail 'raw content is printed to a terminal'
+    ! grep -q $'\x1b' "$work/out" || fail 'raw content is printed to a terminal'
     sed 's/"STAGE_RES":1/"STAGE_RES":2/' event >failure
     on_terminal "stty cols 5; NO_COLOR= '$inspect' events failure"
-    grep -q $'^\033.*FAILED' "$folder/out" || fail 'failures are not highlighted'
+    grep -q $'^\033.*FAILED' "$work/out" || fail 'failures are not highlighted'
     on_terminal "NO_COLOR=1 '$inspect' events failure"
-    ! grep -q $'\033' "$folder/out" || fail 'colored despite NO_COLOR'
+    ! grep -q $'\033' "$work/out" || fail 'colored despite NO_COLOR'
 }
 
 # run_limited KIB ARGUMENT...: runs the tool with an address space of so many KiB.
-run_limited() { (ulimit -v "$1" && shift && timeout 60 "$inspect" "$@") >"$folder/out" 2>&1; }
+run_limited() { (ulimit -v "$1" && shift && timeout 60 "$inspect" "$@") >"$work/out" 2>&1; }
 
 # reject_large MIB ARGUMENT...: fails unless the input is rejected because it is larger than so many MiB.
 reject_large() {
     local limit=$1
     shift
     ! run_limited 100000 "$@" || fail "$*: accepted"
-    grep -q "input too large: the limit is $limit MiB" "$folder/out" || fail "$*: unexpected error"
+    grep -q "input too large: the limit is $limit MiB" "$work/out" || fail "$*: unexpected error"
 }
 
 # A frame needs little more memory than its bytes, everything else is bounded by a constant, and every failed allocation
@@ -192,9 +184,9 @@ check_memory() {
     run_limited 100000 --version || return 0
     { printf '\205' && head -c 67108863 /dev/zero; } >frame
     run_limited 100000 frame frame || fail 'a frame of 64 MiB needs too much memory'
-    grep -q 'content length  67108863' "$folder/out" || fail 'the content is not complete'
+    grep -q 'content length  67108863' "$work/out" || fail 'the content is not complete'
     run_limited 100000 --json frame - <frame || fail 'the JSON of a frame of 64 MiB needs too much memory'
-    grep -q '"content_omitted":.*67098863' "$folder/out" || fail 'the JSON contains the whole content'
+    grep -q '"content_omitted":.*67098863' "$work/out" || fail 'the JSON contains the whole content'
     printf 'a' >>frame
     head -c 1048577 frame >large
     reject_large 64 frame frame
@@ -204,10 +196,10 @@ check_memory() {
         reject_large 1 "$subcommand" <(yes)
     done
     run_limited 40000 events frame && fail 'a line of 64 MiB is accepted as an event'
-    grep -q '1 of 1 lines not recognized' "$folder/out" || fail 'unexpected error for a line of 64 MiB'
+    grep -q '1 of 1 lines not recognized' "$work/out" || fail 'unexpected error for a line of 64 MiB'
     printf '{"2102":"{\\"profiles\\":[{}%s]}"}' "$(yes ',{}' | head -300000 | tr -d '\n')" >profiles
     run_limited 100000 audio profiles || fail 'many profiles need too much memory'
-    grep -q 'warnings omitted *890003' "$folder/out" || fail 'the report contains all warnings'
+    grep -q 'warnings omitted *890003' "$work/out" || fail 'the report contains all warnings'
     # No document of 1 MiB is known to need more memory than this one.
     { printf '{"properties":{"2102":"{}","x":[' && head -524260 <(yes 0,) | tr -d '\n' &&
         printf '0]},"deviceId":"d1"}'; } >large
@@ -216,9 +208,9 @@ check_memory() {
         run_limited "$limit" --version || continue
         run_limited "$limit" service large || status=$?
         if [ "$status" = 0 ]; then
-            grep -q 'deviceId *d1' "$folder/out" || fail "a member is missing with $limit KiB"
+            grep -q 'deviceId *d1' "$work/out" || fail "a member is missing with $limit KiB"
         else
-            grep -q 'out of memory' "$folder/out" || fail "unexpected error with $limit KiB"
+            grep -q 'out of memory' "$work/out" || fail "unexpected error with $limit KiB"
         fi
     done
     [ "$status" = 0 ] || fail 'a document of 1 MiB needs too much memory'
@@ -231,6 +223,6 @@ check_parcels
 check_events
 check_terminals
 check_memory
-! "$inspect" events written >/dev/full 2>"$folder/out" || fail 'a full standard output is not an error'
-grep -q 'No space left on device' "$folder/out" || fail 'the reason is missing'
+! "$inspect" events written >/dev/full 2>"$work/out" || fail 'a full standard output is not an error'
+grep -q 'No space left on device' "$work/out" || fail 'the reason is missing'
 echo 'the tool behaves as documented'

@@ -4,14 +4,12 @@
 # objects that are destroyed then. The constants of the public headers are such objects, so the library must not use
 # them: its sources are compiled without them.
 # Usage: static_destructors_test.sh NM HOST_PLATFORM SOURCE_DIRECTORY COMPILER [FLAG ...]
-set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
 nm=$1
 platform=$2
 top=$3
 shift 3
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
 
 cp "$top"/include/*.h "$work"
 sed -i -E '/^inline const std::/d; /^inline const DHTypeNames .*\{$/,/^\};$/d' "$work"/*.h
@@ -20,7 +18,6 @@ for source in "$top"/{common,protocol,json,bridge,dfx}/*.cpp; do
 done >"$work/library.s"
 "$nm" -u "$platform" >"$work/platform.symbols"
 if grep atexit "$work"/library.s "$work"/platform.symbols; then
-    echo "an object is destroyed at exit"
-    exit 1
+    fail "an object is destroyed at exit"
 fi
 echo "no object is destroyed at exit"

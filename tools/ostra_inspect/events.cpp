@@ -89,7 +89,7 @@ void Print(const cJSON *event, const EventOptions &options, bool isFirst)
         std::printf("%s\n", ToJson(event, false).c_str());
     } else {
         const std::string heading =
-            FormatRow({"time", "pid", "host", "scenario", "operation", "result", "function"}) + "\n";
+            FormatRow({"time", "pid", "host", "business", "operation", "result", "function"}) + "\n";
         std::printf("%s%s%s%s\n", isFirst ? heading.c_str() : "", isColored ? "\033[1;31m" : "",
                     FormatEvent(event).c_str(), isColored ? "\033[0m" : "");
     }
@@ -126,7 +126,7 @@ JsonTree ParseEvent(const std::string &line)
     AddCopy(event.get(), "time", field("time_"));
     AddCopy(event.get(), "pid", field("pid_"));
     AddCopy(event.get(), "host", field("HOST_PKG"));
-    AddCopy(event.get(), "scenario", field("BIZ_SCENE"));
+    AddCopy(event.get(), "business", field("BIZ_SCENE"));
     AddCopy(event.get(), "stage", field("BIZ_STAGE"));
     AddString(event.get(), "operation", StageName(field("BIZ_STAGE")->valueint));
     AddCopy(event.get(), "function", field("FUNC"));
@@ -152,7 +152,7 @@ std::string FormatEvent(const cJSON *event)
     const cJSON *const warning = Member(event, "warning");
     return FormatRow(
         {FormatTime(Member(event, "time")), FormatValue(Member(event, "pid")), FormatValue(Member(event, "host")),
-         FormatValue(Member(event, "scenario")), FormatValue(Member(event, "operation")), FormatResult(event),
+         FormatValue(Member(event, "business")), FormatValue(Member(event, "operation")), FormatResult(event),
          FormatValue(Member(event, "function")) + (called == nullptr ? "" : " calls " + FormatValue(called)) +
              (warning == nullptr ? "" : "; warning: " + FormatValue(warning))});
 }

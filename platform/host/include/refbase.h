@@ -32,7 +32,7 @@ public:
     void IncStrongRef(const void *owner);
     void DecStrongRef(const void *owner);
 
-    /// Returns the current count, 0 before the first sptr.
+    /// Returns the current count, 0 before the first sptr and in the destructor.
     int GetSptrRefCount();
 
 private:

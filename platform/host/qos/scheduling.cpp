@@ -88,9 +88,10 @@ int SendQosRequest(QosRequest request, int tid, int &level)
     if (!Schedule(isSet ? SCHEDULING_OF_LEVEL[level] : SCHEDULING_WITHOUT_LEVEL, tid)) {
         return REJECTED;
     }
-    levels.levelOfThread.erase(tid);
     if (isSet) {
         levels.levelOfThread[tid] = level;
+    } else {
+        levels.levelOfThread.erase(tid);
     }
     return 0;
 }

@@ -2,7 +2,16 @@
 
 #include "refbase.h"
 
+#include <algorithm>
+#include <climits>
+
 namespace OHOS {
+namespace {
+
+// The count during destruction: an sptr that the destructor creates does not destroy the object again.
+constexpr int DESTROYED = INT_MIN / 2;
+
+}  // namespace
 
 RefBase::RefBase() = default;
 
@@ -25,13 +34,14 @@ void RefBase::IncStrongRef(const void * /*owner*/)
 void RefBase::DecStrongRef(const void * /*owner*/)
 {
     if (--count_ == 0) {
+        count_ = DESTROYED;
         delete this;
     }
 }
 
 int RefBase::GetSptrRefCount()
 {
-    return count_;
+    return std::max(count_.load(), 0);
 }
 
 }  // namespace OHOS
