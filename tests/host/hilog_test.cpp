@@ -133,7 +133,7 @@ TEST(HiLog, MatchesRecording)
         }
     }
     Replay("recorded/hilog.txt", 400, operations);
-    Replay("handwritten/hilog.txt", 28, operations);
+    Replay("handwritten/hilog.txt", 30, operations);
 }
 
 TEST(HiLog, FormatsWideStrings)
