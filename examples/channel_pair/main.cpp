@@ -38,7 +38,7 @@ constexpr int EXIT_INTERRUPTED = 130;
 // first build.
 constexpr char USAGE[] = R"(Usage: channel_pair [OPTION]... [FILE]
 
-Sends a stream from a source process to a sink process in channel frames of 20 ms and checks what arrives: every byte,
+Sends a stream from a source process to a sink process in channel frames of 20 ms and checks that every byte arrives,
 and nothing else. The stream is FILE, standard input (-), or 5 s of a generated tone (48 kHz, 16 bits, stereo), and is
 sent as fast as possible. Frames 0 to 2 are the source's device document, its service document and the stream's
 settings; frame 3 is the first chunk of the stream.
@@ -50,7 +50,7 @@ settings; frame 3 is the first chunk of the stream.
       --flip N       corrupt frame N, counted from 0, without announcing it to the sink as an injected fault: the pair
                      must fail and name the frame
       --timeout T    wait at most T seconds for a side that does not respond; 10 by default
-      --trace FILE   write each message of the source to FILE, in hexadecimal on a line; - is standard output
+      --trace FILE   write the messages of the source to FILE in hexadecimal, one per line; - is standard output
       --dump         dump the stream that the sink receives to /data/local/tmp/
   -v, --verbose      print every event and the connection
   -h, --help         print this help and exit

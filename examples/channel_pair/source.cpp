@@ -63,7 +63,7 @@ public:
                 return false;
             }
         }
-        report_.result = "interrupted; of what was sent so far, ";
+        report_.result = "interrupted; of the part that was sent, ";
         return true;
     }
 

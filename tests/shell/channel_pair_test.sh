@@ -172,9 +172,9 @@ send_signal 1 $'the source was killed by signal 9\nthe end of the stream is miss
 send_signal 1 $'the sink was killed by signal 9\nthe sink closed the connection' KILL sink
 send_signal 1 $'the source sent nothing for 1 s\nthe source did not end within 1 s' STOP source --timeout 0.9999999
 send_signal 1 $'the sink received nothing for 0.5 s\nthe sink did not end within 0.5 s' STOP sink --timeout 0.5
-send_signal 130 'interrupted; of what was sent so far, every byte arrived' INT parent
-send_signal 130 'interrupted; of what was sent so far, every byte arrived' TERM parent
-send_signal 130 'interrupted; of what was sent so far, every byte arrived' INT source
+send_signal 130 'interrupted; of the part that was sent, every byte arrived' INT parent
+send_signal 130 'interrupted; of the part that was sent, every byte arrived' TERM parent
+send_signal 130 'interrupted; of the part that was sent, every byte arrived' INT source
 send_signal 137 '' KILL parent
 for signal in INT TERM; do
     interrupt_open "$signal" "$fifo"

@@ -15,7 +15,7 @@ std::string ReadAll(const std::string &path, size_t limit)
     const InputFile file = OpenInput(path);
     char block[65536];
     std::string bytes;
-    bytes.reserve(limit + sizeof(block));  // growing would copy; the system provides only the pages that are written
+    bytes.reserve(limit + sizeof(block));  // avoids copies; pages that are never written use no memory
     for (size_t count = 1; count > 0 && bytes.size() <= limit;) {
         count = std::fread(block, 1, sizeof(block), file.get());
         bytes.append(block, count);
