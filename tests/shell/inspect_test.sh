@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 # Runs the commands of inspect_test.txt and of README.md and compares their output, runs ostra-inspect on the worked
 # examples of the page on wire formats, and checks what a transcript cannot show: terminals, pipes, and memory.
-# Usage: inspect_test.sh OSTRA_INSPECT CHANNEL_PAIR SOURCE_DIRECTORY; with UPDATE=1 it rewrites inspect_test.txt instead.
+# Usage: inspect_test.sh OSTRA_INSPECT CHANNEL_PAIR SOURCE_DIRECTORY
+# With UPDATE=1 it rewrites inspect_test.txt instead.
 . "$(dirname "$0")/lib.sh"
 
 inspect=$(realpath "$1")
