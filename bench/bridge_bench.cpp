@@ -16,8 +16,8 @@
 namespace OHOS::DistributedHardware::OstraAdapter {
 namespace {
 
-constexpr int FEW = 1000;
-constexpr int MANY = 10000;
+constexpr int SMALL_COUNT = 1000;
+constexpr int LARGE_COUNT = 10000;
 constexpr size_t CAPACITY = 1 << 24;
 constexpr double LINEAR_GROWTH_LIMIT = 20;  // for ten times as many entries, which may exceed a cache
 
@@ -44,7 +44,7 @@ void MarshalMap(benchmark::State &state, int64_t count)
 
 void MarshalMapBaseline(benchmark::State &state)
 {
-    const Map map = MakeEntries(MANY);
+    const Map map = MakeEntries(LARGE_COUNT);
     for (auto _ : state) {
         MessageParcel parcel;
         parcel.SetMaxCapacity(CAPACITY);
@@ -94,21 +94,22 @@ void UnmarshalMapBaseline(benchmark::State &state, int64_t count)
 }
 
 const int READ_ROW =
-    AddRow("`UnMarshalling`, 10 000 entries", WithSize(UnmarshalMap, MANY), "hand-written loop, one `DHLog` each",
-           WithSize(UnmarshalMapBaseline, MANY), SAME_WORK_LIMIT);
-const int WRITE_ROW = AddRow("`Marshalling`, 10 000 entries", WithSize(MarshalMap, MANY), "hand-written loop",
+    AddRow("`UnMarshalling`, 10 000 entries", WithSize(UnmarshalMap, LARGE_COUNT),
+           "hand-written loop, one `DHLog` each", WithSize(UnmarshalMapBaseline, LARGE_COUNT), SAME_WORK_LIMIT);
+const int WRITE_ROW = AddRow("`Marshalling`, 10 000 entries", WithSize(MarshalMap, LARGE_COUNT), "hand-written loop",
                              MarshalMapBaseline, SAME_WORK_LIMIT);
-const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", WithSize(UnmarshalMap, MANY),
-                                   "a tenth of them", WithSize(UnmarshalMap, FEW), LINEAR_GROWTH_LIMIT);
-const int WRITE_GROWTH_ROW = AddRow("`Marshalling`, growth with entries", WithSize(MarshalMap, MANY), "a tenth of them",
-                                    WithSize(MarshalMap, FEW), LINEAR_GROWTH_LIMIT);
-const int READ_CURVE = AddCurve("entries", "UnMarshalling", UnmarshalMap, 1, MANY);
-const int READ_BASELINE_CURVE = AddCurve("entries", "baseline: hand-written loop", UnmarshalMapBaseline, 1, MANY);
+const int READ_GROWTH_ROW = AddRow("`UnMarshalling`, growth with entries", WithSize(UnmarshalMap, LARGE_COUNT),
+                                   "a tenth of them", WithSize(UnmarshalMap, SMALL_COUNT), LINEAR_GROWTH_LIMIT);
+const int WRITE_GROWTH_ROW = AddRow("`Marshalling`, growth with entries", WithSize(MarshalMap, LARGE_COUNT),
+                                    "a tenth of them", WithSize(MarshalMap, SMALL_COUNT), LINEAR_GROWTH_LIMIT);
+const int READ_CURVE = AddCurve("entries", "UnMarshalling", UnmarshalMap, 1, LARGE_COUNT);
+const int READ_BASELINE_CURVE =
+    AddCurve("entries", "baseline: hand-written loop", UnmarshalMapBaseline, 1, LARGE_COUNT);
 
 std::vector<std::string> MakeDevices()
 {
     std::vector<std::string> devices;
-    for (int i = 0; i < FEW; ++i) {
+    for (int i = 0; i < SMALL_COUNT; ++i) {
         devices.push_back("0123456789abcdef0123456789abcdef" + std::to_string(i));
     }
     return devices;

@@ -163,7 +163,7 @@ private:
                     end_.push_back(std::strtoull(value.c_str(), nullptr, 10));
                 }
                 return end_.size() == FIRST_FAULT_COUNT + FAULT_KINDS ||
-                       Fail("the frame that ends the stream is not valid");
+                       Fail("the end frame is not valid");
             case FrameKind::KEEP_ALIVE:
                 return true;
         }

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <thread>
 
 #include "hilog/log.h"
 #include "parameter.h"
@@ -16,10 +17,12 @@ using namespace OHOS::HiviewDFX;
 int main()
 {
     LOG_SetCallback([](LogType, LogLevel, unsigned int, const char *, const char *message) { std::cout << message; });
-    std::cout << "process " << getpid() << "\ndelivered ";
-    for (int i = LOG_DEBUG; i <= LOG_FATAL; ++i) {
-        HiLogPrint(LOG_CORE, static_cast<LogLevel>(i), 0xD004160, "TAG", "%{public}d", i);
-    }
+    std::thread([] {
+        std::cout << "ids " << getpid() << ' ' << gettid() << "\ndelivered ";
+        for (int i = LOG_DEBUG; i <= LOG_FATAL; ++i) {
+            HiLogPrint(LOG_CORE, static_cast<LogLevel>(i), 0xD004160, "TAG", "%{public}d", i);
+        }
+    }).join();
 
     std::cout << "\nresults";
     const auto listener = std::make_shared<EventListener>();

@@ -122,7 +122,7 @@ int SetAppLevel(int level, int preference)
 TEST(HiLog, MatchesRecording)
 {
     Operations operations = {
-        {"format", Format}, {"set", Call(Set)}, {"app", Call(SetAppLevel)}, {"lowest", Call(MinLevel)}};
+        {"format", Format}, {"set", Call(Set)}, {"app", Call(SetAppLevel)}, {"min_level", Call(MinLevel)}};
     const Operations sections = {{"deliver", Call(Deliver)}, {"loggable", Call(IsLoggable)}, {"line", Call(Line)}};
     for (const auto &[name, operation] : sections) {
         for (const auto &[suffix, level] : {std::pair("", "I"), {"-unset", ""}, {"-E", "E"}}) {

@@ -290,17 +290,21 @@ TEST(HiSysEvent, WritesValuesOfEachType)
     static constexpr char domain[] = "OWN";
     Begin();
     g_wallClockMs = 1700000000123;
-    EXPECT_EQ(
-        HiSysEventWrite(domain, "EVENT", HiSysEvent::SECURITY, "T", "q\" b\\ \n", "time_", INT64_MAX, "U", UINT64_MAX,
-                        "D", 0.5, "E", PLAIN, "V", Fields{"1", "\""}, "N", std::vector<int16_t>{-1, 2}),
-        0);
+    pid_t tid = 0;
+    std::thread([&tid] {
+        tid = gettid();
+        const Fields strings = {"1", "\""};
+        EXPECT_EQ(HiSysEventWrite(domain, "EVENT", HiSysEvent::SECURITY, "T", "q\" b\\ \n", "time_", INT64_MAX, "U",
+                                  UINT64_MAX, "D", 0.5, "E", PLAIN, "V", strings, "N", std::vector<int16_t>{-1, 2}),
+                  0);
+    }).join();
     EXPECT_EQ(Output().back(), R"({"T":"q\x22 b\x5c \x0a","time_":9223372036854775807,"U":18446744073709551615,)"
                                R"("D":0.5,"E":200,"V":["1","\x22"],"N":[-1,2]})");
     g_record.emplace(g_output);
     const std::string none = Quote("");
     EXPECT_EQ(PlatformFields(),
               (Fields{Quote("OWN"), Quote("EVENT"), "3", none, none, Show(g_record->GetTimeZone()), Show(g_wallClockMs),
-                      Show(getpid()), Show(gettid()), Show(getuid()), "0", "0", "0", "0"}));
+                      Show(getpid()), Show(tid), Show(getuid()), "0", "0", "0", "0"}));
     EXPECT_EQ(Names(), (Fields{"T", "time_", "U", "D", "E", "V", "N"}));
     const char *const noKey = nullptr;
     EXPECT_DEATH(HiSysEventWrite(domain, "EVENT", HiSysEvent::FAULT, noKey, 1), "null key");

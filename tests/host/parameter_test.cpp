@@ -17,6 +17,6 @@ TEST(Parameter, MatchesHandwrittenCases)
         const int length = GetParameter(name, fallback, value, size);
         return {Show(length), Quote(value)};
     });
-    Replay("handwritten/parameter.txt", 24, {{"set", Call(SetParameter)}, {"get", get}});
+    Replay("handwritten/parameter.txt", 25, {{"set", Call(SetParameter)}, {"get", get}});
     EXPECT_EQ(GetParameter("a", "", nullptr, 1), -9);
 }

@@ -89,7 +89,7 @@ TEST(Qos, MatchesRecording)
         operations["switch"]({"true"});
         return Fields();
     };
-    Replay("recorded/qos.txt", 67, operations);
+    std::thread([&] { Replay("recorded/qos.txt", 67, operations); }).join();  // its thread id is not the process id
     operations["case"]({});
     g_kernel.reset();
 }
@@ -132,10 +132,10 @@ TEST(Qos, SchedulesAndResetsThreads)
 TEST(ConcurrentTaskClient, LogsRequestsWithSortedPairs)
 {
     static std::string logged;
-    LOG_SetCallback([](LogType type, LogLevel level, unsigned int, const char *tag, const char *message) {
-        logged = std::to_string(type) + " " + std::to_string(level) + " " + tag + ": " + message;
+    LOG_SetCallback([](LogType type, LogLevel level, unsigned int domain, const char *tag, const char *message) {
+        logged = Show(type) + " " + Show(level) + " " + Show(domain) + " " + tag + ": " + message;
     });
     ConcurrentTask::ConcurrentTaskClient::GetInstance().RequestAuth({{"uid", "%s"}, {"pid", "4"}, {"a", ""}});
     LOG_SetCallback(nullptr);
-    EXPECT_EQ(logged, "3 4 CONCURRENT_TASK: RequestAuth a= pid=4 uid=%s");
+    EXPECT_EQ(logged, "3 4 218109696 CONCURRENT_TASK: RequestAuth a= pid=4 uid=%s");
 }

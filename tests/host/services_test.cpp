@@ -118,7 +118,7 @@ TEST(FwkKit, PublishesToTheListenersOfTheTopic)
 
 namespace {
 
-std::map<std::string, std::string> g_idFiles;  // content of the files; "unreadable" fails to open
+std::map<std::string, std::string> g_idFiles;  // content of the files; "locked" fails to open, "damaged" to read
 std::string g_hostName;
 
 }  // namespace
@@ -126,9 +126,10 @@ std::string g_hostName;
 // Replace the functions of the C library.
 extern "C" FILE *fopen(const char *path, const char *)
 {
+    errno = g_idFiles.count(path) == 0 ? ENOENT : EACCES;
     std::string &content = g_idFiles[path];
-    errno = content == "unreadable" ? EACCES : ENOENT;
-    return content.empty() || errno == EACCES ? nullptr : fmemopen(content.data(), content.size(), "r");
+    const bool isOpened = errno == EACCES && content != "locked";
+    return isOpened ? fmemopen(content.data(), content.size(), content == "damaged" ? "w" : "r") : nullptr;
 }
 
 extern "C" int gethostname(char *name, size_t size) noexcept
@@ -151,7 +152,9 @@ TEST(SoftBus, IdentifiesTheLocalNode)
         {{{first, "0123456789abcdef0123456789abcdef\n"}, {second, "other"}}, longest, {0, idOfMachine, longest, 0}},
         {{{first, "\n"}, {second, "0123456789abcdef0123456789abcdef"}}, "host", {0, idOfMachine, "host", 0}},
         {{}, "host", {0, idOfHost, "host", 0}},
-        {{{first, "unreadable"}, {second, "other"}}, "host", unchanged},
+        {{{first, ""}}, "host", {0, idOfHost, "host", 0}},
+        {{{first, "locked"}, {second, "other"}}, "host", unchanged},
+        {{{first, "damaged"}, {second, "other"}}, "host", unchanged},
         {{{first, "id"}}, "", unchanged},
     };
     for (const auto &[files, hostName, expected] : cases) {

@@ -45,6 +45,8 @@ run OSTRA_HOST_EVENT_OUTPUT "$work/fifo"
 expect 'a FIFO with a reader' $'Is a FIFO\n.*results -5 -5'
 run OSTRA_HOST_PARAMETER_FILE "$work/none"
 expect 'a missing file' 'cannot be opened: .*test.file is unset'
+run OSTRA_HOST_PARAMETER_FILE /proc/self/mem
+expect 'a read error' '/proc/self/mem cannot be read: Input/output error'
 run OSTRA_HOST_PARAMETER_FILE "$work/parameters"
 expect 'skipped entries' 'PARAMETER_FILE: skipping malformed entry "B-D=1".*PARAMETERS: skipping malformed entry "nothing"'
 expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is a;b\ntest.list is a=b\ntest.empty is $'
@@ -54,13 +56,13 @@ expect 'parameters without standard input' 'file is from file'
 
 # level VALUE DELIVERED LINE...: checks the level and message of each log line.
 level() {
-    local value=$1 delivered=$2 today process
+    local value=$1 delivered=$2 today ids
     shift 2
     today=$(date +%m-%d)
     run OSTRA_HOST_LOG_LEVEL "$value"
     today+="|$(date +%m-%d)"
-    process=$(sed -n 's/^process //p' "$work/output")
-    sed -nE "s#^($today) [0-9:]{8}\.[0-9]{3} +$process +$process (.) C04160/TAG: #\2#p" "$work/output" \
+    ids=$(sed -n 's/^ids \(.*\) /\1 +/p' "$work/output") # of process and thread
+    sed -nE "s#^($today) [0-9:]{8}\.[0-9]{3} +$ids (.) C04160/TAG: #\2#p" "$work/output" \
         >"$work/lines"
     [ "$(tr '\n' ' ' <"$work/lines")" = "${*:+$* }" ] || { cat "$work/output"; fail "log level $value"; }
     expect "log level $value" $'\n'"delivered $delivered"$'\n'

@@ -16,12 +16,12 @@ constexpr size_t MAX_MESSAGES = 10;  // the library may log each element of an i
 std::vector<std::string> g_messages;  // the tool is single-threaded
 
 // Shortens "[tag][Function]:message" to "Function: message".
-void OnMessage(LogType /* type */, LogLevel level, unsigned int /* domain */, const char * /* tag */, const char *text)
+void OnMessage(LogType /* type */, LogLevel level, unsigned int /* domain */, const char * /* tag */, const char *line)
 {
     if (level < LOG_WARN || g_messages.size() == MAX_MESSAGES) {
         return;
     }
-    std::string message = text;
+    std::string message = line;
     const std::string begin = "[" + std::string(LOG_PREFIX_TAG) + "][";
     const size_t end = message.find("]:");
     if (message.rfind(begin, 0) == 0 && end != std::string::npos) {

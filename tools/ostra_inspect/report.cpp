@@ -17,19 +17,19 @@ struct Character {
     char32_t value = 0;
 };
 
-Character Decode(std::string_view text)
+Character Decode(std::string_view string)
 {
-    const auto lead = static_cast<uint8_t>(text.front());
+    const auto lead = static_cast<uint8_t>(string.front());
     if (lead < 0x80) {
         return {1, lead};
     }
     constexpr char32_t minima[] = {0x80, 0x800, 0x10000};  // of 2, 3 and 4 bytes; smaller values are overlong
     const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
+    if (lead < 0xC2 || lead > 0xF4 || string.size() < length) {
         return {};
     }
     char32_t value = lead & (0x7FU >> length);
-    for (const char next : text.substr(1, length - 1)) {
+    for (const char next : string.substr(1, length - 1)) {
         if ((static_cast<uint8_t>(next) & 0xC0) != 0x80) {
             return {};
         }
@@ -51,13 +51,13 @@ bool IsControl(char32_t value)
 // Escapes each byte that is not valid UTF-8, and the characters for which `isEscaped` is true, as \x and digits, or as
 // \u for JSON.
 template <typename Predicate>
-std::string EscapeIf(std::string_view text, Predicate isEscaped, bool isJson = false)
+std::string EscapeIf(std::string_view string, Predicate isEscaped, bool isJson = false)
 {
     std::string escaped;
-    while (!text.empty()) {
-        const Character character = Decode(text);
-        const std::string_view bytes = text.substr(0, std::max<size_t>(character.length, 1));
-        text.remove_prefix(bytes.size());
+    while (!string.empty()) {
+        const Character character = Decode(string);
+        const std::string_view bytes = string.substr(0, std::max<size_t>(character.length, 1));
+        string.remove_prefix(bytes.size());
         if (character.length > 0 && !isEscaped(character.value)) {
             escaped += bytes;
         } else if (isJson) {
@@ -71,15 +71,15 @@ std::string EscapeIf(std::string_view text, Predicate isEscaped, bool isJson = f
     return escaped;
 }
 
-std::string EscapeForJson(std::string_view text)
+std::string EscapeForJson(std::string_view string)
 {
-    return EscapeIf(text, [](char32_t character) { return character == 0; });
+    return EscapeIf(string, [](char32_t character) { return character == 0; });
 }
 
 std::string PrintJson(const cJSON *value, bool isIndented)
 {
-    const JsonString text(isIndented ? cJSON_Print(value) : cJSON_PrintUnformatted(value));
-    return text == nullptr ? "" : text.get();
+    const JsonString json(isIndented ? cJSON_Print(value) : cJSON_PrintUnformatted(value));
+    return json == nullptr ? "" : json.get();
 }
 
 std::string FormatLabel(const cJSON *member)
@@ -181,9 +181,9 @@ std::string ToText(const cJSON *report, const std::string &indent)
 
 std::string FormatValue(const cJSON *value)
 {
-    const char *const text = cJSON_GetStringValue(value);
-    if (text != nullptr) {
-        return *text == '\0' ? "(empty)" : Escape(text);
+    const char *const string = cJSON_GetStringValue(value);
+    if (string != nullptr) {
+        return *string == '\0' ? "(empty)" : Escape(string);
     }
     if (value == nullptr || cJSON_IsNull(value) != 0) {
         return "not set";
@@ -200,30 +200,30 @@ std::string ToJson(const cJSON *report, bool isIndented)
     return EscapeIf(PrintJson(report, isIndented), isEscaped, true);
 }
 
-std::string Escape(std::string_view text)
+std::string Escape(std::string_view string)
 {
-    return EscapeIf(text, IsControl);
+    return EscapeIf(string, IsControl);
 }
 
-std::string PadRight(std::string text, size_t width)
+std::string PadRight(std::string string, size_t width)
 {
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
+    string.resize(std::max(string.size(), width), ' ');
+    return string;
 }
 
 std::string ToHex(std::string_view bytes)
 {
-    std::string text;
-    text.reserve(bytes.size() * 3);
+    std::string hex;
+    hex.reserve(bytes.size() * 3);
     for (const char byte : bytes) {
-        text += (text.empty() ? "" : " ") + ToHex(static_cast<uint8_t>(byte), 2);
+        hex += (hex.empty() ? "" : " ") + ToHex(static_cast<uint8_t>(byte), 2);
     }
-    return text;
+    return hex;
 }
 
 std::string ToHex(uint32_t value, int digits)
 {
-    char text[16];
-    std::snprintf(text, sizeof(text), "%0*X", digits, value);
-    return text;
+    char hex[16];
+    std::snprintf(hex, sizeof(hex), "%0*X", digits, value);
+    return hex;
 }

@@ -37,7 +37,7 @@ enum class Kind { NUMBER, STRING, OTHER };
 
 struct Scalar {
     Kind kind;
-    std::string text;  // for a number, its characters in the JSON document
+    std::string string;  // for a number, its characters in the JSON document
     double number;
 };
 
@@ -113,8 +113,8 @@ private:
 template <typename Integer>
 bool Convert(const Scalar &scalar, Integer &value)
 {
-    const char *const end = scalar.text.data() + scalar.text.size();
-    const auto [parsed, error] = std::from_chars(scalar.text.data(), end, value);
+    const char *const end = scalar.string.data() + scalar.string.size();
+    const auto [parsed, error] = std::from_chars(scalar.string.data(), end, value);
     return scalar.kind == Kind::NUMBER && error == std::errc() && parsed == end;
 }
 
@@ -126,7 +126,7 @@ bool Convert(const Scalar &scalar, double &value)
 
 bool Convert(const Scalar &scalar, std::string &value)
 {
-    value = scalar.text;
+    value = scalar.string;
     return scalar.kind == Kind::STRING;
 }
 
