@@ -14,15 +14,13 @@
 
 using namespace OHOS::HiviewDFX;
 
-int main()
+void Run()
 {
     LOG_SetCallback([](LogType, LogLevel, unsigned int, const char *, const char *message) { std::cout << message; });
-    std::thread([] {
-        std::cout << "ids " << getpid() << ' ' << gettid() << "\ndelivered ";
-        for (int i = LOG_DEBUG; i <= LOG_FATAL; ++i) {
-            HiLogPrint(LOG_CORE, static_cast<LogLevel>(i), 0xD004160, "TAG", "%{public}d", i);
-        }
-    }).join();
+    std::cout << "ids " << getpid() << ' ' << gettid() << "\ndelivered ";
+    for (int i = LOG_DEBUG; i <= LOG_FATAL; ++i) {
+        HiLogPrint(LOG_CORE, static_cast<LogLevel>(i), 0xD004160, "TAG", "%{public}d", i);
+    }
 
     std::cout << "\nresults";
     const auto listener = std::make_shared<EventListener>();
@@ -42,4 +40,9 @@ int main()
         std::cout << '\n' << name << " is " << value;
     }
     std::cout << '\n';
+}
+
+int main()
+{
+    std::thread(Run).join();  // its thread id is not the process id
 }

@@ -133,13 +133,14 @@ TEST(HiLog, MatchesRecording)
         }
     }
     Replay("recorded/hilog.txt", 400, operations);
-    Replay("handwritten/hilog.txt", 30, operations);
+    Replay("handwritten/hilog.txt", 31, operations);
 }
 
-TEST(HiLog, FormatsWideStrings)
+TEST(HiLog, FormatsWideStringsAndLongDoubles)
 {
-    Print(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", "%{public}S|%{public}hS|%{public}C", L"wide", "narrow", L'c');
-    EXPECT_EQ(g_message, Quote("wide|narrow|c"));
+    Print(LOG_CORE, LOG_INFO, DOMAIN_ID, "T", "%{public}S|%{public}hS|%{public}C|%{public}Lg", L"wide", "narrow", L'c',
+          0.5L);
+    EXPECT_EQ(g_message, Quote("wide|narrow|c|0.5"));
 }
 
 TEST(HiLog, FunctionsLogAtTheirLevel)

@@ -137,7 +137,6 @@ TEST(Parcel, IsUsableAfterRejectedCalls)
     Parcel parcel;
     EXPECT_FALSE(parcel.ParseFrom(0, 1));
     EXPECT_FALSE(parcel.ReadInt32Vector(nullptr));
-    EXPECT_FALSE(parcel.ReadInt8Vector(nullptr));
     EXPECT_TRUE(parcel.SetMaxCapacity(SIZE_MAX));
     EXPECT_TRUE(parcel.WriteUint32(1));
     EXPECT_FALSE(parcel.WriteBuffer("", SIZE_MAX / 2)) << "allocation fails";

@@ -34,6 +34,8 @@ struct Object : virtual RefBase {
 };
 
 std::string g_received;
+std::map<std::string, std::string> g_idFiles;  // content of the files; "locked" fails to open, "damaged" to read
+std::string g_hostName;
 
 struct Listener : Object, IPublisherListener {
     explicit Listener(const char *name) : prefix(name)
@@ -115,13 +117,6 @@ TEST(FwkKit, PublishesToTheListenersOfTheTopic)
     EXPECT_EQ(std::exchange(g_received, ""), "2nd 8m 2nd 8leave 1st 8leave ");
     EXPECT_EQ(second->GetSptrRefCount(), 1);
 }
-
-namespace {
-
-std::map<std::string, std::string> g_idFiles;  // content of the files; "locked" fails to open, "damaged" to read
-std::string g_hostName;
-
-}  // namespace
 
 // Replace the functions of the C library.
 extern "C" FILE *fopen(const char *path, const char *)

@@ -225,6 +225,4 @@ TEST_F(ConnectInfoTest, DeviceCopiesItsArguments)
     EXPECT_EQ(device.businessId, DHBusinessId{0xFFFFFFFF});
     EXPECT_EQ(device.channelType, DHChannelType{0xFFFFFFFE});
     EXPECT_TRUE(device.connectInfo == CONNECTION);
-    EXPECT_EQ(device.connectInfo.extraInfo + device.connectInfo.extraParam, "infoparam");
-    EXPECT_EQ(device.connectInfo.extraData, (std::vector<uint8_t>{1, 2}));
 }

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Configures the project as other projects and packagers do, without building it: there is a default build type, a
-# static build is rejected, the pkg-config file keeps absolute directories, the version comes from ostra_version.h, and
-# a parent project can install and export targets that link to the library.
+# static build is rejected, the pkg-config file keeps absolute directories, the version comes from ostra_version.h, in
+# which string and number agree, and a parent project can install and export targets that link to the library.
 # Usage: configuration_test.sh SOURCE_DIRECTORY, with CMAKE, CC and CXX in the environment
 . "$(dirname "$0")/lib.sh"
 
@@ -26,6 +26,10 @@ done
 
 ! configure static "$source" -DBUILD_SHARED_LIBS=OFF || fail "BUILD_SHARED_LIBS=OFF is accepted"
 grep -q 'shared library only' "$work/static.log" || fail "the error message for a static build does not explain the reason"
+
+number=$(($("$CC" -E -P -include "$source/include/ostra_version.h" - <<<OSTRA_VERSION_NUMBER)))
+grep -q "OSTRA_VERSION \"$((number / 10000)).$((number / 100 % 100)).$((number % 100))\"" "$source/include/ostra_version.h" ||
+    fail "OSTRA_VERSION_NUMBER is $number"
 
 mkdir "$work/newer"
 ln -s "$source"/* "$work/newer"

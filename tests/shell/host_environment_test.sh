@@ -26,12 +26,14 @@ printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semi
 
 TZ=XST-5:30 run OSTRA_HOST_EVENT_OUTPUT stderr
 expect 'time zone' '"tz_":"\+0530"'
+expect 'process and thread' "$(sed -nE 's/^ids (.*) (.*)/"pid_":\1,"tid_":\2,/p' "$work/output")"
 expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results received 0 received 0'
 run OSTRA_HOST_EVENT_OUTPUT ''
 expect 'no output' $'\nresults received 0 received 0'
 run OSTRA_HOST_EVENT_OUTPUT "$work/events"
 run OSTRA_HOST_EVENT_OUTPUT "$work/events"
-[ "$(grep -c '^{"domain_":.*"T":"[ab]"}$' "$work/events")" = 4 ] || fail "not 4 complete lines"
+[ "$(sed 's/^{"domain_":.*"T":"\([ab]\)"}$/\1/' "$work/events" | tr '\n' .)" = a.b.a.b. ] || fail "not 4 complete lines"
+[ "$(stat -c %a "$work/events")" = 644 ] || fail "mode of the event file"
 run OSTRA_HOST_EVENT_OUTPUT /dev/full
 expect 'a full disk' 'results -5 -5'
 for rejected in "$work" "$work/fifo"; do

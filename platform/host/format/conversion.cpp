@@ -111,11 +111,7 @@ bool ParseConversion(const char *&cursor, FormatDialect dialect, Arguments &argu
         }
     }
     conversion.type = *cursor;
-    if (conversion.type == '\0') {
-        return false;
-    }
-    ++cursor;
-    return true;
+    return *cursor++ != '\0';
 }
 
 }  // namespace ostra::host

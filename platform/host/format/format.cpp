@@ -22,8 +22,8 @@ constexpr auto ENCODING_ERROR = static_cast<size_t>(-1);  // wcrtomb's error res
 
 // An integer as sign and magnitude.
 struct Number {
-    bool isNegative = false;
-    uint64_t magnitude = 0;
+    bool isNegative;
+    uint64_t magnitude;
 };
 
 class Formatter {

@@ -27,13 +27,11 @@ public:
 
     ~BrokenPipeGuard()
     {
-        const int savedErrno = errno;
         constexpr timespec noWait{};
-        if (savedErrno == EPIPE && !wasPending_) {
+        if (errno == EPIPE && !wasPending_) {
             sigtimedwait(&brokenPipe_, nullptr, &noWait);
         }
         pthread_sigmask(SIG_SETMASK, &mask_, nullptr);
-        errno = savedErrno;
     }
 
     BrokenPipeGuard(const BrokenPipeGuard &) = delete;
