@@ -133,7 +133,7 @@ TEST(HiLog, MatchesRecording)
         }
     }
     Replay("recorded/hilog.txt", 400, operations);
-    Replay("handwritten/hilog.txt", 31, operations);
+    Replay("handwritten/hilog.txt", 32, operations);
 }
 
 TEST(HiLog, FormatsWideStringsAndLongDoubles)
