@@ -86,9 +86,11 @@ Input::Result Input::Next(ByteView &chunk, int idleMs)
     if (fd_ < 0) {
         return NextToneChunk(chunk);
     }
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(idleMs);
     while (filled_ < buffer_.size()) {
         pollfd wait{fd_, POLLIN, 0};
-        if (isPolled_ && poll(&wait, 1, idleMs) <= 0) {
+        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        if (isPolled_ && poll(&wait, 1, std::max(static_cast<int>(rest.count()), 0)) <= 0) {
             return Result::IDLE;
         }
         const ssize_t count = read(fd_, buffer_.data() + filled_, buffer_.size() - filled_);

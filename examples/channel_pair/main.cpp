@@ -44,11 +44,11 @@ sent as fast as possible. Frames 0 to 2 are the source's device document, its se
 settings; frame 3 is the first chunk of the stream.
 
   -o, --output FILE  write the received stream to FILE; - is standard output
-      --seconds T    send the tone for T seconds instead, which is much more than T seconds of sound
-      --faults N     inject N faults at random positions; each must be detected, and all other chunks must arrive
-      --seed S       random seed of the faults; 1 by default
-      --flip N       corrupt frame N, counted from 0, without announcing it to the sink as an injected fault: the pair
-                     must fail and name the frame
+      --seconds T    send the tone, not a FILE, for T seconds, which is much more than T seconds of sound
+      --faults N     inject N faults, at most one per two chunks, at random positions; each must be detected, and all
+                     other chunks must arrive
+      --seed S       random seed of --faults; 1 by default
+      --flip N       corrupt frame N, counted from 0; not with --faults. The pair must fail and name the frame
       --timeout T    wait at most T seconds for a side that does not respond; 10 by default
       --trace FILE   write the messages of the source to FILE in hexadecimal, one per line; - is standard output
       --dump         dump the stream that the sink receives to /data/local/tmp/
@@ -75,12 +75,11 @@ std::optional<int> ParseOptions(int argc, char **argv, PairOptions &options)
     const CLI::Validator isNamed([](const std::string &path) { return path.empty() ? "the name is empty" : ""; }, "");
     CLI::App app;
     app.formatter_fn([](const CLI::App *, const std::string &, CLI::AppFormatMode) { return USAGE; });
-    CLI::Option *const file = app.add_option("FILE", options.inputPath)->check(isNamed);
+    auto *const file = app.add_option("FILE", options.inputPath)->check(isNamed);
     app.add_option("-o,--output", options.outputPath)->check(isNamed);
     app.add_option("--trace", options.tracePath)->check(isNamed);
     app.add_option("--seconds", options.seconds)->check(CLI::Range(minTime, weekInSeconds))->excludes(file);
-    CLI::Option *const faults =
-        app.add_option("--faults", options.faults.count)->check(CLI::Range(uint64_t{0}, maxFaults));
+    auto *const faults = app.add_option("--faults", options.faults.count)->check(CLI::Range(uint64_t{0}, maxFaults));
     app.add_option("--seed", options.faults.seed)->check(anyNumber)->needs(faults);
     app.add_option("--flip", options.faults.flippedFrame)->check(anyNumber)->excludes(faults);
     app.add_option("--timeout", options.timeout)->check(CLI::Range(minTime, hourInSeconds));

@@ -32,7 +32,7 @@ int InterruptCount();
 // Forks a child that is killed when this process ends.
 ChildProcess Start(const std::string &name, const std::function<SideReport()> &run);
 
-// Waits for both children. Kills a child that is still running `timeout` seconds after the other one has ended.
+// Waits for both children. Kills a child that is still running `timeout` + 0.5 seconds after the other one has ended.
 // Forwards SIGINT and SIGTERM to the source as SIGINT; a second signal kills both.
 void WaitForBoth(ChildProcess &source, ChildProcess &sink, double timeout);
 

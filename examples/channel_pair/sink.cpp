@@ -162,8 +162,7 @@ private:
                 for (const auto &[key, value] : ReadMap(content)) {
                     end_.push_back(std::strtoull(value.c_str(), nullptr, 10));
                 }
-                return end_.size() == FIRST_FAULT_COUNT + FAULT_KINDS ||
-                       Fail("the end frame is not valid");
+                return end_.size() == FIRST_FAULT_COUNT + FAULT_KINDS || Fail("the end frame is not valid");
             case FrameKind::KEEP_ALIVE:
                 return true;
         }
