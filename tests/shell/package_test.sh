@@ -53,12 +53,12 @@ flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs ostra_ad
 "$CC" $CFLAGS -std=c11 -Wall -Wextra -Werror -x c "$top/tests/library/c_interface.c" - \
     -Wl,--as-needed $flags -Wl,--enable-new-dtags,-rpath,"$libraries" -o "$work/c_interface" <<'C'
 #include <stdio.h>
-const char *CallFromC(void);
+int CallFromC(void);
 int main(void)
 {
-    const char *failure = CallFromC();
-    puts(failure ? failure : "the C entry points work");
-    return failure != NULL;
+    const int isSuccessful = CallFromC();
+    puts(isSuccessful ? "the C entry points work" : "a C entry point failed");
+    return isSuccessful ? 0 : 1;
 }
 C
 OSTRA_HOST_LOG_LEVEL=off $EMULATOR "$work/c_interface"
