@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Concurrent task client on the host: logs requests, because there is no service. All functions are thread-safe.
 
 #ifndef HOST_CONCURRENT_TASK_CLIENT_H

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Types of distributed hardware. Releases of the platform may define more types.
 
 #ifndef HOST_DEVICE_TYPE_H

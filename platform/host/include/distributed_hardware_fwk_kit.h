@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Distributed hardware SDK on the host: passes the messages published on a topic to the listeners of that topic in the
 /// same process. The registrations belong to the process: every kit object reaches the listeners that were registered
 /// through any other, and they outlive the object. All functions are thread-safe and may be called from OnMessage.

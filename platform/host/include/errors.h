@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Result codes of platform components: ERR_OK or an error. The host defines no names for individual errors.
 
 #ifndef HOST_ERRORS_H

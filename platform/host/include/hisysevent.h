@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// HiSysEvent on the host: writes the events of this process. An event is one flat JSON object: `domain_`, `name_`,
 /// `type_`, `time_` (ms since the Unix epoch), `tz_` (such as "+0200"), `pid_`, `tid_`, `uid_`, then the event's own
 /// keys in the order given.
@@ -27,19 +27,19 @@
 
 /// A call site may write HISYSEVENT_THRESHOLD events in HISYSEVENT_PERIOD seconds. A source file may define its own
 /// values before it includes this header.
-/// \{
+/// @{
 #ifndef HISYSEVENT_PERIOD
 #define HISYSEVENT_PERIOD 5
 #endif
 #ifndef HISYSEVENT_THRESHOLD
 #define HISYSEVENT_THRESHOLD 100
 #endif
-/// \}
+/// @}
 
 /// Calls HiSysEvent::Write for this call site and returns its result. The domain is a constexpr character array.
 #define HiSysEventWrite(domain, ...) OHOS::HiviewDFX::HiSysEvent::Write<domain>(__FUNCTION__, __LINE__, __VA_ARGS__)
 
-/// \cond The form in which HiSysEvent::Write passes an event to the library. Not part of the platform's interface.
+/// @cond The form in which HiSysEvent::Write passes an event to the library. Not part of the platform's interface.
 namespace ostra::host {
 
 template <typename Value>
@@ -127,7 +127,7 @@ __attribute__((visibility("default"))) int WriteEvent(const EventCallSite &site,
                                                       const EventKeyValue *params, size_t paramCount);
 
 }  // namespace ostra::host
-/// \endcond
+/// @endcond
 
 namespace OHOS::HiviewDFX {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// The interface of event listeners. HiSysEventManager (hisysevent_manager.h) registers them.
 
 #ifndef HOST_HISYSEVENT_LISTENER_H

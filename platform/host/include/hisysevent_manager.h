@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// HiSysEvent listeners on the host: passes the events that this process writes to its listeners, in the writing
 /// thread. All functions are thread-safe and may be called by a listener.
 ///

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// An event as a listener receives it.
 
 #ifndef HOST_HISYSEVENT_RECORD_H
@@ -28,7 +28,7 @@ public:
     /// Return the fields that the platform adds to an event, empty or 0 if the event lacks them. The host writes no
     /// level, tag or trace fields, which come from event definitions and from tracing. GetTime is in ms since the Unix
     /// epoch; GetTimeZone has the form "+0200".
-    /// \{
+    /// @{
     std::string GetDomain() const;
     std::string GetEventName() const;
     HiSysEvent::EventType GetEventType() const;
@@ -43,7 +43,7 @@ public:
     uint64_t GetSpanId() const;
     uint64_t GetPspanId() const;
     int GetTraceFlag() const;
-    /// \}
+    /// @}
 
     /// Replaces `params` with the event's own keys in the order in which they were written.
     void GetParamNames(std::vector<std::string> &params) const;
@@ -56,7 +56,7 @@ public:
     ///   - -1: the record was not created from a JSON object
     ///   - -2: no such key
     ///   - -3: the value has another type
-    /// \{
+    /// @{
     int GetParamValue(const std::string &param, int64_t &value) const;
     int GetParamValue(const std::string &param, uint64_t &value) const;
     int GetParamValue(const std::string &param, double &value) const;
@@ -65,7 +65,7 @@ public:
     int GetParamValue(const std::string &param, std::vector<uint64_t> &value) const;
     int GetParamValue(const std::string &param, std::vector<double> &value) const;
     int GetParamValue(const std::string &param, std::vector<std::string> &value) const;
-    /// \}
+    /// @}
 
     /// Rejects every other type at compile time.
     template <typename Value>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Selects the events that a listener receives (hisysevent_manager.h).
 
 #ifndef HOST_HISYSEVENT_RULES_H

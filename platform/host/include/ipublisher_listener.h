@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Topics of the distributed hardware framework, and the interface of their listeners.
 
 #ifndef HOST_IPUBLISHER_LISTENER_H

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// The parcel of an inter-process call. On the host it carries neither remote objects nor file descriptors.
 
 #ifndef HOST_MESSAGE_PARCEL_H

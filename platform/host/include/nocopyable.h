@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Macros for classes that cannot be copied or moved. Use them in the class definition, with the name of the class.
 
 #ifndef HOST_NOCOPYABLE_H

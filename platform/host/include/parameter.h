@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// System parameters on the host, private to the process. The first use reads the file that OSTRA_HOST_PARAMETER_FILE
 /// names, with one name=value per line ('#' starts a comment line), then OSTRA_HOST_PARAMETERS, name=value entries
 /// separated by ';', which take precedence. Whitespace around an entry is ignored. Entries that SetParameter would

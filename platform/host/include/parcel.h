@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// The parcel of the platform's inter-process calls: values are written one after the other and read back in the same
 /// order.
 ///
@@ -42,7 +42,7 @@ public:
     bool Read##Name(Type &value);
     /// Single values: bool WriteX(T), T ReadX() and bool ReadX(T &). Values of fewer than 4 bytes are extended to 4;
     /// reading uses the low-order bytes. ReadBool returns true for any value but 0.
-    /// \{
+    /// @{
     HOST_PARCEL_SCALAR(Bool, bool)
     HOST_PARCEL_SCALAR(Int8, int8_t)
     HOST_PARCEL_SCALAR(Int16, int16_t)
@@ -54,31 +54,31 @@ public:
     HOST_PARCEL_SCALAR(Uint64, uint64_t)
     HOST_PARCEL_SCALAR(Float, float)
     HOST_PARCEL_SCALAR(Double, double)
-    /// \}
+    /// @}
 #undef HOST_PARCEL_SCALAR
     // NOLINTEND(bugprone-macro-parentheses)
 
     /// An address of this process, in 8 bytes.
-    /// \{
+    /// @{
     bool WritePointer(uintptr_t value);
     uintptr_t ReadPointer();
-    /// \}
+    /// @}
 
     /// A string of 8-bit or 16-bit characters: its length as a signed 32-bit value, its characters and a null
     /// terminator, padded. A null string is written as the length -1 only.
-    /// \{
+    /// @{
     bool WriteString(const std::string &value);
     bool WriteString16(const std::u16string &value);
     bool WriteString8WithLength(const char *value, size_t length);
     bool WriteString16WithLength(const char16_t *value, size_t length);
-    /// \}
+    /// @}
 
     /// Return an empty string, or false, if:
     ///   - the length is negative or 0x7fffffff; the length is consumed
     ///   - characters or the null terminator are missing; the read position is unchanged
     ///
     /// The padding is ignored, and may be missing. `readLength` receives the length if it is consumed.
-    /// \{
+    /// @{
     // NOLINTBEGIN(readability-const-return-type): as the platform declares them
     const std::string ReadString();
     const std::u16string ReadString16();
@@ -87,30 +87,30 @@ public:
     const std::string ReadString8WithLength(int32_t &readLength);
     const std::u16string ReadString16WithLength(int32_t &readLength);
     // NOLINTEND(readability-const-return-type)
-    /// \}
+    /// @}
 
     /// A null-terminated string without a length. The result points into the parcel and is valid until the parcel is
     /// written, flushed or destroyed.
-    /// \{
+    /// @{
     bool WriteCString(const char *value);
     const char *ReadCString();
-    /// \}
+    /// @}
 
     /// A block of bytes, padded. Null and empty blocks are rejected. Both functions behave identically.
-    /// \{
+    /// @{
     bool WriteBuffer(const void *data, size_t size);
     bool WriteUnpadBuffer(const void *data, size_t size);
-    /// \}
+    /// @}
 
     /// A block whose last `typeSize` bytes are written as zeros. Rejects blocks of fewer bytes.
     bool WriteBufferAddTerminator(const void *data, size_t size, size_t typeSize);
 
     /// Return a block of `length` bytes: a pointer into the parcel, valid as long as that of ReadCString. Only
     /// ReadUnpadBuffer skips the padding.
-    /// \{
+    /// @{
     const uint8_t *ReadBuffer(size_t length);
     const uint8_t *ReadUnpadBuffer(size_t length);
-    /// \}
+    /// @}
 
 #define HOST_PARCEL_VECTOR(Name, Type)                         \
     bool Write##Name##Vector(const std::vector<Type> &values); \
@@ -119,7 +119,7 @@ public:
     /// and padded as a whole. Reading returns false, with the count consumed and the vector unchanged, if the count is
     /// negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read are empty.
     /// A null vector is rejected, and nothing is read.
-    /// \{
+    /// @{
     HOST_PARCEL_VECTOR(Bool, bool)
     HOST_PARCEL_VECTOR(Int8, int8_t)
     HOST_PARCEL_VECTOR(Int16, int16_t)
@@ -133,12 +133,12 @@ public:
     HOST_PARCEL_VECTOR(Double, double)
     HOST_PARCEL_VECTOR(String, std::string)
     HOST_PARCEL_VECTOR(String16, std::u16string)
-    /// \}
+    /// @}
 #undef HOST_PARCEL_VECTOR
 
     /// Sizes in bytes: the data; the data after the read position; the free space before the buffer must grow; the
     /// buffer; the size to which writes may grow it (204800 by default). GetData returns the address of the data.
-    /// \{
+    /// @{
     size_t GetDataSize() const;
     uintptr_t GetData() const;
     size_t GetReadableBytes() const;
@@ -147,7 +147,7 @@ public:
     size_t GetMaxCapacity() const;
     size_t GetReadPosition();
     size_t GetWritePosition();
-    /// \}
+    /// @}
 
     /// Resizes the buffer, even beyond the maximum capacity. Returns false, without a change, if the buffer would not
     /// be larger than the data, or allocation fails.
@@ -162,10 +162,10 @@ public:
 
     /// Set a position, in bytes from the start; RewindWrite also ends the data there. Return false, without a change,
     /// for a position beyond the data.
-    /// \{
+    /// @{
     bool RewindRead(size_t newPosition);
     bool RewindWrite(size_t newPosition);
-    /// \}
+    /// @}
 
     /// Advances the read position, or moves it to the end of the buffer if fewer than `bytes` bytes of data follow.
     void SkipBytes(size_t bytes);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// QoS client on the host: a level is a Linux scheduling policy and a nice value, relative to the nice value that the
 /// process was started with:
 ///
@@ -39,27 +39,27 @@ enum class QosLevel {
 ///
 /// Return 0, or -1 without a change if the level is outside 0 to 6, the process has no such thread, or the kernel
 /// rejects the request.
-/// \{
+/// @{
 int SetThreadQos(enum QosLevel level);
 int SetQosForOtherThread(enum QosLevel level, int tid);
-/// \}
+/// @}
 
 /// Remove the level of a thread, if any: the thread is then scheduled as the process was at its start.
 ///
 /// Return 0, or -1 without a change if the process has no such thread or the kernel rejects the request.
-/// \{
+/// @{
 int ResetThreadQos();
 int ResetQosForOtherThread(int tid);
-/// \}
+/// @}
 
 /// Get the level that was set for a thread.
 ///
 /// Return 0, or -1 without changing `level` if the process has no such thread, no level was set, or the scheduling of
 /// the thread has been changed since.
-/// \{
+/// @{
 int GetThreadQos(enum QosLevel &level);
 int GetQosForOtherThread(enum QosLevel &level, int tid);
-/// \}
+/// @}
 
 }  // namespace OHOS::QOS
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// The platform's reference-counted pointer. An object of a class that derives from RefBase contains its own reference
 /// count, and is deleted when the last sptr that points to it is destroyed.
 ///

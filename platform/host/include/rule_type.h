@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// How a rule compares names (hisysevent_rules.h).
 
 #ifndef HOST_RULE_TYPE_H

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// Bounds-checked functions on the host, for memory and narrow strings. All are reentrant. A C compiler accepts this
 /// header.
 ///
@@ -50,25 +50,25 @@ errno_t memset_s(void *dest, size_t destMax, int c, size_t count);
 
 /// Copy `count` bytes. memmove_s accepts overlapping blocks; memcpy_s rejects them, except for copying a block onto
 /// itself.
-/// \{
+/// @{
 errno_t memcpy_s(void *dest, size_t destMax, const void *src, size_t count);
 errno_t memmove_s(void *dest, size_t destMax, const void *src, size_t count);
-/// \}
+/// @}
 
 /// Copy a string, or at most its first `count` characters, and add a null terminator. A string may be copied onto
 /// itself. Return ERANGE_AND_RESET if count exceeds SECUREC_STRING_MAX_LEN.
-/// \{
+/// @{
 errno_t strcpy_s(char *strDest, size_t destMax, const char *strSrc);
 errno_t strncpy_s(char *strDest, size_t destMax, const char *strSrc, size_t count);
-/// \}
+/// @}
 
 /// Append a string, or at most its first `count` characters. Return EINVAL_AND_RESET if the destination has no null
 /// terminator, and ERANGE_AND_RESET if a string is appended to itself. Overlap is checked first, and includes a source
 /// that begins right after the result or ends right before the destination.
-/// \{
+/// @{
 errno_t strcat_s(char *strDest, size_t destMax, const char *strSrc);
 errno_t strncat_s(char *strDest, size_t destMax, const char *strSrc, size_t count);
-/// \}
+/// @}
 
 /// Splits a string as strtok_r does. Returns null after the last token, or if the delimiters or the context are null.
 char *strtok_s(char *strToken, const char *strDelimit, char **context);
@@ -79,28 +79,28 @@ char *strtok_s(char *strToken, const char *strDelimit, char **context);
 /// Return the number of characters written, without the null terminator, or -1:
 ///   - with an empty destination, if the result does not fit, or the format is null or rejected
 ///   - with nothing written, if the destination is null or destMax is invalid
-/// \{
+/// @{
 int sprintf_s(char *strDest, size_t destMax, const char *format, ...) __attribute__((format(printf, 3, 4)));
 int vsprintf_s(char *strDest, size_t destMax, const char *format, va_list argList)
     __attribute__((format(printf, 3, 0)));
-/// \}
+/// @}
 
 /// The same for at most `count` characters. For a longer result, return -1; the destination then holds the first
 /// `count` characters of the result if count is less than destMax, and is empty otherwise. If count exceeds
 /// SECUREC_STRING_MAX_LEN, the destination is empty.
-/// \{
+/// @{
 int snprintf_s(char *strDest, size_t destMax, size_t count, const char *format, ...)
     __attribute__((format(printf, 4, 5)));
 int vsnprintf_s(char *strDest, size_t destMax, size_t count, const char *format, va_list argList)
     __attribute__((format(printf, 4, 0)));
-/// \}
+/// @}
 
 /// The same, but truncate what does not fit and return destMax - 1.
-/// \{
+/// @{
 int snprintf_truncated_s(char *strDest, size_t destMax, const char *format, ...) __attribute__((format(printf, 3, 4)));
 int vsnprintf_truncated_s(char *strDest, size_t destMax, const char *format, va_list argList)
     __attribute__((format(printf, 3, 0)));
-/// \}
+/// @}
 
 #ifdef __cplusplus
 }

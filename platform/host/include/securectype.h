@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// The limits of the bounds-checked functions (securec.h). A C compiler accepts this header.
 
 #ifndef HOST_SECURECTYPE_H

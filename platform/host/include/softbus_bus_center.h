@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// SoftBus client on the host: describes the local node only. The function is thread-safe. A C compiler accepts this
 /// header.
 

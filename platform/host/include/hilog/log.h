@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// HiLog on the host: the C interface and, for a C++ compiler, the C++ interface. A file that logs with the macros
 /// defines its domain and tag before it includes this header:
 ///

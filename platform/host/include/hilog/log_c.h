@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// HiLog on the host, the C interface: the delivery rules and the format are those of a device; the output is standard
 /// error instead of the log service. All functions are thread-safe. A C compiler accepts this header.
 ///
@@ -31,14 +31,14 @@ extern "C" {
 #endif
 
 /// The default domain and tag of the macros below.
-/// \{
+/// @{
 #ifndef LOG_DOMAIN
 #define LOG_DOMAIN 0
 #endif
 #ifndef LOG_TAG
 #define LOG_TAG NULL
 #endif
-/// \}
+/// @}
 
 typedef enum {
     LOG_TYPE_MIN = 0,
@@ -90,10 +90,10 @@ bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level);
 /// Sets the level of the application's own domains, 0 to 0xFFFF. The level of the parameters and `level` are combined:
 /// PREFER_CLOSE_LOG uses the higher one, PREFER_OPEN_LOG the lower one, UNSET_LOGLEVEL only that of the parameters.
 /// HiLogSetAppMinLogLevel uses PREFER_CLOSE_LOG. Invalid levels and preferences are ignored.
-/// \{
+/// @{
 void HiLogSetAppLogLevel(LogLevel level, PreferStrategy prefer);
 void HiLogSetAppMinLogLevel(LogLevel level);
-/// \}
+/// @}
 
 /// The type of the callback that LOG_SetCallback sets.
 typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsigned int domain, const char *tag,
@@ -106,7 +106,7 @@ typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsi
 void LOG_SetCallback(LogCallback callback);
 
 /// Macros that return the result of HiLogPrint. All others expand to HILOG_IMPL; HILOG_COMM_... log with LOG_CORE.
-/// \{
+/// @{
 #define HILOG_IMPL(type, level, domain, tag, ...) HiLogPrint(type, level, domain, tag, __VA_ARGS__)
 #define HILOG_DEBUG(type, ...) HILOG_IMPL((type), LOG_DEBUG, LOG_DOMAIN, LOG_TAG, __VA_ARGS__)
 #define HILOG_INFO(type, ...) HILOG_IMPL((type), LOG_INFO, LOG_DOMAIN, LOG_TAG, __VA_ARGS__)
@@ -117,7 +117,7 @@ void LOG_SetCallback(LogCallback callback);
 #define HILOG_COMM_WARN(...) HILOG_WARN(LOG_CORE, __VA_ARGS__)
 #define HILOG_COMM_ERROR(...) HILOG_ERROR(LOG_CORE, __VA_ARGS__)
 #define HILOG_COMM_FATAL(...) HILOG_FATAL(LOG_CORE, __VA_ARGS__)
-/// \}
+/// @}
 
 #ifdef __cplusplus
 }

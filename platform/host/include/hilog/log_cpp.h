@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-/// \file
+/// @file
 /// HiLog on the host, the C++ interface: messages with a label, which holds type, domain and tag. Format, delivery,
 /// result and thread safety are those of HiLogPrint (log_c.h).
 ///
