@@ -17,12 +17,12 @@ using namespace Fuzz;
 
 constexpr wchar_t DIRECTIONS[] = L"\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069";
 
-// Fails unless `text` is UTF-8 without control characters other than `allowed`.
-void CheckPrintable(const std::string &text, const wchar_t *allowed)
+// Fails unless `string` is UTF-8 without control characters other than `allowed`.
+void CheckPrintable(const std::string &string, const wchar_t *allowed)
 {
-    std::wstring characters(text.size(), L'?');
-    const size_t length = std::mbstowcs(characters.data(), text.c_str(), characters.size());
-    ExpectEqual("UTF-8 without NUL", true, length <= text.size() && text.find('\0') == std::string::npos);
+    std::wstring characters(string.size(), L'?');
+    const size_t length = std::mbstowcs(characters.data(), string.c_str(), characters.size());
+    ExpectEqual("UTF-8 without NUL", true, length <= string.size() && string.find('\0') == std::string::npos);
     for (const wchar_t character : characters.substr(0, length)) {
         const bool isControl =
             std::iswcntrl(static_cast<wint_t>(character)) != 0 || std::wcschr(DIRECTIONS, character) != nullptr;

@@ -23,10 +23,10 @@ constexpr char DESCRIPTION[] =
 constexpr char FOOTER[] =
     "HEX consists of pairs of hexadecimal digits, with or without spaces, commas and 0x: 85 68 65, 856865, 0x85,0x68.\n"
     "A file or standard input contains the bytes themselves: xxd -r converts a hex dump, xxd -r -p plain digits.\n\n"
-    "Control characters, and bytes that are not valid UTF-8, are printed as \\x and two digits. With --json, events\n"
-    "are printed as one object per line, and the content of a frame is limited to its first 10,000 bytes. To bound\n"
-    "memory use, a frame is limited to 64 MiB, and a document, a parcel or the line of an event to 1 MiB. The exit\n"
-    "status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for an invalid command line.\n\n"
+    "Control characters and invalid UTF-8 are printed as \\x and two digits. With --json, events are printed as one\n"
+    "object per line. Of the content of a frame, the first 512 bytes are shown, with --json 10,000; of a list, 10,000\n"
+    "elements. The input is limited: a frame to 64 MiB; a document, a parcel or the line of an event to 1 MiB. The\n"
+    "exit status is 0 if the input is valid, 1 if it is rejected or cannot be read, and 2 for invalid arguments.\n\n"
     "Examples:\n"
     "  $ ostra-inspect frame 85 68 65 6C 6C 6F\n"
     "  $ xxd -r message.hex | ostra-inspect frame --skip 8 --crc A1CD\n"
@@ -96,7 +96,7 @@ void AddOptions(CLI::App &app, Options &options)
     app.set_help_flag("-h,--help", "print this help and exit");
     app.set_version_flag("--version", std::string(PROGRAM) + " " + OSTRA_VERSION, "print the version and exit");
     app.set_help_all_flag("--help-all", "print the help of all subcommands and exit");
-    app.add_flag("--json", options.events.isJson, "print JSON");
+    auto *const json = app.add_flag("--json", options.events.isJson, "print JSON");
     const CLI::Range numbers(0, std::numeric_limits<int>::max());
     CLI::App *const frame = app.get_subcommand("frame");
     frame->add_option("--skip", options.frame.skip, "skip the first N bytes; 8 for a message of channel_pair")
@@ -110,7 +110,7 @@ void AddOptions(CLI::App &app, Options &options)
             const bool isHex = std::isxdigit(static_cast<unsigned char>(digits[0])) != 0 && *end == '\0';
             return isHex && is16Bit ? "" : "not a 16-bit number in hexadecimal: " + digits;
         });
-    frame->add_flag("--content", options.isContentOnly, "write only the content, as raw bytes, to a pipe or file");
+    frame->add_flag("--content", options.isContentOnly, "write only the raw content to a pipe or file")->excludes(json);
     CLI::App *const events = app.get_subcommand("events");
     events->add_flag("--failed", options.events.isFailedOnly, "show only failures");
     events->add_option("--pid", options.events.pid, "show only this process")->option_text("PID")->check(numbers);

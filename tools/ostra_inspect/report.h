@@ -63,10 +63,10 @@ std::string ToJson(const cJSON *report, bool isIndented);
 
 /// Escapes control characters, characters that change the writing direction, and bytes that are not valid UTF-8 as \x
 /// and two digits for each byte.
-std::string Escape(std::string_view text);
+std::string Escape(std::string_view string);
 
-/// Returns `text` followed by spaces up to `width` bytes.
-std::string PadRight(std::string text, size_t width);
+/// Returns the string followed by spaces up to `width` bytes.
+std::string PadRight(std::string string, size_t width);
 
 /// Returns upper-case hexadecimal digits: "85 68 65", or a number with at least `digits` of them.
 std::string ToHex(std::string_view bytes);
