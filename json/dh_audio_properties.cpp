@@ -57,7 +57,7 @@ int32_t DHOSTRAAudioProperties::Unmarshal(const std::string &in)
         return OSTRA_JSON_INPUT_INVALID;
     }
     const cJSON *capabilities = cJSON_GetObjectItem(root.get(), CAPABILITIES_KEY);
-    if (cJSON_IsString(capabilities) != 0 && capabilities->valuestring != nullptr) {
+    if (cJSON_IsString(capabilities) != 0) {
         audioCapablities_ = capabilities->valuestring;
         if (audioCapablities_.empty()) {
             OSTRA_LOGI("DHOSTRAAudioProperties Unmarshal audioCapablities is null");
@@ -90,9 +90,8 @@ int32_t DHOSTRAAudioProperties::UnmarshalAudioCapablities(const std::string &jso
         OSTRA_LOGE("cJSON_Parse audioCapablitiesStr failed");
         return OSTRA_JSON_INPUT_INVALID;
     }
-    if (UnmarshalAudioCodecs(root.get()) == OSTRA_JSON_SUCCESS) {
-        UnmarshalAudioProfiles(root.get());
-    }
+    UnmarshalAudioCodecs(root.get());
+    UnmarshalAudioProfiles(root.get());
     return OSTRA_JSON_SUCCESS;
 }
 

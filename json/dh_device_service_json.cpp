@@ -12,7 +12,7 @@ namespace {
 void ReadString(const cJSON *root, const char *key, std::string &member)
 {
     const cJSON *item = cJSON_GetObjectItem(root, key);
-    if (cJSON_IsString(item) != 0 && item->valuestring != nullptr) {
+    if (cJSON_IsString(item) != 0) {
         member = item->valuestring;
     }
 }
