@@ -53,7 +53,7 @@ void OstraContext::PublishMessage()
             }
             message = json.get();
         }
-        if (dhFwkKit_ == nullptr) {
+        if (dhFwkKit_ == nullptr) {  // cannot happen
             OSTRA_LOGE("PublishMessage FwkKit is nullptr");
             return;
         }

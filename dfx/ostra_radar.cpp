@@ -20,7 +20,7 @@ constexpr char REPORTING_PACKAGE[] = "ostra_adapter";
 constexpr int32_t RESULT_SUCCESS = 1;
 constexpr int32_t RESULT_FAILURE = 2;
 
-constexpr int32_t FAILURE_LINE_OFFSET = 100;  // greater than any stage
+constexpr int32_t FAILURE_LINE_OFFSET = 100;  // any number but 0: the method is part of the call site
 
 constexpr int32_t NO_STATE = 0;
 constexpr int32_t STATE_START = 1;

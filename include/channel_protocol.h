@@ -31,8 +31,8 @@ struct UnPackagedEA {
 /// Call Create or CreateFromBuffer once per object: another call replaces the buffer without releasing it. Callers may
 /// read the members but must not change them.
 ///
-/// Operations that fail log an error unless documented otherwise. They throw nothing: if allocation fails, they return
-/// false.
+/// Operations that fail log an error unless documented otherwise. They throw nothing themselves (see DHLog for what a
+/// log message may do): if allocation fails, they return false.
 ///
 /// Not thread-safe: callers must synchronize access to an object. GetCrc and HasEA use no object state and are
 /// thread-safe.

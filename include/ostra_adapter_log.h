@@ -34,8 +34,9 @@ enum DHLogLevel : int32_t {
 /// A message has at most 4095 bytes. A longer one, or one whose format is invalid, is replaced by
 /// "DH log length error." at the same level. DHLog itself does not filter by level.
 ///
-/// Does not report errors, throw or allocate. Uses 4 KiB of stack for the message; on the host, a whole call needs up
-/// to 16 KiB.
+/// Does not report errors, throw or allocate itself. The platform may: on the host, the first message of a process
+/// reads the system parameters, which allocates. Uses 4 KiB of stack for the message; on the host, a whole call needs
+/// up to 16 KiB.
 OSTRA_EXPORT void DHLog(DHLogLevel level, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 }  // namespace OHOS::DistributedHardware::OstraAdapter

@@ -77,7 +77,8 @@ int SendQosRequest(QosRequest request, int tid, int &level)
         return REJECTED;
     }
     if (request == QosRequest::GET) {
-        // Linux may reuse the id of a finished thread: the level belongs to this thread only if it is scheduled so.
+        // Linux may reuse the id of a finished thread: the level belongs to this thread only if it still has its policy
+        // and nice value.
         const auto found = levels.levelOfThread.find(tid);
         const bool hasLevel =
             found != levels.levelOfThread.end() && IsScheduled(SCHEDULING_OF_LEVEL[found->second], tid);
