@@ -298,10 +298,9 @@ TEST(HiSysEvent, WritesValuesOfEachType)
     EXPECT_EQ(Output().back(), R"({"T":"Q\x22 b\x5c \x0a","time_":9223372036854775807,"U":18446744073709551615,)"
                                R"("D":0.5,"E":200,"V":["1","\x22"],"N":[-1,2]})");
     g_record.emplace(g_output);
-    const std::string none = Quote("");
     EXPECT_EQ(PlatformFields(),
-              (Fields{Quote("OWN"), Quote("EVENT"), "3", none, none, Show(g_record->GetTimeZone()), Show(g_wallClockMs),
-                      Show(getpid()), Show(gettid()), Show(getuid()), "0", "0", "0", "0"}));
+              (Fields{Quote("OWN"), Quote("EVENT"), "3", Quote(""), Quote(""), Show(g_record->GetTimeZone()),
+                      Show(g_wallClockMs), Show(getpid()), Show(gettid()), Show(getuid()), "0", "0", "0", "0"}));
     EXPECT_EQ(Names(), (Fields{"T", "time_", "U", "D", "E", "V", "N"}));
     const char *const noKey = nullptr;
     EXPECT_DEATH(HiSysEventWrite(domain, "EVENT", HiSysEvent::FAULT, noKey, 1), "null key\n$");

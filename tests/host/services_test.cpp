@@ -34,7 +34,7 @@ struct Object : virtual RefBase {
 };
 
 std::string g_received;
-std::map<std::string, std::string> g_idFiles;  // content of the files; "locked" fails to open, "damaged" to read
+std::map<std::string, std::string> g_idFiles;  // content of the files; "locked" fails to open, "unreadable" to be read
 std::string g_hostName;
 
 struct Listener : Object, IPublisherListener {
@@ -124,7 +124,7 @@ extern "C" FILE *fopen(const char *path, const char *)
     errno = g_idFiles.count(path) == 0 ? ENOENT : EACCES;
     std::string &content = g_idFiles[path];
     const bool isOpened = errno == EACCES && content != "locked";
-    return isOpened ? fmemopen(content.data(), content.size(), content == "damaged" ? "w" : "r") : nullptr;
+    return isOpened ? fmemopen(content.data(), content.size(), content == "unreadable" ? "w" : "r") : nullptr;
 }
 
 extern "C" int gethostname(char *name, size_t size) noexcept
@@ -149,7 +149,7 @@ TEST(SoftBus, IdentifiesTheLocalNode)
         {{}, "host", {0, idOfHost, "host", 0}},
         {{{first, ""}}, "host", {0, idOfHost, "host", 0}},
         {{{first, "locked"}, {second, "other"}}, "host", unchanged},
-        {{{first, "damaged"}, {second, "other"}}, "host", unchanged},
+        {{{first, "unreadable"}, {second, "other"}}, "host", unchanged},
         {{{first, "id"}}, "", unchanged},
     };
     for (const auto &[files, hostName, expected] : cases) {

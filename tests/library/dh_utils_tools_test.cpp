@@ -24,9 +24,9 @@ int sprintf_s(char *destination, size_t size, const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    const int length = Fault::ShouldFail() ? -1 : vsprintf_s(destination, size, format, arguments);
+    const int length = vsprintf_s(destination, size, format, arguments);
     va_end(arguments);
-    return length;
+    return Fault::ShouldFail() ? -1 : length;
 }
 
 std::string g_networkId;
@@ -36,6 +36,7 @@ int32_t GetLocalNodeDeviceInfo(const char *package, NodeBasicInfo *info)
     EXPECT_EQ(package, OHOS::DistributedHardware::OstraAdapter::OSTRA_PKG_NAME);
     EXPECT_EQ(std::count(info->networkId, std::end(info->networkId), 0), NETWORK_ID_BUF_LEN);
     g_networkId.copy(info->networkId, NETWORK_ID_BUF_LEN);
+    std::fill(std::begin(info->deviceName), std::end(info->deviceName), 'x');
     return g_networkId.empty() ? -426 : 0;
 }
 
@@ -57,8 +58,7 @@ TEST_F(UtilsTest, MasksStrings)
 
 TEST_F(UtilsTest, MasksNumbers)
 {
-    EXPECT_EQ(GetAnonyInt32(7), "*");
-    EXPECT_EQ(GetAnonyInt32(INT32_MIN), "-**********");
+    EXPECT_EQ(GetAnonyInt32(7) + " " + GetAnonyInt32(12) + " " + GetAnonyInt32(INT32_MIN), "* 1* -**********");
     EachFault([] { RecordLine("8080: " + GetAnonyInt32(8080)); });
 }
 

@@ -23,6 +23,7 @@ TEST_F(OstraAdapterLogTest, ReplacesOverlongMessages)
 {
     const char *const noFormat = nullptr;
     CALL(DHLog(DH_LOG_ERROR, noFormat));
+    CALL(DHLog(DH_LOG_WARN, "%s", ""));
     CALL(DHLog(DH_LOG_WARN, "%s", std::string(4095, 'x').c_str()));
     CALL(DHLog(DH_LOG_WARN, "%s", std::string(4096, 'x').c_str()));
 }

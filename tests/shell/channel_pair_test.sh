@@ -141,7 +141,7 @@ cp "$random" "$work/-odd"
 (cd "$work" && expect 0 'every byte arrived' --output=-copy -- -odd && cmp ./-copy random)
 (sleep 0.5 && cat "$random") | expect 0 'every byte arrived' --timeout 0.4 --output "$work/piped" -
 cmp "$work/piped" "$random"
-(for i in {1..12}; do printf x; sleep 0.15; done) | expect 0 'bytes       12' --timeout 1 -
+(for byte in {a..l}; do printf %s "$byte"; sleep 0.15; done) | expect 0 'bytes       12' --timeout 1 -
 expect 0 'every byte arrived' /dev/stdin <"$random"
 expect 0 '' --output - "$random"
 cmp "$work/out" "$random"
