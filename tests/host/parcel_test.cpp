@@ -129,7 +129,7 @@ TEST(Parcel, MatchesRecording)
         return {ToHex(std::string(reinterpret_cast<const char *>(g_parcel->GetData()), g_parcel->GetDataSize()))};
     });
     EXPECT_EQ(Replay("recorded/parcel.txt", 307, operations), 10u);
-    Replay("handwritten/parcel.txt", 3, operations);
+    Replay("handwritten/parcel.txt", 4, operations);
 }
 
 TEST(Parcel, IsUsableAfterRejectedCalls)
