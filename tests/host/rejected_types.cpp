@@ -2,6 +2,8 @@
 //
 // Must not compile: in each case, a template of the host platform rejects a type.
 
+#include <filesystem>
+
 #include "hisysevent_record.h"
 #include "refbase.h"
 
@@ -18,7 +20,7 @@ int Use(const HiSysEventRecord &record)
 #elif defined(CASE_WRITE_KEYS)
     return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", 1, 2, "value");
 #elif defined(CASE_WRITE_VALUE)
-    return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", &record);
+    return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", std::filesystem::path("value"));
 #elif defined(CASE_WRITE_SCOPED_ENUMERATION)
     return HiSysEvent::Write("func", 1, "DOMAIN", "EVENT", HiSysEvent::FAULT, "KEY", Scoped::VALUE);
 #elif defined(CASE_SPTR)

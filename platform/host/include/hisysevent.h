@@ -42,8 +42,10 @@
 /// @cond The form in which HiSysEvent::Write passes an event to the library. Not part of the platform's interface.
 namespace ostra::host {
 
+// Not any type that converts to std::string: EventScalar would reference a temporary string.
 template <typename Value>
-constexpr bool IS_EVENT_STRING = std::is_convertible_v<Value, std::string>;
+constexpr bool IS_EVENT_STRING =
+    std::is_convertible_v<const Value &, const char *> || std::is_convertible_v<const Value *, const std::string *>;
 
 template <typename Value>
 constexpr bool IS_EVENT_VALUE = std::is_arithmetic_v<Value> || std::is_enum_v<Value> || IS_EVENT_STRING<Value>;
@@ -134,7 +136,7 @@ namespace OHOS::HiviewDFX {
 /// Writes events.
 class HiSysEvent {
 public:
-    enum EventType { FAULT = 1, STATISTIC = 2, SECURITY = 3, BEHAVIOR = 4 };
+    enum EventType : int { FAULT = 1, STATISTIC = 2, SECURITY = 3, BEHAVIOR = 4 };
 
     /// Domains of some platform components.
     class Domain {
