@@ -107,7 +107,7 @@ TEST(Qos, SchedulesAndResetsThreads)
     const Fields noLevel = {"-1", "unchanged"};
     int level = 0;
     for (const auto &[policy, offset] : levels) {
-        const Scheduling expected(policy, initial.second + offset);
+        const Scheduling expected(policy, std::max(initial.second + offset, -20));
         std::thread([&] {
             const bool isGranted = setpriority(PRIO_PROCESS, 0, expected.second) == 0;
             EXPECT_EQ(SetQosForOtherThread(QosLevel{level}, tid), isGranted ? 0 : -1) << level;

@@ -2,7 +2,7 @@
 //
 /// @file
 /// QoS client on the host: a level is a Linux scheduling policy and a nice value, relative to the nice value that the
-/// process was started with:
+/// process was started with, but at least -20:
 ///
 ///     level                     policy         nice
 ///     0 QOS_BACKGROUND          SCHED_BATCH       0
@@ -44,7 +44,8 @@ int SetThreadQos(enum QosLevel level);
 int SetQosForOtherThread(enum QosLevel level, int tid);
 /// @}
 
-/// Remove the level of a thread, if any: the thread is then scheduled as the process was at its start.
+/// Remove the level of a thread, if any: the thread is then scheduled with SCHED_OTHER and the nice value that the
+/// process was started with.
 ///
 /// Return 0, or -1 without a change if the process has no such thread or the kernel rejects the request.
 /// @{

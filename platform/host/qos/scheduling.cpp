@@ -7,6 +7,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 
@@ -40,19 +41,25 @@ bool IsThreadOfProcess(int tid)
     return syscall(SYS_tgkill, getpid(), tid, 0) == 0;
 }
 
+// The kernel limits nice values to this range.
+int NiceOf(const Scheduling &target)
+{
+    return std::clamp(NICE_AT_START + target.nice, -20, 19);
+}
+
 bool Schedule(const Scheduling &target, int tid)
 {
     // Set the nice value first: if the kernel grants it, it also grants the policy, so that a rejected request
     // changes nothing.
     const sched_param noRealTimePriority{};
-    return setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NICE_AT_START + target.nice) == 0 &&
+    return setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NiceOf(target)) == 0 &&
            sched_setscheduler(tid, target.policy, &noRealTimePriority) == 0;
 }
 
 bool IsScheduled(const Scheduling &target, int tid)
 {
     return sched_getscheduler(tid) == target.policy &&
-           getpriority(PRIO_PROCESS, static_cast<id_t>(tid)) == NICE_AT_START + target.nice;
+           getpriority(PRIO_PROCESS, static_cast<id_t>(tid)) == NiceOf(target);
 }
 
 // The mutex also covers the scheduling calls, so that the map agrees with the kernel.
