@@ -4,6 +4,7 @@
 # Sourced by every script first: enables strict mode, changes to the top directory, and handles --help, which prints the
 # comment at the top of the script, then the output of the function `more_help` if the script has defined it.
 set -euo pipefail
+unset CDPATH # with which cd prints directories
 
 script=$(cd "$(dirname "$0")" && pwd)/${0##*/}
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

@@ -109,6 +109,7 @@ replace_dump() {
         done
         sleep 0.05
     done
+    [ "$tries" -gt 0 ] || { echo 'the dump does not appear' >&2; return 1; }
     rm "$dump"
     "$@" "$dump"
     cat "$work/chunk"

@@ -17,12 +17,15 @@ require() {
     grep -Eq -- "$3" <<<"$4" || { echo "$1: no $2"; failed=1; }
 }
 
+files=0
 while read -r file; do
+    files=$((files + 1))
     if "$readelf" -dW "$file" 2>/dev/null | grep -E '\((RUNPATH|RPATH)\).*(\[:|::|:\]|\[\])'; then
         echo "$file: empty element in the library search path"
         failed=1
     fi
 done < <(find "$build" -type f \( -perm -u+x -o -name '*.so*' \) ! -name '*.sh')
+[ "$files" -gt 0 ] || { echo "no programs in $build"; failed=1; }
 
 require "$1" "flag NODELETE" 'FLAGS_1.*NODELETE' "$("$readelf" -dW "$1")"
 for library in "$@"; do

@@ -26,7 +26,8 @@ printf '# a=1\n\n  test.file=from file \r\ntest.both=from file\nB-D=1\ntest.semi
 
 TZ=XST-5:30 run OSTRA_HOST_EVENT_OUTPUT stderr
 expect 'time zone' '"tz_":"\+0530"'
-expect 'process and thread' "$(sed -nE 's/^ids (.*) (.*)/"pid_":\1,"tid_":\2,/p' "$work/output")"
+ids=$(sed -nE 's/^ids (.*) (.*)/"pid_":\1,"tid_":\2,/p' "$work/output")
+expect 'process and thread' "${ids:?}"
 expect stderr '\{"domain_".*,"T":"a"\}'$'\n''.*,"T":"b"\}'$'\n''.*results received 0 received 0'
 run OSTRA_HOST_EVENT_OUTPUT ''
 expect 'no output' $'\nresults received 0 received 0'

@@ -159,11 +159,13 @@ check_terminals() {
     on_terminal "'$inspect' frame"
     grep -q 'no input: standard input is a terminal' "$work/out" || fail 'waits for input on a terminal'
     on_terminal "'$inspect' frame --content 85 1B"
+    grep -q 'writes binary data' "$work/out" || fail 'raw content is not rejected on a terminal'
     ! grep -q $'\x1b' "$work/out" || fail 'raw content is printed to a terminal'
     sed 's/"STAGE_RES":1/"STAGE_RES":2/' event >failure
     on_terminal "stty cols 5; NO_COLOR= '$inspect' events failure"
     grep -q $'^\033.*FAILED' "$work/out" || fail 'failures are not highlighted'
     on_terminal "NO_COLOR=1 '$inspect' events failure"
+    grep -q FAILED "$work/out" || fail 'no failure is printed'
     ! grep -q $'\033' "$work/out" || fail 'colored despite NO_COLOR'
 }
 

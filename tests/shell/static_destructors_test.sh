@@ -16,7 +16,8 @@ sed -i -E '/^inline const std::/d; /^inline const DHTypeNames .*\{$/,/^\};$/d' "
 for source in "$top"/{common,protocol,json,bridge,dfx}/*.cpp; do
     "$@" -std=c++17 -I"$work" -I"$top/common" -I"$top/platform/host/include" -S -o - "$source"
 done >"$work/library.s"
-"$nm" -u "$platform" >"$work/platform.symbols"
+"$nm" -D -u "$platform" >"$work/platform.symbols"
+[ -s "$work/platform.symbols" ] || fail "no symbols in $platform"
 if grep atexit "$work"/library.s "$work"/platform.symbols; then
     fail "an object is destroyed at exit"
 fi
