@@ -302,8 +302,7 @@ TEST(HiSysEvent, WritesValuesOfEachType)
               (Fields{Quote("OWN"), Quote("EVENT"), "3", Quote(""), Quote(""), Show(g_record->GetTimeZone()),
                       Show(g_wallClockMs), Show(getpid()), Show(gettid()), Show(getuid()), "0", "0", "0", "0"}));
     EXPECT_EQ(Names(), (Fields{"T", "time_", "U", "D", "E", "V", "N"}));
-    const char *const noKey = nullptr;
-    EXPECT_DEATH(HiSysEventWrite(domain, "EVENT", HiSysEvent::FAULT, noKey, 1), "null key\n$");
+    EXPECT_DEATH(HiSysEventWrite(domain, "E", HiSysEvent::FAULT, static_cast<const char *>(nullptr), 1), "null key\n$");
 }
 
 TEST(HiSysEvent, SupportsReentrantThrowingAndConcurrentListeners)

@@ -135,8 +135,8 @@ TEST(Parcel, MatchesRecording)
 TEST(Parcel, IsUsableAfterRejectedCalls)
 {
     Parcel parcel;
-    EXPECT_FALSE(parcel.ParseFrom(0, 1));
-    EXPECT_FALSE(parcel.ReadInt32Vector(nullptr) || parcel.WriteBufferAddTerminator(nullptr, 4, 1));
+    EXPECT_FALSE(parcel.ParseFrom(0, 1) || parcel.WriteBufferAddTerminator(nullptr, 4, 1));
+    EXPECT_FALSE(parcel.ReadInt32Vector(nullptr) || parcel.ReadInt8Vector(nullptr));
     EXPECT_TRUE(parcel.SetMaxCapacity(SIZE_MAX));
     EXPECT_TRUE(parcel.WriteUint32(1));
     EXPECT_FALSE(parcel.WriteBuffer("", SIZE_MAX / 2)) << "allocation fails";
