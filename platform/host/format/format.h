@@ -25,7 +25,7 @@ struct FormatResult {
 
 /// Formats into `dest`, a buffer of `size` bytes (at least 1), and null-terminates the result. Stops at the first
 /// character that does not fit, so that an error in the rest of the format is not detected. Does not terminate the
-/// string if the format is invalid. Never allocates.
+/// string if the format is invalid. Does not allocate; the C library may, for thousands of digits of a float.
 FormatResult FormatBounded(char *dest, size_t size, FormatDialect dialect, const char *format, va_list arguments);
 
 }  // namespace ostra::host

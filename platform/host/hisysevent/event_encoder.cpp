@@ -34,9 +34,14 @@ bool IsLetter(char character)
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
+bool IsDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
 bool IsNameCharacter(char character)
 {
-    return IsLetter(character) || (character >= '0' && character <= '9') || character == '_';
+    return IsLetter(character) || IsDigit(character) || character == '_';
 }
 
 void AbortIfNull(std::string_view string, const char *what)
@@ -53,8 +58,8 @@ bool IsControl(char character)
     return static_cast<unsigned char>(character) < ' ' || character == deleteCharacter;
 }
 
-// Formats a float with nine significant digits, and a double with the fewest that survive a round trip (no exponent up
-// to 15 digits). Independent of the locale.
+// Formats a float with nine significant digits, and a double with the fewest that survive a round trip; numbers of up
+// to 15 digits before the point have no exponent. Independent of the locale.
 std::string FormatNumber(const EventScalar &scalar)
 {
     if (!std::isfinite(scalar.floating)) {
@@ -66,7 +71,7 @@ std::string FormatNumber(const EventScalar &scalar)
     if (scalar.kind == EventScalar::Kind::DOUBLE) {
         const char *shortest = std::to_chars(buffer, end, scalar.floating, std::chars_format::scientific).ptr;
         const char *exponent = std::find(static_cast<const char *>(buffer), shortest, 'e');
-        const auto significant = std::count_if(static_cast<const char *>(buffer), exponent, IsNameCharacter);
+        const auto significant = std::count_if(static_cast<const char *>(buffer), exponent, IsDigit);
         digits = std::max(static_cast<int>(significant), std::numeric_limits<double>::digits10);
     }
     return {buffer, std::to_chars(buffer, end, scalar.floating, std::chars_format::general, digits).ptr};

@@ -19,7 +19,8 @@ public:
 
     /// Called for every event that matches one of the listener's rules, in the writing thread and without holding a
     /// lock; several threads may call it at the same time. An exception propagates to the writer, and later listeners
-    /// do not receive the event.
+    /// do not receive the event. If it is thrown for an earlier event whose write had failed, the event being written
+    /// is lost.
     virtual void OnEvent(std::shared_ptr<HiSysEventRecord> sysEvent) = 0;
 
     /// Never called on the host, which has no event service.

@@ -2,10 +2,10 @@
 //
 /// @file
 /// System parameters on the host, private to the process. The first use reads the file that OSTRA_HOST_PARAMETER_FILE
-/// names, with one name=value per line ('#' starts a comment line), then OSTRA_HOST_PARAMETERS, name=value entries
-/// separated by ';', which take precedence. Whitespace around an entry is ignored. Entries that SetParameter would
-/// reject, files that cannot be read, directories and FIFOs are reported on standard error and skipped. All functions
-/// are thread-safe. A C compiler accepts this header.
+/// names, with one name=value per line, then OSTRA_HOST_PARAMETERS, name=value entries separated by ';', which take
+/// precedence. Whitespace around an entry is ignored; an entry that starts with '#' is a comment. Entries that
+/// SetParameter would reject, files that cannot be read, directories and FIFOs are reported on standard error and
+/// skipped. All functions are thread-safe. A C compiler accepts this header.
 
 #ifndef HOST_PARAMETER_H
 #define HOST_PARAMETER_H

@@ -73,7 +73,7 @@ public:
     bool WriteString16WithLength(const char16_t *value, size_t length);
     /// @}
 
-    /// Return an empty string, or false, if:
+    /// Return an empty string, or false with an empty `value`, if:
     ///   - the length is negative or 0x7fffffff; the length is consumed
     ///   - characters or the null terminator are missing; the read position is unchanged
     ///
@@ -118,7 +118,7 @@ public:
     /// Vectors: the count as a signed 32-bit value, then the elements as above; 8-bit and UInt16 elements are packed
     /// and padded as a whole. Reading returns false, with the count consumed and the vector unchanged, if the count is
     /// negative or exceeds the bytes that follow (a string needs at least one); strings that cannot be read are empty.
-    /// A null vector is rejected, and nothing is read.
+    /// A null vector is rejected, and nothing is read. Reading at the end of the data returns true and an empty vector.
     /// @{
     HOST_PARCEL_VECTOR(Bool, bool)
     HOST_PARCEL_VECTOR(Int8, int8_t)

@@ -23,6 +23,7 @@ public:
         sigpending(&pending);
         wasPending_ = sigismember(&pending, SIGPIPE) != 0;
         pthread_sigmask(SIG_BLOCK, &brokenPipe_, &mask_);
+        errno = 0;  // so that the destructor sees the error of the write
     }
 
     ~BrokenPipeGuard()

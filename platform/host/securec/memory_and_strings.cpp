@@ -123,7 +123,8 @@ errno_t memset_s(void *dest, size_t destMax, int c, size_t count)
     if (dest != nullptr && destMax == 0 && count == 0) {
         return EOK;
     }
-    if (const errno_t code = CheckPointers(dest, destMax, &c, [](errno_t) { return EOK; }); code != EOK) {
+    const void *const noSource = &c;  // anything but null
+    if (const errno_t code = CheckPointers(dest, destMax, noSource, [](errno_t) { return EOK; }); code != EOK) {
         return code;
     }
     std::memset(dest, c, count > destMax ? destMax : count);

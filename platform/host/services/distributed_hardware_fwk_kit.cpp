@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace OHOS::DistributedHardware {
@@ -40,7 +41,7 @@ int32_t DistributedHardwareFwkKit::RegisterPublisherListener(const DHTopic topic
     if (std::find(listeners.begin(), listeners.end(), listener) != listeners.end()) {
         return -1;
     }
-    listeners.push_back(listener);  // not moved: the argument keeps the listener alive until the lock is released
+    listeners.push_back(std::move(listener));
     return 0;
 }
 
@@ -48,7 +49,11 @@ int32_t DistributedHardwareFwkKit::UnregisterPublisherListener(const DHTopic top
 {
     Registry &registry = ProcessRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
-    Listeners &listeners = registry.listeners[topic];
+    const auto found = registry.listeners.find(topic);
+    if (found == registry.listeners.end()) {
+        return -1;
+    }
+    Listeners &listeners = found->second;
     const auto position = std::find(listeners.begin(), listeners.end(), listener);
     if (position == listeners.end()) {
         return -1;
