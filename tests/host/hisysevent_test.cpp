@@ -280,7 +280,7 @@ const Operations OPERATIONS = {
 TEST(HiSysEvent, MatchesRecording)
 {
     Replay("recorded/hisysevent.txt", 228, OPERATIONS);
-    Replay("handwritten/hisysevent.txt", 17, OPERATIONS);
+    Replay("handwritten/hisysevent.txt", 18, OPERATIONS);
     // Each case has its own call sites and starts when earlier ones have expired, so that earlier writes do not matter.
     Replay("recorded/hisysevent_rate_limiter.txt", 73, OPERATIONS);
 }

@@ -73,5 +73,5 @@ TEST(Securec, MatchesRecording)
         {"strtok_s", Tokens},
     };
     Replay("recorded/securec.txt", 359, operations);
-    Replay("handwritten/securec.txt", 33, operations);
+    Replay("handwritten/securec.txt", 34, operations);
 }

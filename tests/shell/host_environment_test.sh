@@ -55,7 +55,7 @@ expect 'skipped entries' 'PARAMETER_FILE: skipping malformed entry "B-D=1".*PARA
 expect parameters $'file is from file\ntest.both is from list\ntest.semicolon is a;b\ntest.list is a=b\ntest.empty is $'
 run OSTRA_HOST_PARAMETER_FILE "$work/parameters" <&- # the file gets descriptor 0
 expect 'parameters without standard input' 'file is from file'
-! grep '# a=1' "$work/output" || fail 'a comment is reported'
+! grep -E '# a=1|cannot be read' "$work/output" || fail 'a comment or the end of the file is reported'
 
 # level VALUE DELIVERED LINE...: checks the level and message of each log line.
 level() {
