@@ -11,8 +11,8 @@
 namespace ostra::host {
 namespace {
 
-// Blocks SIGPIPE in the calling thread. The destructor discards a SIGPIPE that the write raised and restores the mask.
-// Leaves the disposition of the signal, which belongs to the program, unchanged.
+// Blocks SIGPIPE in the calling thread. The destructor discards a SIGPIPE that the write raised, and restores the mask
+// and errno. Leaves the disposition of the signal, which belongs to the program, unchanged.
 class BrokenPipeGuard {
 public:
     BrokenPipeGuard()
@@ -33,12 +33,14 @@ public:
             sigtimedwait(&brokenPipe_, nullptr, &noWait);
         }
         pthread_sigmask(SIG_SETMASK, &mask_, nullptr);
+        errno = savedErrno_;
     }
 
     BrokenPipeGuard(const BrokenPipeGuard &) = delete;
     BrokenPipeGuard &operator=(const BrokenPipeGuard &) = delete;
 
 private:
+    const int savedErrno_ = errno;
     sigset_t brokenPipe_{};
     sigset_t mask_{};
     bool wasPending_ = false;

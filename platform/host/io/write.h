@@ -13,7 +13,7 @@ namespace ostra::host {
 
 /// Writes `data` with one call of write(), so that lines of different threads and processes do not interleave. Retries
 /// a call that a signal interrupts, and never terminates the process with SIGPIPE. Returns the number of bytes written,
-/// or -1. Changes errno.
+/// or -1. Does not change errno.
 ssize_t WriteOnce(int descriptor, std::string_view data);
 
 }  // namespace ostra::host
