@@ -4,6 +4,7 @@
 # Usage: host_environment_test.sh COMMAND..., where COMMAND runs the program of tests/host/environment.cpp
 . "$(dirname "$0")/lib.sh"
 
+umask 022
 export OSTRA_HOST_PARAMETERS='test.both=from list; test.list=a=b;nothing;;test.empty='
 
 # expect WHAT PATTERN: the output of the last run must match the extended regular expression; dots match newlines.
